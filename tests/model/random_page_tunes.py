@@ -206,6 +206,13 @@ class TuneMaker:
         if self.chance(0.05):
             for record in self.records:
                 record.Measure += 1                         # no measure 1: counts as empty
+        elif self.chance(0.03):
+            for record in self.records:
+                record.Measure = 1                          # one measure, however long
+        if self.chance(0.04):
+            for record in self.records:
+                if self.chance(0.9) and record.NoteCode != HEAD:
+                    self.narrow_column(record)              # lines that fill all 80 columns
         if self.chance(0.2):
             self.end_in_heads()
 
