@@ -1,0 +1,183 @@
+// Inserting and deleting notes and measures: the commands that move records of the table.
+
+#include "editor/editor.h"
+
+namespace quillon {
+
+/// Moves the records from CurNote on up by one; record CurNote stays as a copy of what it was.
+void Editor::MakeRoomAtCurNote()
+{
+    for (int i = tune.LastNote; i >= tune.CurNote; --i)
+        tune[i + 1] = tune[i];
+}
+
+void Editor::RelayoutXPos()
+{
+    tune[form.MeasHead + 1].XPos = kFirstNoteX;
+    for (int i = form.MeasHead + 2; i <= form.MeasEnd; ++i)
+        tune[i].XPos = EndOf(i - 1);
+}
+
+void Editor::mnuNoteBefore()
+{
+    if (form.EntryState == kAppendState)
+        return;
+    form.Saved = 0;
+    MakeRoomAtCurNote();
+    for (std::string& slot : Current().Slots)
+        slot.clear();
+    ++tune.LastNote;
+    ++form.MeasEnd;
+    RelayoutXPos();
+    view.RedrawMeasure();
+}
+
+void Editor::mnuInsNoteAfter()
+{
+    if (form.EntryState == kAppendState)
+        return;
+    form.Saved = 0;
+    MakeRoomAtCurNote();
+    ++tune.CurNote;
+    for (std::string& slot : Current().Slots)
+        slot.clear();
+    ++tune.LastNote;
+    ++form.MeasEnd;
+    RelayoutXPos();
+    form.CursorX = Current().XPos;
+    view.RedrawMeasure();
+}
+
+void Editor::mnuDelNote()
+{
+    if (form.EntryState == kAppendState)
+        return;
+    form.Saved = 0;
+    if (form.MeasEnd == form.MeasHead + 1) {
+        mnuDelMeas();
+        return;
+    }
+    if (tune.CurNote != tune.LastNote) {
+        for (int i = tune.CurNote; i < tune.LastNote; ++i)
+            tune[i] = tune[i + 1];
+        tune[tune.LastNote].Clear();
+        --tune.LastNote;
+    } else {
+        Current().Clear();
+        --tune.LastNote;
+        --tune.CurNote;
+        form.CursorX = Current().XPos;
+    }
+    --form.MeasEnd;
+    view.RedrawMeasure();
+    form.CursorX = Current().XPos;
+}
+
+// Parks the tail of the tune in a scratch file, so that for the moment the new measure is the
+// last one and is typed like any other. cmdNext ("OK") and cmdPrevious ("Cancel") bring it back.
+void Editor::mnuInsMeas()
+{
+    form.Saved = 0;
+    form.cmdNextCaption = "OK";
+    form.cmdPreviousCaption = "Cancel";
+    WriteRecords(kInsertScratch, tune, form.MeasHead, tune.LastNote);
+    tune.Table.Clear(form.MeasHead, tune.LastNote);
+    tune.LastNote = form.MeasHead - 1;
+    tune.LastMeas = tune[tune.LastNote].Measure;
+    tune.CurMeas = tune.LastMeas + 1;
+    tune.CurNote = form.MeasHead + 1;
+    form.MeasEnd = form.MeasHead - 1;
+    StartMeasure(form.MeasHead);
+    form.InputMode = kInsertMode;
+    form.EntryState = kAppendState;
+    form.cmdRefreshEnabled = false;
+}
+
+void Editor::mnuDelMeas()
+{
+    if (form.InputMode == kInsertMode)
+        return;
+    const bool appending = form.EntryState == kAppendState;
+    if (appending && tune.CurNote == form.MeasHead + 1)
+        return;  // an empty open measure
+    if (Current().Measure == 1 && tune.LastMeas == 1) {
+        DeleteOnlyMeasure();
+        return;
+    }
+    form.Saved = 0;
+    if (appending)
+        DeleteOpenMeasure();
+    else if (tune.CurMeas != tune.LastMeas)
+        DeleteMiddleMeasure();
+    else
+        DeleteLastMeasure();
+}
+
+/// Leaves an empty table, record 1 without a head, and the old picture on StaffBox.
+void Editor::DeleteOnlyMeasure()
+{
+    tune.Table.Clear(1, kLastRecord);
+    form.CursorX = kFirstNoteX;
+    form.CursorY = 24 + 10 * tune.NumStrings;  // off the strings
+    tune.CurMeas = 1;
+    tune.LastMeas = 0;
+    tune.CurNote = 2;
+    tune.LastNote = 0;
+    form.MeasEnd = 0;
+    form.MeasHead = 1;
+    form.CurValue = 7;
+    SetToolbarValue(7);
+    form.MeasFill = 0;
+    view.Beam.Reset();
+    form.EntryState = kAppendState;
+    form.InputMode = kFretMode;
+}
+
+void Editor::DeleteMiddleMeasure()
+{
+    tune.Table.Clear(form.MeasHead, form.MeasEnd);
+    for (int i = form.MeasEnd + 1; i <= tune.LastNote; ++i)
+        --tune[i].Measure;
+    const int count = form.MeasEnd - form.MeasHead + 1;
+    tune.LastNote -= count;
+    --tune.LastMeas;
+    for (int i = form.MeasHead; i <= tune.LastNote; ++i)
+        tune[i] = tune[i + count];
+    tune.Table.Clear(tune.LastNote + 1, kLastRecord);
+    WalkMeasEnd();
+    view.RedrawMeasure();
+}
+
+void Editor::DeleteLastMeasure()
+{
+    tune.Table.Clear(form.MeasHead, form.MeasEnd);
+    tune.LastNote = form.MeasHead - 1;
+    --tune.LastMeas;
+    tune.CurMeas = tune.LastMeas;
+    form.MeasEnd = tune.LastNote;
+    form.MeasHead = tune.LastNote;
+    while (tune[form.MeasHead - 1].Measure == tune[form.MeasEnd].Measure)
+        --form.MeasHead;
+    tune.CurNote = form.MeasHead + 1;
+    form.CursorX = Current().XPos;
+    view.RedrawMeasure();
+}
+
+void Editor::DeleteOpenMeasure()
+{
+    tune.Table.Clear(form.MeasHead, form.MeasEnd);
+    tune.LastNote = form.MeasHead - 1;
+    tune.CurNote = tune.LastNote;
+    --tune.LastMeas;
+    tune.CurMeas = tune.LastMeas;
+    form.MeasEnd = tune.LastNote;
+    form.MeasHead = tune.LastNote;
+    while (tune[form.MeasHead - 1].Measure == tune.CurMeas)
+        --form.MeasHead;
+    tune.CurNote = form.MeasEnd;
+    form.CursorX = Current().XPos;
+    form.CursorY = 24 + 10 * tune.NumStrings;  // off the strings
+    SetFocus(Control::StaffBox);
+}
+
+}  // namespace quillon

@@ -1,0 +1,283 @@
+// Moving between measures, opening a new one at the tune's end, and closing the dialogue of an
+// inserted measure.
+
+#include "editor/editor.h"
+
+#include <filesystem>
+
+namespace quillon {
+
+void Editor::SetFocus(Control control)
+{
+    if (form.Focus == control)
+        return;
+    form.Focus = control;
+    if (control == Control::StaffBox) {
+        view.RedrawMeasure();
+        form.Timer1Enabled = true;
+    }
+}
+
+void Editor::Activate()
+{
+    view.RedrawMeasure();
+}
+
+void Editor::SetToolbarValue(int code)
+{
+    form.Toolbar1 = code >= 1 && code <= 11 ? code : 0;
+}
+
+/// Finds the measure CurMeas. One that is not there leaves MeasHead and MeasEnd as they were.
+bool Editor::FindMeasure()
+{
+    int i = 1;
+    while (i <= kLastRecord && tune[i].Measure != tune.CurMeas)
+        ++i;
+    if (i > kLastRecord)
+        return false;
+    form.MeasHead = i;
+    while (i < kLastRecord && tune[i + 1].Measure == tune.CurMeas)
+        ++i;
+    form.MeasEnd = i;
+    return true;
+}
+
+/// MeasEnd goes to the end of the measure that starts at MeasHead.
+void Editor::WalkMeasEnd()
+{
+    form.MeasEnd = form.MeasHead;
+    while (tune[form.MeasEnd + 1].Measure == Head().Measure)
+        ++form.MeasEnd;
+}
+
+/// Puts the cursor on the lowest string that the measure's first note plays, if any.
+bool Editor::SetCursorToFirstNote()
+{
+    const int s = tune[form.MeasHead + 1].HighestFilledSlot();
+    if (s > 0)
+        form.CursorY = StringY(s);
+    return s > 0;
+}
+
+/// X of the position behind a note.
+int Editor::EndOf(int note) const
+{
+    return tune[note].XPos + tune[note].Spacing * 6;
+}
+
+/// Makes record `head` the head of the empty measure CurMeas and shows it.
+void Editor::StartMeasure(int head)
+{
+    form.MeasHead = head;
+    Head().Measure = tune.CurMeas;
+    Head().NoteCode = kHead;
+    Head().Beats = form.CurBeats;
+    Head().BeatUnit = form.CurBeatUnit;
+    form.CursorX = kFirstNoteX;
+    view.ClearStaff();
+    form.Timer1Enabled = true;
+    SetFocus(Control::StaffBox);
+    form.MeasFill = 0;
+    view.Beam.Reset();
+}
+
+void Editor::cmdNext()
+{
+    form.cmdRefreshEnabled = true;
+    form.cmdNextCaption = "Next";
+    form.cmdPreviousCaption = "Previous";
+    if (form.InputMode == kChordMode || form.InputMode == kLeftHandMode ||
+        form.InputMode == kRightHandMode || form.InputMode == kBracketMode) {
+        form.InputMode = kFretMode;
+        view.RedrawMeasure();
+    }
+    if (form.InputMode == kInsertMode) {
+        CommitInsertedMeasure();
+        return;
+    }
+    if (form.EntryState == kEditState) {
+        if (tune.CurMeas < tune.LastMeas)
+            ++tune.CurMeas;
+        else
+            form.EntryState = kAppendState;
+        FindMeasure();
+        if (form.EntryState == kEditState) {
+            form.CursorX = tune[form.MeasHead + 1].XPos;
+            tune.CurNote = form.MeasHead + 1;
+            if (!SetCursorToFirstNote())
+                form.CursorY = StringY(tune.NumStrings);
+            view.RedrawMeasure();
+            if (tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity) {
+                form.EntryState = kAppendState;
+                form.MeasEnd = tune.LastNote;
+                tune.CurNote = tune.LastNote + 1;
+                form.CursorX = EndOf(form.MeasEnd);
+                SetFocus(Control::StaffBox);
+                return;
+            }
+        } else {
+            tune.CurNote = form.MeasEnd;
+        }
+        SetFocus(Control::StaffBox);
+    }
+    if (form.EntryState == kReviewState) {
+        bool found = false;
+        if (tune.LastMeas != 0) {
+            ++tune.CurMeas;
+            if (tune.CurMeas > tune.LastMeas)
+                tune.CurMeas = 1;
+            found = FindMeasure();
+            view.RedrawMeasure();
+            tune.CurNote = form.MeasHead + 1;
+            form.CursorX = Current().XPos;
+            if (!SetCursorToFirstNote())
+                form.CursorY = 54;  // between the strings
+            SetFocus(Control::StaffBox);
+        }
+        if (!found) {
+            form.EntryState = kAppendState;
+            tune.LastMeas = 0;
+            tune.CurMeas = 1;
+            tune.CurNote = 2;
+            tune.LastNote = 0;
+        }
+    }
+    // An empty open measure never opens another one.
+    if (form.EntryState == kAppendState &&
+        (tune.CurNote > form.MeasHead + 1 || form.MeasFill == form.MeasCapacity)) {
+        ++tune.CurMeas;
+        // A full measure leaves CurNote on its last note, otherwise it is on the free record.
+        tune.CurNote += form.MeasFill < form.MeasCapacity ? 1 : 2;
+        StartMeasure(tune.CurNote - 1);
+    }
+    if (Current().NoteCode >= 1 && Current().NoteCode <= 89)
+        SetToolbarValue(Current().NoteCode);
+    SetFocus(Control::StaffBox);
+}
+
+void Editor::cmdPrevious()
+{
+    form.cmdRefreshEnabled = true;
+    if (form.InputMode == kChordMode || form.InputMode == kBracketMode) {
+        form.InputMode = kFretMode;
+        view.RedrawMeasure();
+    }
+    if (form.InputMode == kInsertMode) {
+        CancelInsertedMeasure();
+        return;
+    }
+    if (tune.LastMeas == 0)
+        return;
+    if (form.EntryState == kAppendState)
+        form.EntryState = kEditState;
+    if (tune.CurMeas < 2)
+        tune.CurMeas = tune.LastMeas;
+    else
+        --tune.CurMeas;
+    if (FindMeasure()) {
+        if (form.MeasEnd == form.MeasHead)
+            ++form.MeasEnd;  // at least one step past the head
+        tune.CurNote = form.MeasEnd;
+    }
+    if (!SetCursorToFirstNote())
+        form.CursorY = StringY(tune.NumStrings);
+    view.RedrawMeasure();
+    if (tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity) {
+        form.EntryState = kAppendState;
+        form.CursorX = EndOf(tune.CurNote);
+        ++tune.CurNote;
+    } else {
+        form.CursorX = tune[form.MeasHead + 1].XPos;
+        tune.CurNote = form.MeasHead + 1;
+    }
+    if (Current().NoteCode >= 1 && Current().NoteCode <= 89)
+        SetToolbarValue(Current().NoteCode);
+    SetFocus(Control::StaffBox);
+}
+
+/// Reads the parked tail into the records from `from`, each Measure raised by `renumberBy`, and
+/// deletes the scratch file.
+void Editor::ReadBackTail(int from, int renumberBy)
+{
+    ItemReader reader(ReadFileBytes(kInsertScratch));
+    for (int i = from; !reader.AtEnd(); ++i) {
+        ReadRecord(reader, tune[i]);
+        tune[i].Measure += renumberBy;
+        tune.LastNote = i;
+        tune.LastMeas = tune[i].Measure;
+    }
+    std::filesystem::remove(kInsertScratch);
+}
+
+void Editor::CommitInsertedMeasure()
+{
+    form.InputMode = kFretMode;
+    form.EntryState = kReviewState;
+    const bool entered = form.MeasEnd > form.MeasHead;
+    // With nothing entered the tail goes over the empty head, under its old numbers.
+    ReadBackTail(tune.LastNote + 1, entered ? 1 : 0);
+    tune.CurMeas = Head().Measure;
+    WalkMeasEnd();
+    form.CursorX = tune[form.MeasHead + 1].XPos;
+    view.RedrawMeasure();
+}
+
+void Editor::CancelInsertedMeasure()
+{
+    form.InputMode = kFretMode;
+    form.EntryState = kReviewState;
+    tune.Table.Clear(form.MeasHead, kLastRecord);
+    ReadBackTail(form.MeasHead, 0);
+    WalkMeasEnd();
+    form.cmdNextCaption = "Next";
+    form.cmdPreviousCaption = "Previous";
+    view.RedrawMeasure();
+    SetFocus(Control::StaffBox);
+}
+
+void Editor::lblMeasNum()
+{
+    if (form.EntryState == kAppendState)
+        form.EntryState = kEditState;
+    const std::string offered = std::to_string(tune.CurMeas);
+    const double number = Val(dialogs.Prompt("Measure Number", offered).value_or(""));
+    if (number > 0 && number < tune.LastMeas + 1)
+        tune.CurMeas = Round(number);
+    FindMeasure();
+    tune.CurNote = form.MeasHead + 1;
+    form.CursorX = Current().XPos;
+    SetFocus(Control::StaffBox);
+    view.RedrawMeasure();
+}
+
+void Editor::mnuAppend()
+{
+    form.Saved = 0;
+    tune.CurNote = tune.LastNote;
+    tune.CurMeas = tune.LastMeas;
+    form.lblMeasNum = std::to_string(tune.CurMeas + 1);
+    form.EntryState = kAppendState;
+    form.InputMode = kFretMode;
+    cmdNext();
+}
+
+void Editor::Toolbar1(int button)
+{
+    form.CurValue = button;
+    SetToolbarValue(button);
+    NoteRecord& note = Current();
+    if (note.NoteCode < 12)
+        note.NoteCode = form.CurValue;
+    else if (note.NoteCode >= 92 && note.NoteCode <= 99)
+        note.NoteCode = RestCodeOf(form.CurValue);
+    view.RedrawMeasure();
+}
+
+void Editor::cmdRest()
+{
+    mnuRest();
+    SetFocus(Control::StaffBox);
+}
+
+}  // namespace quillon

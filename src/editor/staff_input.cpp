@@ -1,0 +1,520 @@
+// Keys and clicks on StaffBox, and the blinking cursor.
+
+#include "editor/editor.h"
+
+#include <algorithm>
+
+namespace quillon {
+
+namespace {
+
+/// The characters that go into a string's slot.
+constexpr std::string_view kFretCharacters = "0123456789-><xX^/()=";
+
+/// What the value keys make of CurValue 1..11 (0 stands for no value).
+struct ValueKeyRow {
+    int plus;
+    int dot;
+    int triplet;
+};
+
+constexpr ValueKeyRow kValueKeys[] = {
+    {0, 0, 0},
+    {2, 5, 1}, {4, 5, 1}, {4, 5, 3}, {7, 5, 3},  {7, 5, 3},  {7, 8, 6},
+    {2, 8, 6}, {2, 8, 6}, {7, 8, 9}, {7, 8, 10}, {7, 8, 11},
+};
+
+int Length(const std::string& text)
+{
+    return static_cast<int>(text.size());
+}
+
+bool IsControl(char character)
+{
+    const auto byte = static_cast<unsigned char>(character);
+    return byte < 32 || byte == 127;
+}
+
+}  // namespace
+
+/// Not limited to the strings of the instrument.
+int Editor::StringUnderCursor() const
+{
+    return Round((form.CursorY - 28) / 8.0);
+}
+
+int Editor::PlayableStringUnderCursor() const
+{
+    const int s = StringUnderCursor();
+    return s < 1 || s > tune.NumStrings ? int{tune.NumStrings} : s;
+}
+
+// Flips the cursor: an xor line, so that drawing it again takes it away.
+void Editor::Timer1()
+{
+    form.CaretOn = ~form.CaretOn;
+    view.StaffBox.DrawMode = PenMode::Xor;
+    view.StaffBox.Line(form.CursorX, form.CursorY, form.CursorX, form.CursorY - 8);
+    view.StaffBox.DrawMode = PenMode::Plain;
+}
+
+void Editor::HideCaret()
+{
+    if (form.CaretOn != 0)
+        Timer1();
+}
+
+void Editor::StaffBoxKeyDown(int keyCode)
+{
+    HideCaret();
+    if (form.InputMode == kChordMode)
+        return;
+    switch (keyCode) {
+    case kKeyBackspace:
+        Backspace();
+        break;
+    case kKeyLeft:
+        Left();
+        break;
+    case kKeyUp:
+        MoveCursorBy(-8);
+        if (form.CursorY < StringY(1))
+            form.CursorY = StringY(tune.NumStrings);
+        break;
+    case kKeyRight:
+        Right();
+        break;
+    case kKeyDown:
+        MoveCursorBy(8);
+        if (form.CursorY > StringY(tune.NumStrings))
+            form.CursorY = StringY(1);
+        break;
+    case kKeyDelete:
+        if (form.InputMode == kFretMode) {
+            form.Saved = 0;
+            Current().Slot(StringUnderCursor()).clear();
+            view.RedrawMeasure();
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void Editor::MoveCursorBy(int dy)
+{
+    form.CursorY += dy;
+    if (Current().XPos > 0)
+        form.CursorX = Current().XPos;
+}
+
+void Editor::Backspace()
+{
+    if (form.EntryState == kReviewState) {
+        form.Saved = 0;
+        Current().Slot(StringUnderCursor()).clear();
+        form.CursorX = Current().XPos;
+        view.RedrawMeasure();
+    } else if (form.EntryState == kAppendState) {
+        if (tune.CurNote > form.MeasHead + 1 && Current().Measure == 0) {
+            form.Saved = 0;
+            --tune.CurNote;
+            --tune.LastNote;
+        }
+        Current().Clear();
+        --tune.CurNote;
+        form.MeasEnd = tune.CurNote;
+        view.RedrawMeasure();
+        tune.CurNote = form.MeasEnd + 1;
+        if (tune.CurNote != form.MeasHead + 1) {
+            form.CursorX = EndOf(tune.CurNote - 1);
+        } else {
+            form.CursorX = kFirstNoteX;
+            --form.MeasEnd;  // the measure is empty again
+        }
+    }
+}
+
+/// Presses the button of a note or rest; `buttonOfHalfRest` is the one that a half rest shows.
+void Editor::ShowValueOf(int noteCode, int buttonOfHalfRest)
+{
+    if (noteCode < 90)
+        SetToolbarValue(noteCode);
+    else if (noteCode == 92)
+        SetToolbarValue(buttonOfHalfRest);
+    else if (const int button = ValueOf(noteCode))
+        SetToolbarValue(button);
+}
+
+void Editor::CursorToFilledString()
+{
+    if (const int s = Current().HighestFilledSlot())
+        form.CursorY = StringY(s);
+}
+
+void Editor::Left()
+{
+    if (tune.CurNote == form.MeasHead + 1)
+        return;
+    if (form.EntryState == kAppendState)
+        form.EntryState = kEditState;
+    HideCaret();
+    --tune.CurNote;
+    form.CursorX = Current().XPos;
+    ShowValueOf(Current().NoteCode, 8);
+    CursorToFilledString();
+}
+
+void Editor::Right()
+{
+    if (form.EntryState == kAppendState)
+        return;
+    if (form.EntryState == kReviewState && tune.CurNote + 1 > form.MeasEnd)
+        return;
+    HideCaret();
+    if (form.EntryState == kEditState && tune.CurNote == tune.LastNote) {
+        if (form.MeasFill < form.MeasCapacity) {
+            form.CursorX = EndOf(tune.CurNote);
+            ++tune.CurNote;
+            form.EntryState = kAppendState;
+        }
+        return;
+    }
+    if (tune.CurNote < form.MeasEnd)
+        ++tune.CurNote;
+    ShowValueOf(Current().NoteCode, 9);
+    CursorToFilledString();
+    form.CursorX = Current().XPos;
+}
+
+void Editor::StaffBoxKeyPress(char character)
+{
+    form.Saved = 0;
+    view.StaffBox.CurrentX = form.CursorX;
+    view.StaffBox.CurrentY = form.CursorY;
+    switch (form.InputMode) {
+    case kFretMode:
+    case kInsertMode:
+        FretKey(character);
+        break;
+    case kChordMode:
+        ChordKey(character);
+        break;
+    case kLeftHandMode:
+    case kRightHandMode:
+        HandKey(character);
+        break;
+    case kBracketMode:
+        BracketKey(character);
+        break;
+    default:
+        break;
+    }
+}
+
+void Editor::FretKey(char character)
+{
+    if (kFretCharacters.find(character) != std::string_view::npos) {
+        EnterFret(character);
+        return;
+    }
+    const bool known = form.CurValue >= 1 && form.CurValue <= 11;
+    const ValueKeyRow row = known ? kValueKeys[form.CurValue] : ValueKeyRow{};
+    switch (character) {
+    case '+':
+        SelectValue(row.plus);
+        break;
+    case '.':
+        SelectValue(row.dot);
+        break;
+    case '*':
+        if (form.CurValue < 9)
+            SelectValue(row.triplet);
+        break;
+    case kKeyEnter:
+        if (form.EntryState == kAppendState) {
+            CommitNote();
+        } else {
+            form.CursorX = Current().XPos;
+            view.RedrawMeasure();
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void Editor::SelectValue(int value)
+{
+    if (value == 0)
+        return;
+    form.CurValue = value;
+    SetToolbarValue(value);
+}
+
+void Editor::EnterFret(char character)
+{
+    const int s = PlayableStringUnderCursor();
+    NoteRecord& note = Current();
+    note.NoteCode = form.CurValue;
+    note.Beats = form.CurBeats;
+    note.BeatUnit = form.CurBeatUnit;
+    if (form.EntryState == kAppendState) {
+        form.MeasEnd = tune.CurNote;
+        tune.LastNote = tune.CurNote;
+    }
+    form.Timer1Enabled = false;
+    view.StaffBox.CurrentY = form.CursorY - 6;
+    view.StaffBox.CurrentX = form.CursorX;
+    if (form.CursorX == note.XPos)
+        note.Slot(s) = character;  // the first character over an old text wipes it
+    else
+        note.Slot(s) += character;
+    view.StaffBox.PrintLine({&character, 1});
+    note.Measure = tune.CurMeas;
+    if (note.XPos == 0)
+        note.XPos = form.CursorX;
+    form.CursorX += 6;
+    form.Timer1Enabled = true;
+}
+
+/// Enter at the tune's end: the record under the cursor becomes a note of the measure.
+void Editor::CommitNote()
+{
+    NoteRecord& note = Current();
+    form.CursorX -= 6 * Length(note.Slot(PlayableStringUnderCursor()));
+    Int16 width = SpacingOf(form.CurValue);
+    for (const std::string& slot : note.Slots)
+        if (Length(slot) >= width)
+            width = Length(slot) + 1;
+    if (note.HighestFilledSlot() == 0)
+        return;
+    note.Measure = tune.CurMeas;
+    note.NoteCode = form.CurValue;
+    note.Spacing = width;
+    note.Beats = form.CurBeats;
+    note.BeatUnit = form.CurBeatUnit;
+    form.MeasEnd = tune.CurNote;
+    tune.LastMeas = tune.CurMeas;
+    view.RedrawMeasure();
+    tune.CurNote = form.MeasEnd;
+    tune.LastNote = form.MeasEnd;
+    if (form.MeasFill >= form.MeasCapacity) {
+        // Full: the next Enter or Space presses cmdNext. The cursor stays on the last note.
+        form.Timer1Enabled = false;
+        SetFocus(Control::cmdNext);
+    } else {
+        ++tune.CurNote;
+        form.CursorX += width * 6;
+    }
+}
+
+void Editor::ChordKey(char character)
+{
+    NoteRecord& note = Current();
+    if (character == kKeyEnter) {
+        form.CursorY = form.SavedCursorY;
+        form.CursorX = note.XPos;
+        if (form.MeasEnd < tune.CurNote)
+            form.MeasEnd = tune.CurNote;
+        form.InputMode = kFretMode;
+        view.RedrawMeasure();
+    } else if (character == kKeyBackspace) {
+        if (note.ChordText.empty())
+            return;
+        note.ChordText.pop_back();
+        view.RedrawMeasure();
+        view.StaffBox.PrintLineAt(note.XPos, 12, note.ChordText);
+        form.CursorX = note.XPos + 10 * Length(note.ChordText);
+    } else if (character >= 32 && character <= 126) {
+        view.StaffBox.PrintLineAt(form.CursorX, 12, {&character, 1});
+        note.ChordText += character;
+        form.CursorX += 10;
+    }
+}
+
+void Editor::HandKey(char character)
+{
+    const bool left = form.InputMode == kLeftHandMode;
+    if (character != kKeyEnter && character != kKeyBackspace) {
+        if (IsControl(character))
+            return;
+        const int y = form.CursorY - (left ? 8 : 16);
+        view.StaffBox.PrintLineAt(form.CursorX, y, {&character, 1});
+        (left ? Current().LeftHand : Current().RightHand) = character;
+    }
+    form.InputMode = kFretMode;
+    form.CursorY = form.SavedCursorY;
+}
+
+/// Only when StaffBox has the focus in bracket mode; as a rule txtRptBracket has it.
+void Editor::BracketKey(char character)
+{
+    if (character == kKeyEnter) {
+        form.CursorY = form.SavedCursorY;
+        form.CursorX = Current().XPos;
+        form.InputMode = kFretMode;
+        view.RedrawMeasure();
+    } else if (!IsControl(character)) {
+        view.StaffBox.PrintLineAt(form.CursorX, 6, {&character, 1});
+        Head().Slot(2) += character;
+        form.CursorX += 8;
+    }
+}
+
+void Editor::txtRptBracketEnter()
+{
+    form.txtRptBracket.Enabled = false;
+    Head().Slot(2) = form.txtRptBracket.Text;
+    form.txtRptBracket.Visible = false;
+    SetFocus(Control::StaffBox);
+    form.InputMode = kFretMode;
+}
+
+void Editor::mnuChord()
+{
+    if (form.InputMode == kInsertMode)
+        return;
+    form.SavedCursorY = form.CursorY;
+    form.InputMode = kChordMode;
+    form.Saved = 0;
+    if (!Current().ChordText.empty()) {
+        Current().ChordText.clear();
+        view.RedrawMeasure();
+    }
+    form.CursorY = 18;
+    Current().XPos = form.CursorX;
+}
+
+void Editor::mnuLHEdit()
+{
+    if (form.InputMode == kInsertMode)
+        return;
+    form.Saved = 0;
+    if (form.InputMode == kFretMode)
+        form.SavedCursorY = form.CursorY;
+    form.InputMode = kLeftHandMode;
+    Current().LeftHand = ' ';
+    view.RedrawMeasure();
+    form.CursorY = 68 + 8 * tune.NumStrings;
+    Current().XPos = form.CursorX;
+    form.CursorX = Current().XPos + 6;
+}
+
+void Editor::mnuRHEdit()
+{
+    if (form.InputMode == kInsertMode)
+        return;
+    form.Saved = 0;
+    if (form.InputMode == kFretMode)
+        form.SavedCursorY = form.CursorY;
+    form.InputMode = kRightHandMode;
+    Current().RightHand = ' ';
+    view.RedrawMeasure();
+    form.CursorY = 44 + 10 * tune.NumStrings;
+    Current().XPos = form.CursorX;
+    form.CursorX = Current().XPos + 6;
+    view.StaffBox.CurrentX = form.CursorX;
+    view.StaffBox.CurrentY = form.CursorY;
+}
+
+void Editor::Paint()
+{
+    HideCaret();
+    view.ClearStaff();
+    form.CursorX = kFirstNoteX;
+    form.CursorY = StringY(tune.NumStrings);
+}
+
+/// A click left of an empty measure's first note changes the time signature when it is on one of
+/// the figures. Each range of y has its lower bound and not its upper one.
+bool Editor::ClickOnTimeSignature(double y)
+{
+    struct FigureRow {
+        int upperFrom, upperTo, lowerFrom, lowerTo;
+    };
+    const FigureRow row = tune.NumStrings == 4   ? FigureRow{36, 46, 48, 59}
+                          : tune.NumStrings == 5 ? FigureRow{34, 49, 51, 65}
+                                                 : FigureRow{36, 54, 58, 75};
+    if (y >= row.lowerFrom && y < row.lowerTo) {
+        const bool toQuarters = form.CurBeatUnit == 8;
+        form.CurBeatUnit = toQuarters ? 4 : 8;
+        form.CurBeats = toQuarters ? 4 : 3;
+    } else if (y >= row.upperFrom && y < row.upperTo) {
+        if (form.CurBeatUnit == 8)
+            form.CurBeats = form.CurBeats > 9 ? 3 : form.CurBeats + 3;
+        else if (form.CurBeatUnit == 4)
+            form.CurBeats = form.CurBeats > 5 ? 2 : form.CurBeats + 1;
+    } else {
+        return false;
+    }
+    Head().Beats = form.CurBeats;
+    Head().BeatUnit = form.CurBeatUnit;
+    Paint();
+    return true;
+}
+
+void Editor::StaffBoxMouseDown(double x, double y)
+{
+    if (form.InputMode == kBracketMode) {
+        Head().Slot(2) = form.txtRptBracket.Text;
+        form.txtRptBracket.Enabled = false;
+        SetFocus(Control::StaffBox);
+        form.InputMode = kFretMode;
+    }
+    HideCaret();
+    if (x < 18 && form.MeasHead > form.MeasEnd && ClickOnTimeSignature(y))
+        return;
+    if (form.InputMode != kInsertMode)
+        form.InputMode = kFretMode;
+    HideCaret();
+    if (form.MeasEnd < form.MeasHead) {
+        form.CursorX = kFirstNoteX;
+    } else {
+        const int first = form.MeasHead + 1;
+        if (x > tune[form.MeasEnd].XPos + 18) {
+            if (form.MeasEnd == tune.LastNote && form.MeasFill < form.MeasCapacity) {
+                form.EntryState = kAppendState;
+                form.CursorX = EndOf(form.MeasEnd);
+                tune.CurNote = tune.LastNote + 1;
+            } else {
+                if (form.EntryState == kAppendState)
+                    form.EntryState = kEditState;
+                form.CursorX = tune[form.MeasEnd].XPos;
+                tune.CurNote = form.MeasEnd;
+            }
+        } else {
+            tune.CurNote = first;
+            if (x < tune[first].XPos) {
+                form.CursorX = kFirstNoteX;
+            } else {
+                form.CursorX = tune[first].XPos;
+                for (int i = first; i < form.MeasEnd; ++i) {
+                    if (x > tune[i + 1].XPos) {
+                        tune.CurNote = i + 1;
+                        form.CursorX = tune[i + 1].XPos;
+                    }
+                }
+            }
+            if (form.EntryState == kAppendState && tune.CurNote < tune.LastNote)
+                form.EntryState = kEditState;
+        }
+        TakeValueOfNote();
+    }
+    int lineY = StringY(1);
+    while (lineY < StringY(kStringSlots) && y > lineY)
+        lineY += 8;
+    form.CursorY = std::min(lineY, StringY(tune.NumStrings));
+}
+
+void Editor::TakeValueOfNote()
+{
+    if (const int value = ValueOf(Current().NoteCode)) {
+        form.CurValue = value;
+        SetToolbarValue(value);
+    } else {
+        form.CurValue = form.Toolbar1;
+    }
+}
+
+}  // namespace quillon

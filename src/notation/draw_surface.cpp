@@ -1,0 +1,126 @@
+#include "notation/draw_surface.h"
+
+#include <utility>
+
+namespace quillon {
+
+double FixedTextMetrics::Width(std::string_view text, const Typeface& font) const
+{
+    return static_cast<double>(text.size()) * font.Size / 2;
+}
+
+double FixedTextMetrics::LineHeight(const Typeface& font) const
+{
+    return font.Size * 1.2;
+}
+
+DrawSurface::DrawSurface(const TextMetrics& textMetrics, double surfaceUnitsPerPoint, double width,
+                         double height)
+    : Width(width), Height(height), metrics(&textMetrics), unitsPerPoint(surfaceUnitsPerPoint)
+{
+}
+
+Operation DrawSurface::Make(Shape shape, double x, double y) const
+{
+    Operation op;
+    op.Kind = shape;
+    op.X1 = x;
+    op.Y1 = y;
+    op.Width = DrawWidth;
+    op.Filled = FillSolid;
+    op.Mode = DrawMode;
+    op.Style = DrawStyle;
+    return op;
+}
+
+void DrawSurface::Clear()
+{
+    drawing.Clear();
+    CurrentX = CurrentY = 0;
+}
+
+void DrawSurface::Line(double x1, double y1, double x2, double y2)
+{
+    Operation op = Make(Shape::Line, x1, y1);
+    op.X2 = x2;
+    op.Y2 = y2;
+    drawing.Add(std::move(op));
+    CurrentX = x2;
+    CurrentY = y2;
+}
+
+void DrawSurface::Box(double x1, double y1, double x2, double y2)
+{
+    Operation op = Make(Shape::Box, x1, y1);
+    op.X2 = x2;
+    op.Y2 = y2;
+    drawing.Add(std::move(op));
+    CurrentX = x2;
+    CurrentY = y2;
+}
+
+void DrawSurface::Circle(double x, double y, double radius)
+{
+    Operation op = Make(Shape::Circle, x, y);
+    op.Radius = radius;
+    drawing.Add(std::move(op));
+    CurrentX = x;
+    CurrentY = y;
+}
+
+void DrawSurface::Arc(double x, double y, double radius, double start, double end, double aspect)
+{
+    Operation op = Make(Shape::Arc, x, y);
+    op.Radius = radius;
+    op.Start = start;
+    op.End = end;
+    op.Aspect = aspect;
+    drawing.Add(std::move(op));
+    CurrentX = x;
+    CurrentY = y;
+}
+
+double DrawSurface::TextWidth(std::string_view text) const
+{
+    return metrics->Width(text, Font) * unitsPerPoint;
+}
+
+void DrawSurface::Print(std::string_view text)
+{
+    if (text.find_first_not_of(' ') != std::string_view::npos) {
+        Operation op = Make(Shape::Text, CurrentX, CurrentY);
+        op.Text = text;
+        op.TextFont = Font;
+        op.Width = 1;  // text knows no pen
+        op.Filled = false;
+        op.Style = PenStyle::Solid;
+        drawing.Add(std::move(op));
+    }
+    CurrentX += TextWidth(text);
+}
+
+void DrawSurface::PrintLine(std::string_view text)
+{
+    Print(text);
+    CurrentX = 0;
+    CurrentY += metrics->LineHeight(Font) * unitsPerPoint;
+}
+
+void DrawSurface::PrintLineAt(double x, double y, std::string_view text)
+{
+    CurrentX = x;
+    CurrentY = y;
+    PrintLine(text);
+}
+
+Drawing DrawSurface::TakePicture()
+{
+    return std::exchange(drawing, {});
+}
+
+std::string PrintedInteger(int value)
+{
+    return (value < 0 ? "" : " ") + std::to_string(value) + " ";
+}
+
+}  // namespace quillon

@@ -1,0 +1,71 @@
+// A drawing as a value: the list of what was drawn, in order.
+//
+// The window paints it, the printer prints one a page, pictures and the clipboard are made from
+// it, and its text form is the drawing log. A page keeps its drawing while hidden because it is a
+// value.
+
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+enum class Shape { Line, Box, Circle, Arc, Text };
+enum class PenMode { Invert = 6, Xor = 10, Plain = 1 };
+enum class PenStyle { Solid = 0, Dotted = 2 };
+
+struct Typeface {
+    std::string Name;
+    double Size = 0;  // points
+    bool Bold = false;
+
+    bool operator==(const Typeface&) const = default;
+};
+
+/// One operation. Coordinates are in the surface's units.
+struct Operation {
+    Shape Kind = Shape::Line;
+    double X1 = 0;  // Line, Box: from; Circle, Arc: centre; Text: top left corner
+    double Y1 = 0;
+    double X2 = 0;  // Line, Box: to
+    double Y2 = 0;
+    double Radius = 0;  // Circle; horizontal radius of an Arc
+    double Start = 0;   // Arc: radians, counter-clockwise from the positive x axis
+    double End = 0;
+    double Aspect = 1;  // Arc: height to width
+    int Width = 1;      // pen thickness in device dots
+    bool Filled = false;
+    PenMode Mode = PenMode::Plain;
+    PenStyle Style = PenStyle::Solid;
+    std::string Text;  // bytes of Windows-1252
+    Typeface TextFont;
+
+    bool operator==(const Operation&) const = default;
+};
+
+class Drawing {
+public:
+    /// Forgets what was drawn. The log of a drawing that was cleared starts with a `clear` line.
+    void Clear();
+
+    /// Appends an operation. An xor or invert operation that equals one still on the list takes
+    /// that one off instead: drawn twice, it is gone.
+    void Add(Operation operation);
+
+    const std::vector<Operation>& Operations() const { return operations; }
+    bool WasCleared() const { return cleared; }
+
+    /// Changes with every Clear and Add: tells whoever shows the drawing when to paint it anew.
+    unsigned Revision() const { return revision; }
+
+    /// The drawing as text, one operation a line.
+    std::string Log() const;
+
+private:
+    std::vector<Operation> operations;
+    bool cleared = false;
+    unsigned revision = 0;
+};
+
+}  // namespace quillon

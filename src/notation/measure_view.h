@@ -1,0 +1,77 @@
+// The measure view: one measure of the tune, drawn large on StaffBox.
+//
+// RedrawMeasure is more than a painter. In passing it derives Spacing, XPos and BeamCode of the
+// measure's notes, and the editor goes on from MeasCapacity, MeasFill, EndBarX, CurBeats and
+// CurBeatUnit as it leaves them. All coordinates are points; the staff lines are standing objects
+// of the window and no part of the drawing.
+
+#pragma once
+
+#include "notation/beam_pass.h"
+#include "notation/draw_surface.h"
+#include "store/main_form.h"
+#include "store/page_settings.h"
+#include "store/tune.h"
+
+namespace quillon {
+
+constexpr double kStaffBoxWidth = 360;
+constexpr double kStaffBoxHeight = 150;
+constexpr int kBarTopY = 36;
+
+class MeasureView {
+public:
+    MeasureView(Tune& theTune, MainForm& mainForm, const PageSettings& pageSettings,
+                const TextMetrics& textMetrics);
+
+    DrawSurface StaffBox;
+    Int16 EndBarX;  // x of the closing bar
+    BeamPass Beam;
+
+    void RedrawMeasure();
+
+    /// Clears StaffBox and prints the time signature.
+    void ClearStaff();
+
+    // Signs that commands also draw at once, without a redraw.
+    /// `closingBar`: a bar sign at the measure's start brings the bar at its end with it.
+    void DrawBar(std::string_view barCode, bool closingBar);
+    void DrawSign(std::string_view signCode);
+    void DrawBracket();
+
+private:
+    void DeriveSpacing();
+    void DrawRemark();
+    void BeamAndPlace();
+    void DrawNote();
+    void DrawCell(int s);
+    void DrawCellText(const std::string& text, double y);
+    void DrawConnected(const std::string& text, std::size_t mark, double y);
+    void DrawStemless();
+    void DrawStem(int lowestString);
+    void DrawBeam();
+    void DrawTripletBracket(bool longForm, double farEnd);
+    double TripletEnd();
+    void Glyph(double x, double y, std::string_view glyph);
+    void ThickBar(double x);
+    void ThinBar(double x);
+    void RepeatDots(double x);
+    int BarBottomY() const { return StringY(tune.NumStrings); }
+    int StemBaseY() const { return 60 + 8 * tune.NumStrings; }
+    void UseFont(const std::string& name) { StaffBox.Font.Name = name; }
+    void UseBodyFont() { UseFont(page.BodyFontName); }
+
+    Tune& tune;
+    MainForm& form;
+    const PageSettings& page;
+    const TextMetrics& metrics;
+
+    // Working values of the second pass
+    int tickCount = 0;
+    int beamStartX = 0;   // XPos at which the main beam starts, 0 is none
+    int beam2StartX = 0;  // XPos at which the second beam starts
+    int tripletCount = 0;
+    int noteX = 0;  // x of the stem of the note being drawn
+};
+
+}  // namespace quillon

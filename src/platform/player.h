@@ -1,0 +1,48 @@
+// Plays a finished MIDI file through the sound device.
+
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace quillon {
+
+class Player {
+public:
+    virtual ~Player() = default;
+
+    /// Opens the synthesizer and the sound device; false when there is no working sound.
+    virtual bool Init() = 0;
+
+    /// Stops and gives everything back. Never fails; Init may follow.
+    virtual void Close() = 0;
+
+    /// Takes the file at `path` as the tune to play. An unreadable file is a Fault.
+    virtual void Load(const std::string& path) = 0;
+    virtual bool HasTune() const = 0;
+
+    virtual void Play(bool forEver) = 0;
+    virtual void Stop() = 0;
+
+    /// Factor on the file's own tempo, at once; 0 stands still and can go on.
+    virtual void SetTempoFactor(double factor) = 0;
+
+    /// Master volume in hundredths of a decibel, at once.
+    virtual void SetVolume(int hundredthsOfDecibel) = 0;
+
+    /// Called on the window's thread when a tune has played to its end, not after Stop.
+    std::function<void()> OnEnd;
+};
+
+/// The MIDI output devices of the machine.
+class MidiPorts {
+public:
+    virtual ~MidiPorts() = default;
+
+    virtual int Count() const = 0;
+
+    /// Product name of device 0..Count-1; -1 is the system's default device.
+    virtual std::string Name(int index) const = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,96 @@
+// The main form's commands around the tune: start-up, settings, files, the save question, exit,
+// instruments, and the pages. It owns the tune and everything that shows it; the measure editor's
+// handlers stand in `editor`.
+
+#pragma once
+
+#include "editor/editor.h"
+#include "notation/measure_view.h"
+#include "notation/page_view.h"
+#include "platform/platform.h"
+#include "store/main_form.h"
+#include "store/page_settings.h"
+#include "store/tune.h"
+#include "store/tunings.h"
+
+namespace quillon {
+
+inline constexpr const char* kPrefs = "Prefs";  // settings section
+
+class MainWin {
+public:
+    MainWin(const Platform& thePlatform, const TextMetrics& metrics);
+
+    Platform platform;
+    Tune tune;
+    MainForm form;
+    PageSettings page;
+    Tunings tunings;
+    MeasureView view;
+    PageView pages;
+    Editor editor;
+
+    /// Start-up. False when the notation font is missing: the box was shown, the program ends.
+    bool Load();
+
+    /// The first time that the form becomes active. `commandLine` is the text after the program's
+    /// name: one path, with or without double quotes, or nothing.
+    void FirstActivate(const std::string& commandLine);
+
+    /// The Splash form has gone, by its button or its timer.
+    void SplashClosed();
+
+    /// The system closes the form. It goes away even if the work is still unsaved.
+    void Unload();
+
+    // File
+    void mnuNew();
+    void mnuOpen();
+    void mnuSave();
+    void mnuSaveAs();
+    void mnuPageSet();
+    void mnuPrint();
+    void mnuExit();
+
+    // Edit
+    void mnuClipbrd();
+
+    // Instrument
+    void mnuGuitar();
+    void mnuBanjo();
+    void mnuMandolin();
+
+    // MIDI
+    void mnuOpnMidi();
+    void mnuSetup();
+    void mnuTuning();
+
+    // Page, Help
+    void mnuPgDown();
+    void mnuAbout();
+
+    /// Lays the tune out on the pages, then gives StaffBox the focus. Nothing while a measure is
+    /// being inserted.
+    void cmdRefresh();
+
+    /// Path of a file in the program's own folder.
+    std::string ProgramFile(const std::string& name) const;
+
+private:
+    void ReadSettings();
+    void ShowStringLines();
+    void ResetTuneState(int cursorY);
+    void AskToSave();
+    void IncompatibleFile();
+    void FontsFromHeader();
+    void WriteTuneFile();
+    void ChooseInstrument(int numStrings);
+    void LoadActiveTuning(bool writeSetting);
+};
+
+/// Keeps the tune as it stands in the table, with a tail that an unfinished insertion or paste has
+/// parked, as Rescue-<time>.<extension> in `folder`. Returns the path, "" if nothing could be
+/// written.
+std::string WriteRescueCopy(const MainWin& win, const std::string& folder);
+
+}  // namespace quillon

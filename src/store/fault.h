@@ -1,0 +1,47 @@
+// Run-time errors: the failures that nothing handles and that end the program.
+//
+// A handler lets a Fault fly. The application's event loop catches it in one place, keeps a rescue
+// copy of unsaved work, shows the error and ends with status 1. The few commands that do handle
+// failures (opening a tune, saving under a new name, printing, building MIDI) catch it themselves.
+
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace quillon {
+
+enum class Error {
+    InvalidProcedureCall = 5,
+    Overflow = 6,
+    SubscriptOutOfRange = 9,
+    DivisionByZero = 11,
+    FileNotFound = 53,
+    InputPastEnd = 62,
+    PathFileAccess = 75,
+    ObjectRequired = 424,
+    ControlArrayElement = 340,
+    InvalidPropertyValue = 380,
+};
+
+/// The words for an error, such as "subscript out of range".
+const char* ErrorWords(Error error);
+
+class Fault : public std::runtime_error {
+public:
+    /// what() is "run-time error 9: subscript out of range".
+    explicit Fault(Error error);
+
+    /// As above; `explanation` says in the tune's own words what is wrong ("No Coda follows
+    /// measure 12.") and is shown on a line of its own.
+    Fault(Error error, std::string explanation);
+
+    Error Number() const { return number; }
+    const std::string& Explanation() const { return words; }
+
+private:
+    Error number;
+    std::string words;
+};
+
+}  // namespace quillon

@@ -1,0 +1,115 @@
+#include "store/item_file.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace quillon {
+
+namespace {
+
+bool IsSeparator(char c)
+{
+    return c == ',' || c == '\r' || c == '\n';
+}
+
+}  // namespace
+
+std::string ReadFileBytes(const std::string& path)
+{
+    std::error_code ignored;
+    const auto status = std::filesystem::status(path, ignored);
+    if (!std::filesystem::exists(status))
+        throw Fault(Error::FileNotFound);
+    if (std::filesystem::is_directory(status))
+        throw Fault(Error::PathFileAccess);
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw Fault(Error::PathFileAccess);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    if (file.bad())
+        throw Fault(Error::PathFileAccess);
+    return std::move(bytes).str();
+}
+
+void WriteFileBytes(const std::string& path, std::string_view bytes)
+{
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file)
+        throw Fault(Error::PathFileAccess);
+}
+
+void ItemReader::RequireItem() const
+{
+    if (AtEnd())
+        throw Fault(Error::InputPastEnd);
+}
+
+std::string ItemReader::UpToSeparator()
+{
+    const std::size_t start = position;
+    while (!AtEnd() && !IsSeparator(bytes[position]))
+        ++position;
+    const std::size_t end = position;
+    if (!AtEnd()) {
+        const bool carriageReturn = bytes[position++] == '\r';
+        if (carriageReturn && !AtEnd() && bytes[position] == '\n')
+            ++position;
+    }
+    return bytes.substr(start, end - start);
+}
+
+std::string ItemReader::Text()
+{
+    RequireItem();
+    const std::size_t start = bytes.find_first_not_of(" \t", position);
+    if (start == std::string::npos || bytes[start] != '"')
+        return UpToSeparator();
+    const std::size_t close = bytes.find('"', start + 1);
+    const std::size_t end = close == std::string::npos ? bytes.size() : close;
+    std::string text = bytes.substr(start + 1, end - start - 1);
+    position = end;
+    UpToSeparator();
+    return text;
+}
+
+Int16 ItemReader::Number()
+{
+    RequireItem();
+    return Round(Val(UpToSeparator()));
+}
+
+void ItemWriter::Separate()
+{
+    if (lineStarted)
+        bytes += ',';
+    lineStarted = true;
+}
+
+ItemWriter& ItemWriter::Number(int value)
+{
+    Separate();
+    bytes += std::to_string(value);
+    return *this;
+}
+
+ItemWriter& ItemWriter::Text(std::string_view text)
+{
+    Separate();
+    bytes += '"';
+    bytes += text;
+    bytes += '"';
+    return *this;
+}
+
+ItemWriter& ItemWriter::EndLine()
+{
+    bytes += "\r\n";
+    lineStarted = false;
+    return *this;
+}
+
+}  // namespace quillon

@@ -1,0 +1,63 @@
+// Text files of items: the lexical form that tune files, scratch files and tuning files share.
+//
+// A line is a list of items joined by commas; to the reader a line end is just another comma, so
+// an item is taken wherever it stands. A text stands between double quotes, and nothing in it is
+// escaped: it ends at the next double quote, whatever follows up to the next comma is dropped.
+
+#pragma once
+
+#include "store/numbers.h"
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// The bytes of a file. A file that is missing is a file-not-found Fault, one that cannot be read
+/// (a folder, no permission) a path/file-access Fault.
+std::string ReadFileBytes(const std::string& path);
+
+/// Replaces the contents of a file, which is emptied first. A path/file-access Fault on failure.
+void WriteFileBytes(const std::string& path, std::string_view bytes);
+
+class ItemReader {
+public:
+    explicit ItemReader(std::string fileBytes)
+        : bytes(std::move(fileBytes))
+    {
+    }
+
+    bool AtEnd() const { return position >= bytes.size(); }
+
+    /// The next item as a text. At the end of the file: an input-past-end Fault.
+    std::string Text();
+
+    /// The next item as a number, 0 if it is none. Past 16 bits: an overflow Fault.
+    Int16 Number();
+
+private:
+    void RequireItem() const;
+    std::string UpToSeparator();
+
+    std::string bytes;
+    std::size_t position = 0;
+};
+
+/// Builds the bytes of an item file. Lines end in CR LF.
+class ItemWriter {
+public:
+    ItemWriter& Number(int value);
+    ItemWriter& Text(std::string_view text);
+    ItemWriter& EndLine();
+
+    const std::string& Bytes() const { return bytes; }
+
+private:
+    void Separate();
+
+    std::string bytes;
+    bool lineStarted = false;
+};
+
+}  // namespace quillon

@@ -1,0 +1,107 @@
+#include "store/note_table.h"
+
+#include <algorithm>
+
+namespace quillon {
+
+namespace {
+
+struct CodeRow {
+    int code;
+    int ticks;
+    int spacing;
+    int value;
+};
+
+constexpr CodeRow kCodes[] = {
+    {1,  2,  2,  1 },
+    {2,  3,  2,  2 },
+    {3,  4,  2,  3 },
+    {4,  6,  3,  4 },
+    {5,  9,  3,  5 },
+    {6,  8,  3,  6 },
+    {7,  12, 4,  7 },
+    {8,  18, 4,  8 },
+    {9,  24, 8,  9 },
+    {10, 36, 12, 10},
+    {11, 48, 16, 11},
+    {92, 24, 8,  9 },
+    {93, 48, 16, 11},
+    {94, 2,  2,  1 },
+    {95, 3,  2,  2 },
+    {96, 4,  2,  3 },
+    {97, 6,  3,  4 },
+    {98, 8,  3,  6 },
+    {99, 12, 4,  7 },
+};
+
+constexpr int kRestCodes[] = {0, 94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
+
+constexpr CodeRow kNoRow{};
+
+const CodeRow& RowOf(int noteCode)
+{
+    const auto row = std::find_if(std::begin(kCodes), std::end(kCodes),
+                                  [&](const CodeRow& r) { return r.code == noteCode; });
+    return row == std::end(kCodes) ? kNoRow : *row;
+}
+
+}  // namespace
+
+void NoteRecord::Clear()
+{
+    Measure = NoteCode = XPos = Reserved = BeatUnit = Beats = Spacing = BeamCode = 0;
+    BarCode.clear();
+    ChordText.clear();
+    LeftHand = RightHand = ' ';
+    for (std::string& slot : Slots)
+        slot.clear();
+}
+
+bool NoteRecord::IsClear() const
+{
+    return Measure == 0 && NoteCode == 0 && XPos == 0 && Reserved == 0 && BeatUnit == 0 &&
+           Beats == 0 && Spacing == 0 && BeamCode == 0 && BarCode.empty() && ChordText.empty() &&
+           LeftHand == ' ' && RightHand == ' ' && HighestFilledSlot() == 0;
+}
+
+int NoteRecord::HighestFilledSlot() const
+{
+    for (int s = kStringSlots; s >= 1; --s)
+        if (!Slot(s).empty())
+            return s;
+    return 0;
+}
+
+char OneCharacter(std::string_view text)
+{
+    return text.empty() ? ' ' : text.front();
+}
+
+void NoteTable::Clear(int from, int to)
+{
+    for (int i = from; i <= to; ++i)
+        (*this)[i].Clear();
+}
+
+int TicksOf(int noteCode)
+{
+    return RowOf(noteCode).ticks;
+}
+
+int SpacingOf(int noteCode)
+{
+    return RowOf(noteCode).spacing;
+}
+
+int RestCodeOf(int value)
+{
+    return value < 1 || value > 11 ? 0 : kRestCodes[value];
+}
+
+int ValueOf(int noteCode)
+{
+    return RowOf(noteCode).value;
+}
+
+}  // namespace quillon
