@@ -6,7 +6,8 @@ namespace quillon {
 
 void Editor::mnuCopy()
 {
-    form.Focus = Control::None;
+    form.FrmCopyBox = {" ", " "};
+    form.Focus = Control::Text1;
     system.Show(Form::FrmCopyBox);
 }
 
@@ -16,10 +17,21 @@ void Editor::CopyBoxClosed()
     SetFocus(Control::StaffBox);
 }
 
-void Editor::cmdCopyMeasure(const std::string& fromText, const std::string& toText)
+void Editor::CopyBoxEnter(Control box)
 {
-    const double from = Val(fromText);
-    const double to = Val(toText);
+    std::string& text = box == Control::Text1 ? form.FrmCopyBox.Text1 : form.FrmCopyBox.Text2;
+    if (!text.empty())
+        text.pop_back();
+    if (box == Control::Text1)
+        form.Focus = Control::Text2;
+    else
+        cmdCopyMeasure();
+}
+
+void Editor::cmdCopyMeasure()
+{
+    const double from = Val(form.FrmCopyBox.Text1);
+    const double to = Val(form.FrmCopyBox.Text2);
     if (from <= to && from > 0 && from < tune.LastMeas + 1 && to < tune.LastMeas + 1) {
         int i = 1;
         while (tune[i].Measure < from)
@@ -27,7 +39,7 @@ void Editor::cmdCopyMeasure(const std::string& fromText, const std::string& toTe
         int last = i - 1;
         while (last < tune.LastNote && tune[last + 1].Measure <= to)
             ++last;
-        WriteRecords(kCopyBuffer, tune, i, last);
+        WriteFileBytes(kCopyBuffer, RecordBytes(tune, i, last));
         form.mnuPasteEnabled = true;
     }
     CopyBoxClosed();
@@ -79,7 +91,7 @@ void Editor::PasteAtEnd()
 // Leaves CurNote at the tune's end and the old picture on StaffBox, until the next command.
 void Editor::PasteBehindMeasure()
 {
-    WriteRecords(kPasteScratch, tune, form.MeasEnd + 1, tune.LastNote);
+    ParkTail(kPasteScratch, form.MeasEnd + 1);
     tune.LastMeas = tune.CurMeas;
     tune.CurNote = tune.LastNote = form.MeasEnd;
     ItemReader buffer(ReadFileBytes(kCopyBuffer));
@@ -90,8 +102,11 @@ void Editor::PasteBehindMeasure()
         form.MeasEnd = tune.LastNote;
     }
     ItemReader tail(ReadFileBytes(kPasteScratch));
-    while (!tail.AtEnd())
+    while (!tail.AtEnd()) {
         PasteRecord(tail);
+        ++form.Parked.RecordsBack;
+    }
+    form.Parked = {};
     tune.CurMeas = Head().Measure;
 }
 

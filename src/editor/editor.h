@@ -37,6 +37,7 @@ public:
     void Activate();  // the main form has become the active one again
 
     // Navigation
+    void ShowMeasure(int number);  // as stepping to it in review would show it
     void cmdNext();
     void cmdPrevious();
     void lblMeasNum();
@@ -71,8 +72,12 @@ public:
     void mnuCopy();
     void mnuPaste();
 
-    /// The Ok button of FrmCopyBox, with the texts of its two boxes; closes the form.
-    void cmdCopyMeasure(const std::string& from, const std::string& to);
+    /// Enter in a box of FrmCopyBox, Control::Text1 or Text2: cuts the box's last character, which
+    /// is the blank that it started with, and goes on to the next box or to cmdCopyMeasure.
+    void CopyBoxEnter(Control box);
+
+    /// The Ok button of FrmCopyBox; closes the form.
+    void cmdCopyMeasure();
 
     /// FrmCopyBox has gone away.
     void CopyBoxClosed();
@@ -132,6 +137,7 @@ private:
     void TakeValueOfNote();
 
     // Insertion and deletion
+    void ParkTail(const char* scratchFile, int from);
     void MakeRoomAtCurNote();
     void RelayoutXPos();
     void DeleteOnlyMeasure();

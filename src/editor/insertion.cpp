@@ -73,6 +73,14 @@ void Editor::mnuDelNote()
     form.CursorX = Current().XPos;
 }
 
+/// Writes the records from `from` to the tune's end to a scratch file.
+void Editor::ParkTail(const char* scratchFile, int from)
+{
+    std::string tail = RecordBytes(tune, from, tune.LastNote);
+    WriteFileBytes(scratchFile, tail);
+    form.Parked = {std::move(tail)};
+}
+
 // Parks the tail of the tune in a scratch file, so that for the moment the new measure is the
 // last one and is typed like any other. cmdNext ("OK") and cmdPrevious ("Cancel") bring it back.
 void Editor::mnuInsMeas()
@@ -80,7 +88,7 @@ void Editor::mnuInsMeas()
     form.Saved = 0;
     form.cmdNextCaption = "OK";
     form.cmdPreviousCaption = "Cancel";
-    WriteRecords(kInsertScratch, tune, form.MeasHead, tune.LastNote);
+    ParkTail(kInsertScratch, form.MeasHead);
     tune.Table.Clear(form.MeasHead, tune.LastNote);
     tune.LastNote = form.MeasHead - 1;
     tune.LastMeas = tune[tune.LastNote].Measure;

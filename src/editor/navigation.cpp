@@ -82,6 +82,14 @@ void Editor::StartMeasure(int head)
     view.Beam.Reset();
 }
 
+void Editor::ShowMeasure(int number)
+{
+    form.InputMode = kFretMode;
+    tune.CurMeas = number;
+    FindMeasure();
+    view.RedrawMeasure();
+}
+
 void Editor::cmdNext()
 {
     form.cmdRefreshEnabled = true;
@@ -206,8 +214,10 @@ void Editor::ReadBackTail(int from, int renumberBy)
         tune[i].Measure += renumberBy;
         tune.LastNote = i;
         tune.LastMeas = tune[i].Measure;
+        ++form.Parked.RecordsBack;
     }
     std::filesystem::remove(kInsertScratch);
+    form.Parked = {};
 }
 
 void Editor::CommitInsertedMeasure()

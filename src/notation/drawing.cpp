@@ -31,25 +31,6 @@ std::string Numbers(std::initializer_list<double> values)
     return text;
 }
 
-std::string Quoted(std::string_view bytes)
-{
-    std::string text = "\"";
-    for (char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') {
-            text += '\\';
-            text += c;
-        } else if (byte < 32 || byte > 126) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\x%02x", byte);
-            text += escape;
-        } else {
-            text += c;
-        }
-    }
-    return text + '"';
-}
-
 std::string Body(const Operation& op)
 {
     const std::string width = " w=" + std::to_string(op.Width);
@@ -72,6 +53,25 @@ std::string Body(const Operation& op)
 }
 
 }  // namespace
+
+std::string Quoted(std::string_view bytes)
+{
+    std::string text = "\"";
+    for (char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\') {
+            text += '\\';
+            text += c;
+        } else if (byte < 32 || byte > 126) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%02x", byte);
+            text += escape;
+        } else {
+            text += c;
+        }
+    }
+    return text + '"';
+}
 
 void Drawing::Clear()
 {

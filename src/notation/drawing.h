@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
@@ -43,6 +44,9 @@ struct Operation {
 
     bool operator==(const Operation&) const = default;
 };
+
+/// `text` between double quotes: `"` and `\` behind a backslash, bytes outside 32..126 as \xnn.
+std::string Quoted(std::string_view text);
 
 class Drawing {
 public:

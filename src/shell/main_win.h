@@ -49,11 +49,7 @@ public:
     void mnuSave();
     void mnuSaveAs();
     void mnuPageSet();
-    void mnuPrint();
     void mnuExit();
-
-    // Edit
-    void mnuClipbrd();
 
     // Instrument
     void mnuGuitar();
@@ -65,8 +61,7 @@ public:
     void mnuSetup();
     void mnuTuning();
 
-    // Page, Help
-    void mnuPgDown();
+    // Help
     void mnuAbout();
 
     /// Lays the tune out on the pages, then gives StaffBox the focus. Nothing while a measure is
@@ -75,6 +70,11 @@ public:
 
     /// Path of a file in the program's own folder.
     std::string ProgramFile(const std::string& name) const;
+
+    /// Reads the tune FileName and shows its first measure. False when it cannot be opened: the
+    /// box was shown, the tune stays. A file that is no tune: the box, then an object-required
+    /// Fault.
+    bool LoadTune();
 
 private:
     void ReadSettings();
@@ -87,6 +87,10 @@ private:
     void ChooseInstrument(int numStrings);
     void LoadActiveTuning(bool writeSetting);
 };
+
+/// The tune as it stands in the table, with what an unfinished insertion or paste has parked, as
+/// the bytes of a tune file.
+std::string RescueBytes(const MainWin& win);
 
 /// Keeps the tune as it stands in the table, with a tail that an unfinished insertion or paste has
 /// parked, as Rescue-<time>.<extension> in `folder`. Returns the path, "" if nothing could be

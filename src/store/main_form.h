@@ -35,8 +35,25 @@ constexpr int StringY(int s)
     return 28 + 8 * s;
 }
 
-/// The controls of the main form that can have the focus.
-enum class Control { None, StaffBox, cmdNext, cmdPrevious, cmdRefresh, cmdRest, txtRptBracket };
+/// The controls that can have the focus: the main form's, and the boxes of FrmCopyBox.
+enum class Control {
+    None,
+    StaffBox,
+    cmdNext,
+    cmdPrevious,
+    cmdRefresh,
+    cmdRest,
+    txtRptBracket,
+    Text1,
+    Text2,
+};
+
+/// The tail of a tune that a command has parked in a scratch file for the moment. It is kept here
+/// too, so that a lost scratch file does not lose the tail from the rescue copy.
+struct ParkedTail {
+    std::string Bytes;    // in the format of the scratch file; "" when nothing is parked
+    int RecordsBack = 0;  // how many of its records stand in the table again
+};
 
 struct MainForm {
     // Editing state
@@ -55,6 +72,7 @@ struct MainForm {
     Int16 CaretOn;        // -1 while the cursor is drawn, else 0
     int Saved = 65535;    // 0 unsaved changes, 1 nothing to save, 65535 before the first tune
     bool FirstActivation = false;
+    ParkedTail Parked;
 
     // Controls
     Control Focus = Control::None;
@@ -72,6 +90,10 @@ struct MainForm {
         bool Enabled = false;
         std::string Text;
     } txtRptBracket;
+    struct {
+        std::string Text1;  // first measure
+        std::string Text2;  // last measure
+    } FrmCopyBox;
     bool Timer1Enabled = false;
     int Toolbar1 = 0;                      // the button that is down, 0 when all are up
     std::array<bool, 6> Line1Visible{};    // the staff lines

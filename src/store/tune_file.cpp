@@ -50,12 +50,12 @@ std::string TuneBytes(const Tune& tune)
     return writer.Bytes();
 }
 
-void WriteRecords(const std::string& path, const Tune& tune, int from, int to)
+std::string RecordBytes(const Tune& tune, int from, int to)
 {
     ItemWriter writer;
     for (int i = from; i <= to; ++i)
         WriteRecord(writer, tune[i]);
-    WriteFileBytes(path, writer.Bytes());
+    return writer.Bytes();
 }
 
 }  // namespace quillon

@@ -29,7 +29,7 @@ void ReadTune(ItemReader& reader, Tune& tune);
 /// The bytes of the tune's file: the header, then the records 1..LastNote that are not empty.
 std::string TuneBytes(const Tune& tune);
 
-/// Writes the records from..to (none if `to` is below `from`), empty ones too.
-void WriteRecords(const std::string& path, const Tune& tune, int from, int to);
+/// The bytes of the records from..to (none if `to` is below `from`), empty ones too.
+std::string RecordBytes(const Tune& tune, int from, int to);
 
 }  // namespace quillon

@@ -1,0 +1,156 @@
+#include "app/export_command.h"
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <map>
+
+namespace quillon {
+
+const char* const kExportHelp =
+    "usage: quillon-export [options] TUNE... -o OUT\n"
+    "\n"
+    "Makes something else of tunes. OUT is a file, - for standard output, or a folder\n"
+    "when there are several tunes.\n"
+    "\n"
+    "  --format F        pdf, svg, png, mid, wav, tune, measure-log, page-log or\n"
+    "                    print-log; without it, OUT's extension decides\n"
+    "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"
+    "  --tempo T         beats a minute, 30 to 300\n"
+    "  --tuning INDEX    row of the tuning list, from 0\n"
+    "  --tuning-file F   a tuning list other than the default one\n"
+    "  --capo C          fret of the capo, 0 to 12\n"
+    "  --instrument P    General MIDI program, from 0\n"
+    "  --body-font NAME, --body-size S, --title-font NAME, --title-size S\n"
+    "  --left I, --right I, --top I, --stave-space I   inches\n"
+    "  --center-title yes|no\n"
+    "  --help            this text\n";
+
+namespace {
+
+constexpr std::string_view kFormats[] = {"pdf",  "svg",         "png",      "mid",      "wav",
+                                         "tune", "measure-log", "page-log", "print-log"};
+
+[[noreturn]] void Bad(const std::string& reason)
+{
+    throw std::invalid_argument(reason);
+}
+
+double Real(const std::string& option, const std::string& text)
+{
+    double number = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size())
+        Bad(option + " wants a number, not '" + text + "'");
+    return number;
+}
+
+int Whole(const std::string& option, const std::string& text)
+{
+    int number = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size())
+        Bad(option + " wants a whole number, not '" + text + "'");
+    return number;
+}
+
+float Single(const std::string& option, const std::string& text)
+{
+    return static_cast<float>(Real(option, text));
+}
+
+using Setter = std::function<void(ExportOptions&, const std::string& option, const std::string&)>;
+
+const std::map<std::string, Setter> kOptions = {
+    {"--strings",
+     [](auto& o, auto& name, auto& text) {
+         o.Strings = Whole(name, text);
+         if (!FindMode(*o.Strings))
+             Bad("--strings is 4, 5 or 6");
+     }},
+    {"--tempo", [](auto& o, auto& name, auto& text) { o.Tempo = Real(name, text); }},
+    {"--tuning", [](auto& o, auto& name, auto& text) { o.Tuning = Whole(name, text); }},
+    {"--tuning-file", [](auto& o, auto&, auto& text) { o.TuningFile = text; }},
+    {"--capo", [](auto& o, auto& name, auto& text) { o.Capo = Whole(name, text); }},
+    {"--instrument", [](auto& o, auto& name, auto& text) { o.Instrument = Whole(name, text); }},
+    {"--body-font", [](auto& o, auto&, auto& text) { o.BodyFont = text; }},
+    {"--body-size", [](auto& o, auto& name, auto& text) { o.BodySize = Single(name, text); }},
+    {"--title-font", [](auto& o, auto&, auto& text) { o.TitleFont = text; }},
+    {"--title-size", [](auto& o, auto& name, auto& text) { o.TitleSize = Single(name, text); }},
+    {"--left", [](auto& o, auto& name, auto& text) { o.Left = Single(name, text); }},
+    {"--right", [](auto& o, auto& name, auto& text) { o.Right = Single(name, text); }},
+    {"--top", [](auto& o, auto& name, auto& text) { o.Top = Single(name, text); }},
+    {"--stave-space", [](auto& o, auto& name, auto& text) { o.StaveSpace = Single(name, text); }},
+    {"--center-title",
+     [](auto& o, auto&, auto& text) {
+         if (text != "yes" && text != "no")
+             Bad("--center-title is yes or no");
+         o.CenterTitle = text == "yes";
+     }},
+};
+
+std::string FormatOf(const std::string& output)
+{
+    const std::size_t dot = output.find_last_of("./");
+    const std::string extension =
+        dot == std::string::npos || output[dot] == '/' ? "" : output.substr(dot + 1);
+    if (extension == "gui" || extension == "bjo" || extension == "bss")
+        return "tune";
+    if (std::find(std::begin(kFormats), std::begin(kFormats) + 5, extension) !=
+        std::begin(kFormats) + 5)
+        return extension;
+    Bad("the form of '" + output + "' is not known; name it with --format");
+}
+
+}  // namespace
+
+ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
+{
+    ExportCommand command;
+    bool onlyFiles = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::string argument = arguments[i];
+        if (onlyFiles || argument.size() < 2 || argument[0] != '-') {
+            command.Tunes.push_back(argument);
+            continue;
+        }
+        if (argument == "--") {
+            onlyFiles = true;
+            continue;
+        }
+        if (argument == "--help" || argument == "-h") {
+            command.Help = true;
+            return command;
+        }
+        std::string value;
+        const std::size_t equals = argument.find('=');
+        if (argument.starts_with("--") && equals != std::string::npos) {
+            value = argument.substr(equals + 1);
+            argument.erase(equals);
+        } else if (i + 1 < arguments.size()) {
+            value = arguments[++i];
+        } else {
+            Bad(argument + " wants a value");
+        }
+        if (argument == "-o" || argument == "--output") {
+            command.Output = value;
+        } else if (argument == "--format") {
+            command.Format = value;
+        } else if (const auto option = kOptions.find(argument); option != kOptions.end()) {
+            option->second(command.Options, argument, value);
+        } else {
+            Bad("unknown option " + argument);
+        }
+    }
+    if (command.Tunes.empty())
+        Bad("no tune is named");
+    if (command.Output.empty())
+        Bad("no output is named; give one with -o");
+    if (command.Format.empty())
+        command.Format = FormatOf(command.Output);
+    if (std::find(std::begin(kFormats), std::end(kFormats), command.Format) == std::end(kFormats))
+        Bad("unknown format " + command.Format);
+    return command;
+}
+
+}  // namespace quillon

@@ -1,0 +1,27 @@
+// The command line of quillon-export.
+
+#pragma once
+
+#include "shell/export.h"
+
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+struct ExportCommand {
+    ExportOptions Options;
+    std::vector<std::string> Tunes;
+    std::string Output;  // a file, "-" for standard output, or a folder for several tunes
+    std::string Format;  // "" until told by the output's extension
+    bool Help = false;
+};
+
+/// Reads the arguments after the program's name. Bad usage: a std::invalid_argument whose what()
+/// says why.
+ExportCommand ParseExportCommand(const std::vector<std::string>& arguments);
+
+/// What --help prints.
+extern const char* const kExportHelp;
+
+}  // namespace quillon

@@ -1,0 +1,119 @@
+#include "shell/export.h"
+
+#include "notation/page_layout.h"
+#include "store/tune_file.h"
+
+#include <cstdio>
+
+namespace quillon {
+
+namespace {
+
+/// A box's text on one line: each run of line ends becomes a blank, where none stands before it.
+std::string OneLine(const std::string& text)
+{
+    std::string line;
+    for (char c : text) {
+        const bool lineEnd = c == '\r' || c == '\n';
+        if (!lineEnd)
+            line += c;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    return line;
+}
+
+int StringsOf(const std::string& path)
+{
+    for (const InstrumentMode& mode : kInstrumentModes)
+        if (path.ends_with(std::string(".") + mode.Extension))
+            return mode.NumStrings;
+    return 6;
+}
+
+}  // namespace
+
+ExportedTune::ExportedTune(const std::string& path, const ExportOptions& options,
+                           const TextMetrics& metrics)
+    : win(platform.get(), metrics)
+{
+    win.tune.NumStrings = options.Strings.value_or(StringsOf(path));
+    win.tune.FileName = path;
+    win.form.Saved = 1;
+    win.form.Focus = Control::StaffBox;  // so that loading shows the first measure just once
+    win.form.MeasHead = 1;
+    win.form.MeasCapacity = 48;
+    bool loaded = false;
+    try {
+        loaded = win.LoadTune();
+    } catch (const Fault&) {
+        if (platform.dialogs.Shown.empty())
+            throw;
+    }
+    if (!loaded)
+        throw ExportError(OneLine(platform.dialogs.Shown.back().Text));
+    ApplyOptions(options);
+}
+
+void ExportedTune::ApplyOptions(const ExportOptions& options)
+{
+    PageSettings& page = win.page;
+    page.BodyFontName = options.BodyFont.value_or(page.BodyFontName);
+    page.BodyFontSize = options.BodySize.value_or(page.BodyFontSize);
+    page.TitleFontName = options.TitleFont.value_or(page.TitleFontName);
+    page.TitleFontSize = options.TitleSize.value_or(page.TitleFontSize);
+    page.PageLeft = options.Left.value_or(page.PageLeft);
+    page.PageRight = options.Right.value_or(page.PageRight);
+    page.PageTop = options.Top.value_or(page.PageTop);
+    page.StaveSpace = options.StaveSpace.value_or(page.StaveSpace);
+    page.TitleCentered = options.CenterTitle.value_or(page.TitleCentered);
+}
+
+std::string ExportedTune::TuneFile() const
+{
+    return TuneBytes(win.tune);
+}
+
+std::string ExportedTune::MeasureLog()
+{
+    std::string log;
+    const int lastMeas = win.tune.LastMeas;
+    for (int measure = 1; measure <= lastMeas; ++measure) {
+        win.editor.ShowMeasure(measure);
+        const MainForm& form = win.form;
+        char line[200];
+        std::snprintf(line, sizeof line,
+                      "measure %d head=%d end=%d beats=%d unit=%d capacity=%d fill=%d endbar=%d\n",
+                      measure, int{form.MeasHead}, int{form.MeasEnd}, int{form.CurBeats},
+                      int{form.CurBeatUnit}, int{form.MeasCapacity}, int{form.MeasFill},
+                      int{win.view.EndBarX});
+        log += line;
+        for (int i = form.MeasHead + 1; i <= form.MeasEnd; ++i) {
+            const NoteRecord& note = win.tune[i];
+            std::snprintf(line, sizeof line, "note %d code=%d spacing=%d xpos=%d beam=%d\n", i,
+                          int{note.NoteCode}, int{note.Spacing}, int{note.XPos},
+                          int{note.BeamCode});
+            log += line;
+        }
+        log += win.view.StaffBox.Picture().Log();
+    }
+    return log;
+}
+
+int ExportedTune::LayOut()
+{
+    if (const auto measure = LayOutPages(win.tune, win.page, win.pages))
+        throw ExportError("Measure " + std::to_string(*measure) + " is too wide for a line.");
+    return win.pages.PageMax + 1;
+}
+
+std::string ExportedTune::PageLog()
+{
+    const int count = LayOut();
+    std::string log;
+    for (int i = 0; i < count; ++i)
+        log += "page " + std::to_string(i + 1) + "\n" + win.pages.Page(i).Surface.Picture().Log();
+    return log;
+}
+
+}  // namespace quillon

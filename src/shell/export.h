@@ -1,0 +1,66 @@
+// A tune loaded without a window, and the text forms of it that the export command makes.
+
+#pragma once
+
+#include "shell/main_win.h"
+#include "shell/scripted_platform.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+/// What the command line may set. An absent value leaves the tune's header, or the default.
+struct ExportOptions {
+    std::optional<int> Strings;  // 4, 5 or 6; else by the tune's extension
+    std::optional<double> Tempo;
+    std::optional<int> Tuning;  // index of a row
+    std::optional<int> Capo;
+    std::optional<int> Instrument;  // General MIDI program, from 0
+    std::string TuningFile;         // "": the default rows of the instrument
+    std::optional<std::string> BodyFont;
+    std::optional<float> BodySize;
+    std::optional<std::string> TitleFont;
+    std::optional<float> TitleSize;
+    std::optional<float> Left;  // inches, as the three below
+    std::optional<float> Right;
+    std::optional<float> Top;
+    std::optional<float> StaveSpace;
+    std::optional<bool> CenterTitle;
+};
+
+/// A tune that cannot be exported; what() is one line that says what went wrong.
+class ExportError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A loaded tune, its first measure shown once. Nothing of the user's settings is read.
+class ExportedTune {
+public:
+    /// An unreadable file or one that is no tune: an ExportError, in the box's own words.
+    ExportedTune(const std::string& path, const ExportOptions& options,
+                 const TextMetrics& metrics);
+
+    MainWin& Window() { return win; }
+
+    std::string TuneFile() const;
+    std::string MeasureLog();
+
+    /// Lays the tune out on the page surfaces and returns how many of them hold the tune.
+    /// A measure that is too wide for a line: an ExportError.
+    int LayOut();
+    std::string PageLog();
+
+private:
+    void ApplyOptions(const ExportOptions& options);
+
+    ScriptedPlatform platform{""};
+    MainWin win;
+};
+
+}  // namespace quillon

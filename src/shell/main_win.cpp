@@ -1,0 +1,406 @@
+#include "shell/main_win.h"
+
+#include "notation/page_layout.h"
+#include "store/tune_file.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr const char* kIncompatible =
+    "File is incompatible.  See the trouble shooting \r\n"
+    "section in your manual for possible solutions\r\n\r\n"
+    "You may need to eliminate the use of quote marks in your title or remarks.";
+
+constexpr const char* kFontMissing =
+    "You have not properly installed the font\r\n"
+    " TAB.TTF.  Please refer to the manual and install  this font before proceding.\r\n\r\n"
+    "You will now be aborted from the program";
+
+constexpr const char* kSaveQuestion =
+    "        FILE NOT SAVED\n\nDo you want to save your work?";
+
+/// A setting as a number. One that no number can hold counts as absent.
+double SettingNumber(const Settings& settings, const std::string& key, const char* byDefault)
+{
+    try {
+        return Val(settings.Get(kPrefs, key, byDefault));
+    } catch (const Fault&) {
+        return Val(byDefault);
+    }
+}
+
+bool SettingIsTrue(const Settings& settings, const std::string& key)
+{
+    const std::string text = settings.Get(kPrefs, key, "True");
+    return text == "True" || text == "true" || SettingNumber(settings, key, "-1") != 0;
+}
+
+}  // namespace
+
+MainWin::MainWin(const Platform& thePlatform, const TextMetrics& metrics)
+    : platform(thePlatform), view(tune, form, page, metrics), pages(form, metrics),
+      editor(tune, form, view, platform.dialogs, platform.system)
+{
+}
+
+std::string MainWin::ProgramFile(const std::string& name) const
+{
+    return platform.system.ProgramFolder() + "/" + name;
+}
+
+bool MainWin::Load()
+{
+    page.TitleCentered = false;
+    form.txtRptBracket.Text.clear();
+    pages.ResetCounters();
+    if (!platform.system.HasFont("TAB")) {
+        platform.dialogs.Message(Icon::Stop, "Installation Error", kFontMissing);
+        form.Saved = 1;
+        platform.system.End();
+        return false;
+    }
+    page.FormFontName = "Arial";
+    form.mnuSaveEnabled = false;
+    form.mnuPasteEnabled = false;
+    pages.PageMax = 0;
+    ReadSettings();
+    tune.Table.Clear();
+    form.CaretOn = 0;
+    ResetTuneState(form.CursorY);
+    tune.CurNote = 1;
+    form.Saved = 65535;
+    form.Timer1Enabled = true;
+    form.FirstActivation = true;
+    form.Caption = FindMode(tune.NumStrings)->Caption;
+    ShowStringLines();
+    LoadActiveTuning(false);
+    return true;
+}
+
+void MainWin::ReadSettings()
+{
+    const Settings& settings = platform.settings;
+    const auto real = [&](const char* key, const char* byDefault) {
+        return static_cast<float>(SettingNumber(settings, key, byDefault));
+    };
+    page.BodyFontSize = real("FontSize", "10");
+    page.BodyFontName = settings.Get(kPrefs, "FontName", "Arial");
+    page.TitleFontName = settings.Get(kPrefs, "TitleFont", "Arial");
+    page.TitleFontSize = real("TitleFontSize", "20");
+    page.PageLeft = real("PageLeft", "1");
+    page.PageRight = real("PageRight", "1");
+    page.PageTop = real("PageTop", "1");
+    page.StaveSpace = real("StaveSpace", ".75");
+    const double numStrings = SettingNumber(settings, "NumStrings", "6");
+    tune.NumStrings = numStrings >= 3.5 && numStrings <= 6.5 ? Round(numStrings) : 6;
+    page.MidiDevice = NumberText(SettingNumber(settings, "MIDIDEVICE", "-1"));
+    page.TitleCentered = SettingIsTrue(settings, "TitleCentered");
+}
+
+void MainWin::ShowStringLines()
+{
+    for (int i = 0; i < 6; ++i)
+        form.Line1Visible[static_cast<std::size_t>(i)] = i < tune.NumStrings;
+}
+
+/// The state of a fresh tune, but for record 1, which becomes a head where the caller says so.
+void MainWin::ResetTuneState(int cursorY)
+{
+    tune.CurMeas = 1;
+    tune.LastMeas = 0;
+    tune.CurNote = 2;
+    tune.LastNote = 0;
+    form.MeasHead = 1;
+    form.MeasEnd = 0;
+    form.CurValue = 7;
+    form.CurBeats = 4;
+    form.CurBeatUnit = 4;
+    form.MeasCapacity = 48;
+    form.MeasFill = 0;
+    form.EntryState = kAppendState;
+    form.InputMode = kFretMode;
+    form.CursorX = kFirstNoteX;
+    form.CursorY = cursorY;
+    form.Parked = {};
+}
+
+void MainWin::FirstActivate(const std::string& commandLine)
+{
+    if (commandLine.empty()) {
+        form.FirstActivation = false;
+        mnuNew();
+        form.Focus = Control::None;
+        platform.system.Show(Form::Splash);
+        return;
+    }
+    tune.FileName = commandLine;
+    if (commandLine.front() == '"')
+        tune.FileName = commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
+    for (const InstrumentMode& mode : kInstrumentModes)
+        if (tune.FileName.size() >= 3 && tune.FileName.ends_with(mode.Extension))
+            tune.NumStrings = mode.NumStrings;
+    ShowStringLines();
+    form.Caption = FindMode(tune.NumStrings)->FileCaption;
+    mnuOpen();
+    form.FirstActivation = false;
+}
+
+void MainWin::SplashClosed()
+{
+    editor.SetFocus(Control::StaffBox);
+}
+
+void MainWin::Unload()
+{
+    if (form.Saved == 0)
+        AskToSave();
+}
+
+void MainWin::AskToSave()
+{
+    if (!platform.dialogs.Ask("", kSaveQuestion))
+        form.Saved = 1;
+    else if (tune.FileName > " ")
+        mnuSave();
+    else
+        mnuSaveAs();
+}
+
+void MainWin::mnuNew()
+{
+    pages.mnuSmallView();
+    pages.ResetCounters();
+    pages.BlankPages();
+    pages.vsbPage = 0;
+    form.cmdNextCaption = "Next";
+    form.cmdPreviousCaption = "Previous";
+    editor.HideCaret();
+    if (form.Saved == 0)
+        AskToSave();
+    if (form.Saved == 0)
+        return;
+    tune.FileName.clear();
+    form.mnuSaveEnabled = false;
+    form.Saved = 1;
+    tune.Table.Clear();
+    ResetTuneState(StringY(tune.NumStrings));
+    view.ClearStaff();
+    form.Timer1Enabled = true;
+    tune[1].Measure = 1;
+    tune[1].NoteCode = kHead;
+    tune[1].Beats = 4;
+    tune[1].BeatUnit = 4;
+    form.lblMeasNum = std::to_string(tune.CurMeas);
+    form.lblLastNote = std::to_string(tune.LastNote);
+    editor.SetToolbarValue(7);
+    editor.SetFocus(Control::StaffBox);
+}
+
+void MainWin::mnuOpen()
+{
+    pages.mnuSmallView();
+    pages.ResetCounters();
+    pages.PageMax = 0;
+    form.cmdNextCaption = "Next";
+    form.cmdPreviousCaption = "Previous";
+    if (form.Saved == 0)
+        AskToSave();
+    if (form.Saved == 0)
+        return;
+    form.Saved = 1;  // before the dialog: a cancelled one leaves unsaved edits marked as saved
+    if (!form.FirstActivation) {
+        const InstrumentMode* mode = FindMode(tune.NumStrings);
+        const auto path = platform.dialogs.OpenFile(mode->FileFilter, mode->Extension);
+        if (!path)
+            return;
+        tune.FileName = *path;
+    }
+    if (!LoadTune())
+        return;
+    cmdRefresh();
+    form.mnuSaveEnabled = true;
+    platform.system.SetWaitCursor(false);
+}
+
+bool MainWin::LoadTune()
+{
+    std::string bytes;
+    try {
+        bytes = ReadFileBytes(tune.FileName);
+    } catch (const Fault&) {
+        platform.dialogs.Message(Icon::Stop, "", "File Not Found");
+        return false;
+    }
+    try {
+        tune.Table.Clear();
+        pages.BlankPages();
+        pages.vsbPage = 0;
+        platform.system.SetWaitCursor(true);
+        ItemReader reader(std::move(bytes));
+        ReadTune(reader, tune);
+        FontsFromHeader();
+    } catch (const Fault&) {
+        IncompatibleFile();
+    }
+    form.EntryState = kReviewState;
+    tune.CurMeas = 0;
+    tune.CurNote = 0;
+    editor.cmdNext();
+    return true;
+}
+
+/// The header's fonts override the settings; an empty field leaves what is in force.
+void MainWin::FontsFromHeader()
+{
+    NoteRecord& header = tune[0];
+    const auto takeFont = [&](std::string& slot, std::string& fontName) {
+        if (slot.empty())
+            return;
+        if (!platform.system.HasFont(slot))
+            slot = "Arial";
+        page.FormFontName = slot;
+        fontName = slot;
+    };
+    takeFont(header.Slot(6), page.BodyFontName);
+    if (!header.Slot(5).empty())
+        page.BodyFontSize = static_cast<float>(Val(header.Slot(5)));
+    takeFont(header.Slot(3), page.TitleFontName);
+    if (header.NoteCode != 0)
+        page.TitleFontSize = static_cast<float>(header.NoteCode);
+}
+
+/// Ends the program after the message: nothing behind it is ever reached.
+void MainWin::IncompatibleFile()
+{
+    platform.system.SetWaitCursor(false);
+    platform.dialogs.Message(Icon::Stop, "", kIncompatible);
+    ResetTuneState(tune.NumStrings * 10 + 24);
+    view.ClearStaff();
+    editor.SetToolbarValue(7);
+    throw Fault(Error::ObjectRequired);
+}
+
+void MainWin::WriteTuneFile()
+{
+    WriteFileBytes(tune.FileName, TuneBytes(tune));
+}
+
+// There is no look at InputMode: during an insertion the parked tail is absent from the file.
+void MainWin::mnuSave()
+{
+    WriteTuneFile();
+    form.Saved = 1;
+}
+
+void MainWin::mnuSaveAs()
+{
+    if (form.InputMode == kInsertMode)
+        return;
+    const char* extension = FindMode(tune.NumStrings)->Extension;
+    const auto path = platform.dialogs.SaveFile(tune.FileName, extension, extension);
+    if (!path)
+        return;
+    tune.FileName = *path;
+    if (!tune.FileName.empty()) {
+        try {
+            WriteTuneFile();
+        } catch (const Fault&) {
+            return;  // the tune stays unsaved, without a message
+        }
+    }
+    form.Saved = 1;
+    form.mnuSaveEnabled = true;
+}
+
+void MainWin::mnuExit()
+{
+    if (form.Saved == 0)
+        AskToSave();
+    if (form.Saved == 1)
+        platform.system.End();
+}
+
+void MainWin::LoadActiveTuning(bool writeSetting)
+{
+    const InstrumentMode* mode = FindMode(tune.NumStrings);
+    const bool rebuilt =
+        quillon::LoadActiveTuning(ProgramFile(mode->TuningFile), mode->NumStrings, tunings);
+    if (rebuilt && writeSetting)
+        platform.settings.Set(kPrefs, "NumStrings", std::to_string(mode->NumStrings));
+}
+
+void MainWin::ChooseInstrument(int numStrings)
+{
+    pages.mnuSmallView();
+    if (form.Saved == 0)
+        AskToSave();
+    if (form.Saved == 0)
+        return;
+    pages.BlankPages();
+    tune.NumStrings = numStrings;
+    form.Caption = FindMode(numStrings)->Caption;
+    ShowStringLines();
+    form.Saved = 1;
+    LoadActiveTuning(true);
+    platform.settings.Set(kPrefs, "NumStrings", std::to_string(numStrings));
+    mnuNew();
+}
+
+void MainWin::mnuGuitar()
+{
+    ChooseInstrument(6);
+}
+
+void MainWin::mnuBanjo()
+{
+    ChooseInstrument(5);
+}
+
+void MainWin::mnuMandolin()
+{
+    ChooseInstrument(4);
+}
+
+void MainWin::cmdRefresh()
+{
+    if (form.InputMode == kInsertMode)
+        return;
+    if (const auto measure = LayOutPages(tune, page, pages))
+        platform.dialogs.Message(Icon::Stop, "",
+                                 "Measure " + std::to_string(*measure) +
+                                     " is too wide for a line.");
+    editor.SetFocus(Control::StaffBox);
+}
+
+void MainWin::mnuPageSet()
+{
+    editor.HideCaret();
+    form.FormEnabled = false;
+    platform.system.Show(Form::frmPgSetup);
+}
+
+void MainWin::mnuOpnMidi()
+{
+    pages.mnuSmallView();
+    platform.system.Show(Form::frmBldMidi);
+}
+
+void MainWin::mnuSetup()
+{
+    platform.system.Show(Form::frmMidiSetup);
+}
+
+void MainWin::mnuTuning()
+{
+    platform.system.Show(tune.NumStrings == 6   ? Form::Guitar
+                         : tune.NumStrings == 5 ? Form::banjo
+                                                : Form::bass);
+}
+
+void MainWin::mnuAbout()
+{
+    platform.system.Show(Form::frmAbout);
+}
+
+}  // namespace quillon

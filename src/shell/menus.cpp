@@ -1,0 +1,177 @@
+#include "shell/menus.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace quillon {
+
+namespace {
+
+constexpr MenuEntry kSeparator{nullptr, nullptr, nullptr, nullptr};
+
+bool CanSave(const MainWin& win)
+{
+    return win.form.mnuSaveEnabled;
+}
+
+bool CanPaste(const MainWin& win)
+{
+    return win.form.mnuPasteEnabled;
+}
+
+/// Entries whose command is still to come.
+bool NotYet(const MainWin&)
+{
+    return false;
+}
+
+void Nothing(MainWin&)
+{
+}
+
+// A handler of the main form or of its editor as a table entry.
+template <void (MainWin::*handler)()>
+void Run(MainWin& win)
+{
+    (win.*handler)();
+}
+
+template <void (Editor::*handler)()>
+void Run(MainWin& win)
+{
+    (win.editor.*handler)();
+}
+
+template <void (PageView::*handler)()>
+void Run(MainWin& win)
+{
+    (win.pages.*handler)();
+}
+
+// clang-format off
+constexpr MenuEntry kFile[] = {
+    {"mnuNew",     "&New",       "", Run<&MainWin::mnuNew>,    nullptr, "Start a new tune"},
+    {"mnuOpen",    "&Open",      "", Run<&MainWin::mnuOpen>,   nullptr, "Open a tune file"},
+    {"mnuAppend",  "Appen&d",    "", Run<&Editor::mnuAppend>,  nullptr, "Go to the tune's end to add measures"},
+    kSeparator,
+    {"mnuSave",    "&Save",      "", Run<&MainWin::mnuSave>,   CanSave, "Write the tune to its file"},
+    {"mnuSaveAs",  "Save &As",   "", Run<&MainWin::mnuSaveAs>, nullptr, "Write the tune to another file"},
+    kSeparator,
+    {"mnuPageSet", "Page Setup", "", Nothing,                  NotYet,  "Title, credits, fonts and margins"},
+    {"mnuPrint",   "&Print",     "", Nothing,                  NotYet,  "Print the tune"},
+    kSeparator,
+    {"mnuExit",    "E&xit",      "", Run<&MainWin::mnuExit>,   nullptr, "End the program"},
+};
+
+constexpr MenuEntry kEdit[] = {
+    {"mnuNoteBefore",   "Insert Note &Before", "",       Run<&Editor::mnuNoteBefore>,   nullptr,  "Put an empty note before this one"},
+    {"mnuInsNoteAfter", "Insert Note &After",  "",       Run<&Editor::mnuInsNoteAfter>, nullptr,  "Put an empty note behind this one"},
+    {"mnuDelNote",      "Delete Note",         "",       Run<&Editor::mnuDelNote>,      nullptr,  "Take this note out"},
+    kSeparator,
+    {"mnuClipbrd",      "Copy to Clipboard",   "",       Nothing,                       NotYet,   "Copy the marked part of the page as a picture"},
+    {"mnuCopy",         "&Copy",               "Ctrl+C", Run<&Editor::mnuCopy>,         nullptr,  "Copy measures"},
+    {"mnuPaste",        "&Paste",              "Ctrl+P", Run<&Editor::mnuPaste>,        CanPaste, "Paste the copied measures behind this one"},
+    kSeparator,
+    {"mnuInsMeas",      "&Insert Measure",     "",       Run<&Editor::mnuInsMeas>,      nullptr,  "Put a new measure before this one"},
+    {"mnuDelMeas",      "&Delete Measure",     "",       Run<&Editor::mnuDelMeas>,      nullptr,  "Take this measure out"},
+    kSeparator,
+    {"mnuChord",        "&Chord",              "F1",     Run<&Editor::mnuChord>,        nullptr,  "Type a chord name above the note, Enter ends it"},
+    {"mnuRemarks",      "Re&marks",            "",       Run<&Editor::mnuRemarks>,      nullptr,  "A remark above the measure"},
+    {"mnuRHEdit",       "&Right Hand Editing", "F2",     Run<&Editor::mnuRHEdit>,       nullptr,  "Type a right-hand letter"},
+    {"mnuLHEdit",       "&Left Hand Editing",  "F3",     Run<&Editor::mnuLHEdit>,       nullptr,  "Type a left-hand letter"},
+    {"mnuHardBrk",      "&Hard Line Break",    "Ctrl+N", Run<&Editor::mnuHardBrk>,      nullptr,  "Begin a new line with this measure, or no longer"},
+};
+
+constexpr MenuEntry kSymbols[] = {
+    {"mnuRest",       "Rest",              "F4",     Run<&Editor::mnuRest>,       nullptr, "A rest of the selected value"},
+    {"mnuHalfRest",   "&Half Rest",        "Ctrl+H", Run<&Editor::mnuHalfRest>,   nullptr, "A half rest"},
+    {"mnuWholeRest",  "&Whole Rest",       "Ctrl+W", Run<&Editor::mnuWholeRest>,  nullptr, "A whole rest"},
+    kSeparator,
+    {"mnuRptSign",    "&Repeat Sign",      "F6",     Run<&Editor::mnuRptSign>,    nullptr, "Repeat sign at the measure's end"},
+    {"mnuRptStart",   "Repeat &Start",     "F8",     Run<&Editor::mnuRptStart>,   nullptr, "Repeat start at the measure's start"},
+    {"mnuDoubBar",    "&Double Bar",       "F9",     Run<&Editor::mnuDoubBar>,    nullptr, "Double bar at the measure's end"},
+    {"mnuBegDoubBar", "&Begin Double Bar", "F12",    Run<&Editor::mnuBegDoubBar>, nullptr, "Double bar at the measure's start"},
+};
+
+constexpr MenuEntry kEndings[] = {
+    {"mnuSign",       "Sign",            "Shift+F5", Run<&Editor::mnuSign>,       nullptr, "The sign that D.S. goes back to"},
+    {"mnuCoda",       "Coda",            "Shift+F4", Run<&Editor::mnuCoda>,       nullptr, "The Coda that /To Coda goes to"},
+    {"mnuFine",       "fine",            "Shift+F3", Run<&Editor::mnuFine>,       nullptr, "The tune ends here after \"al Fine\""},
+    {"mnuDS",         "D.S.",            "Shift+F8", Run<&Editor::mnuDS>,         nullptr, "From the sign"},
+    {"mnuDC",         "D.C.",            "Shift+F9", Run<&Editor::mnuDC>,         nullptr, "From the start"},
+    {"mnuDSfine",     "D.S. al Fine",    "Shift+F1", Run<&Editor::mnuDSfine>,     nullptr, "From the sign to Fine"},
+    {"mnuDCfine",     "D.C. al Fine",    "Shift+F2", Run<&Editor::mnuDCfine>,     nullptr, "From the start to Fine"},
+    {"mnuDScoda",     "D.S. al Coda",    "Shift+F6", Run<&Editor::mnuDScoda>,     nullptr, "From the sign, then to the Coda"},
+    {"mnuDCcoda",     "D.C. al Coda",    "Shift+F7", Run<&Editor::mnuDCcoda>,     nullptr, "From the start, then to the Coda"},
+    {"mnuRepeatEnds", "Repeat Brackets", "F7",       Run<&Editor::mnuRepeatEnds>, nullptr, "The bracket of an ending, with its text"},
+};
+
+constexpr MenuEntry kInst[] = {
+    {"mnuGuitar",   "&Guitar",        "", Run<&MainWin::mnuGuitar>,   nullptr, "Six strings; starts a new tune"},
+    {"mnuBanjo",    "&Banjo",         "", Run<&MainWin::mnuBanjo>,    nullptr, "Five strings; starts a new tune"},
+    {"mnuMandolin", "&Mandolin/Bass", "", Run<&MainWin::mnuMandolin>, nullptr, "Four strings; starts a new tune"},
+};
+
+constexpr MenuEntry kMIDI[] = {
+    {"mnuOpnMidi", "&Open MIDI", "", Nothing, NotYet, "Play the tune or make a MIDI file"},
+    {"mnuSetup",   "&Set up",    "", Nothing, NotYet, "Choose a MIDI output device"},
+    {"mnuTuning",  "&Tunings",   "", Nothing, NotYet, "Edit the instrument's tunings"},
+};
+
+constexpr MenuEntry kPage[] = {
+    {"mnuLargeview", "&Large View", "", Run<&PageView::mnuLargeview>, nullptr, "Give the page the whole window"},
+    {"mnuSmallView", "&Small View", "", Run<&PageView::mnuSmallView>, nullptr, "Show the page and the measure"},
+    {"mnuPgDown",    "&Page Down",  "", Nothing,                      NotYet,  "Show the next page"},
+};
+
+constexpr MenuEntry kHelp[] = {
+    {"mnuAbout", "&About", "", Run<&MainWin::mnuAbout>, nullptr, "About this program"},
+};
+
+constexpr Menu kMenus[] = {
+    {"mnuFile",    "&File",       kFile},
+    {"mnuEdit",    "&Edit",       kEdit},
+    {"mnuSymbols", "&Symbols",    kSymbols},
+    {"mnuEndings", "E&ndings",    kEndings},
+    {"mnuInst",    "&Instrument", kInst},
+    {"mnuMIDI",    "&MIDI",       kMIDI},
+    {"mnuPage",    "&Page",       kPage},
+    {"mnuHelp",    "&Help",       kHelp},
+};
+// clang-format on
+
+template <typename Matches>
+const MenuEntry* Find(Matches matches)
+{
+    for (const Menu& menu : kMenus)
+        for (const MenuEntry& entry : menu.Entries)
+            if (entry.Name && matches(entry))
+                return &entry;
+    return nullptr;
+}
+
+}  // namespace
+
+std::span<const Menu> Menus()
+{
+    return kMenus;
+}
+
+const MenuEntry* FindMenuEntry(std::string_view name)
+{
+    return Find([&](const MenuEntry& entry) { return name == entry.Name; });
+}
+
+const MenuEntry* FindShortcut(std::string_view shortcut)
+{
+    return Find([&](const MenuEntry& entry) {
+        return *entry.Shortcut != '\0' && shortcut == entry.Shortcut;
+    });
+}
+
+bool IsEnabled(const MenuEntry& entry, const MainWin& win)
+{
+    return !entry.Enabled || entry.Enabled(win);
+}
+
+}  // namespace quillon
