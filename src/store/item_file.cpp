@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace quillon {
 
@@ -26,11 +25,15 @@ std::string ReadFileBytes(const std::string& path)
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw Fault(Error::PathFileAccess);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
+    std::string bytes;
+    char block[4096];
+    do {
+        file.read(block, sizeof block);
+        bytes.append(block, static_cast<std::size_t>(file.gcount()));
+    } while (file);
     if (file.bad())
         throw Fault(Error::PathFileAccess);
-    return std::move(bytes).str();
+    return bytes;
 }
 
 void WriteFileBytes(const std::string& path, std::string_view bytes)

@@ -124,7 +124,7 @@ int IntegerDivide(double dividend, double divisor)
     const int whole = Round(divisor);
     if (whole == 0)
         throw Fault(Error::DivisionByZero);
-    return static_cast<int>(static_cast<long long>(Round(dividend)) / whole);
+    return ToInt(std::trunc(static_cast<double>(Round(dividend)) / whole));
 }
 
 double Val(std::string_view text)

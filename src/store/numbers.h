@@ -51,7 +51,7 @@ int Floor(double value);
 int Truncate(double value);
 
 /// Integer division: both operands are rounded first, the quotient is cut toward zero.
-/// A divisor that rounds to 0 is a division-by-zero Fault.
+/// A divisor that rounds to 0 is a division-by-zero Fault, a quotient past int an overflow.
 int IntegerDivide(double dividend, double divisor);
 
 /// The leading number of a text; 0 when there is none. Blanks are skipped everywhere, also within
