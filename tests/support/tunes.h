@@ -1,0 +1,125 @@
+// Tunes for the tests: building them record by record, random ones, and all of them as text.
+
+#pragma once
+
+#include "store/main_form.h"
+#include "store/tune.h"
+
+#include <random>
+#include <sstream>
+#include <string>
+
+namespace quillon {
+
+/// Appends the head of the next measure.
+inline NoteRecord& AddMeasure(Tune& tune, int beats = 4, int beatUnit = 4)
+{
+    NoteRecord& head = tune[++tune.LastNote];
+    head.Measure = ++tune.LastMeas;
+    head.NoteCode = kHead;
+    head.Beats = beats;
+    head.BeatUnit = beatUnit;
+    return head;
+}
+
+/// Appends a note or rest to the last measure, under the signature of its head.
+inline NoteRecord& AddNote(Tune& tune, int code, int string = 0, const std::string& text = {})
+{
+    NoteRecord& before = tune[tune.LastNote];
+    NoteRecord& note = tune[++tune.LastNote];
+    note.Measure = before.Measure;
+    note.NoteCode = code;
+    note.Beats = before.Beats;
+    note.BeatUnit = before.BeatUnit;
+    if (string > 0)
+        note.Slot(string) = text;
+    return note;
+}
+
+/// Appends `count` full measures in 4/4, the quarters of measure m on fret m of string 2.
+inline void AddFullMeasures(Tune& tune, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        AddMeasure(tune);
+        for (int beat = 0; beat < 4; ++beat)
+            AddNote(tune, 7, 2, std::to_string(int{tune.LastMeas}));
+    }
+}
+
+/// Any bytes but the double quote, which a tune file cannot hold.
+inline std::string RandomText(std::mt19937& random, int longest)
+{
+    std::string text(random() % (longest + 1), ' ');
+    for (char& c : text)
+        do
+            c = static_cast<char>(random());
+        while (c == '"');
+    return text;
+}
+
+/// Fills every record of a tune of up to `mostRecords` with anything that its fields can hold.
+inline Tune RandomTune(std::mt19937& random, int mostRecords)
+{
+    const auto number = [&] { return static_cast<int>(random() % 65536) - 32768; };
+    const auto character = [&] { return OneCharacter(RandomText(random, 1)); };
+    Tune tune;
+    tune.LastNote = static_cast<int>(random() % (mostRecords + 1));
+    for (int i = 0; i <= tune.LastNote; ++i) {
+        NoteRecord& record = tune[i];
+        record.Measure = 1 + static_cast<int>(random() % 32767);
+        for (Int16* field : {&record.NoteCode, &record.XPos, &record.Reserved, &record.BeatUnit,
+                             &record.Beats, &record.Spacing, &record.BeamCode})
+            *field = number();
+        record.BarCode = RandomText(random, 3);
+        record.LeftHand = character();
+        record.RightHand = character();
+        record.ChordText = RandomText(random, 12);
+        for (std::string& slot : record.Slots)
+            slot = RandomText(random, 6);
+    }
+    tune.LastMeas = tune[tune.LastNote].Measure;
+    return tune;
+}
+
+/// One record as text, all fields.
+inline std::string RecordText(const NoteRecord& r)
+{
+    std::ostringstream text;
+    text << r.Measure << ' ' << r.NoteCode << ' ' << r.XPos << ' ' << r.Reserved << ' '
+         << r.BeatUnit << ' ' << r.Beats << ' ' << r.Spacing << ' ' << r.BeamCode << " \""
+         << r.BarCode << "\" \"" << r.LeftHand << "\" \"" << r.RightHand << "\" \"" << r.ChordText
+         << '"';
+    for (const std::string& slot : r.Slots)
+        text << " \"" << slot << '"';
+    return text.str();
+}
+
+/// The records that are not clear, a line each.
+inline std::string TableText(const Tune& tune)
+{
+    std::ostringstream text;
+    for (int i = 0; i <= kLastRecord; ++i)
+        if (!tune[i].IsClear())
+            text << i << ": " << RecordText(tune[i]) << '\n';
+    return text.str();
+}
+
+/// The tune state and the editing state, for "nothing has changed".
+inline std::string StateText(const Tune& tune, const MainForm& form)
+{
+    std::ostringstream text;
+    for (int value : {int{tune.NumStrings}, int{tune.LastNote}, int{tune.LastMeas},
+                      int{tune.CurNote}, int{tune.CurMeas}, int{form.MeasHead}, int{form.MeasEnd},
+                      int{form.CursorX}, int{form.CursorY}, int{form.SavedCursorY},
+                      int{form.CurBeats}, int{form.CurBeatUnit}, int{form.CurValue},
+                      int{form.MeasCapacity}, int{form.MeasFill}, int{form.EntryState},
+                      int{form.InputMode}, int{form.CaretOn}, form.Saved, form.Toolbar1,
+                      static_cast<int>(form.Focus), static_cast<int>(form.Timer1Enabled),
+                      static_cast<int>(form.cmdRefreshEnabled)})
+        text << value << ' ';
+    text << tune.FileName << '|' << form.cmdNextCaption << '|' << form.cmdPreviousCaption << '|'
+         << form.lblMeasNum << '|' << form.lblLastNote << '|' << form.hdbkbox;
+    return text.str();
+}
+
+}  // namespace quillon
