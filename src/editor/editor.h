@@ -105,7 +105,7 @@ public:
 
 private:
     // Navigation
-    bool FindMeasure();
+    bool FindMeasure(int leastSteps = 0);
     bool SetCursorToFirstNote();
     void StartMeasure(int head);
     void CommitInsertedMeasure();

@@ -29,7 +29,8 @@ void Editor::SetToolbarValue(int code)
 }
 
 /// Finds the measure CurMeas. One that is not there leaves MeasHead and MeasEnd as they were.
-bool Editor::FindMeasure()
+/// MeasEnd comes to stand at least `leastSteps` behind the head, whatever measure that is.
+bool Editor::FindMeasure(int leastSteps)
 {
     int i = 1;
     while (i <= kLastRecord && tune[i].Measure != tune.CurMeas)
@@ -37,6 +38,7 @@ bool Editor::FindMeasure()
     if (i > kLastRecord)
         return false;
     form.MeasHead = i;
+    i += leastSteps;
     while (i < kLastRecord && tune[i + 1].Measure == tune.CurMeas)
         ++i;
     form.MeasEnd = i;
@@ -183,11 +185,8 @@ void Editor::cmdPrevious()
         tune.CurMeas = tune.LastMeas;
     else
         --tune.CurMeas;
-    if (FindMeasure()) {
-        if (form.MeasEnd == form.MeasHead)
-            ++form.MeasEnd;  // at least one step past the head
+    if (FindMeasure(1))
         tune.CurNote = form.MeasEnd;
-    }
     if (!SetCursorToFirstNote())
         form.CursorY = StringY(tune.NumStrings);
     view.RedrawMeasure();

@@ -232,6 +232,12 @@ bool MainWin::LoadTune()
         platform.dialogs.Message(Icon::Stop, "", "File Not Found");
         return false;
     }
+    ShowTune(std::move(bytes));
+    return true;
+}
+
+void MainWin::ShowTune(std::string bytes)
+{
     try {
         tune.Table.Clear();
         pages.BlankPages();
@@ -247,7 +253,6 @@ bool MainWin::LoadTune()
     tune.CurMeas = 0;
     tune.CurNote = 0;
     editor.cmdNext();
-    return true;
 }
 
 /// The header's fonts override the settings; an empty field leaves what is in force.

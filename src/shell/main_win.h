@@ -72,9 +72,12 @@ public:
     std::string ProgramFile(const std::string& name) const;
 
     /// Reads the tune FileName and shows its first measure. False when it cannot be opened: the
-    /// box was shown, the tune stays. A file that is no tune: the box, then an object-required
-    /// Fault.
+    /// box was shown, the tune stays.
     bool LoadTune();
+
+    /// As above, from the bytes of a file. Bytes that are no tune: the box, then an
+    /// object-required Fault.
+    void ShowTune(std::string bytes);
 
 private:
     void ReadSettings();

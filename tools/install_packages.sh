@@ -1,0 +1,40 @@
+#!/bin/sh
+# Installs the Debian packages that are missing from the groups named: build, test.
+# Says nothing and takes no time when all are there.
+set -eu
+
+build="build-essential ca-certificates cmake ninja-build ccache pkg-config
+       qt6-base-dev qt6-svg-dev libfluidsynth-dev librtmidi-dev libjack-jackd2-dev
+       timgm6mb-soundfont python3 python3-fonttools python3-munkres python3-defcon
+       fonts-liberation"
+test="libgtest-dev libgmock-dev libbenchmark-dev clang-16 clang-tidy-16 libclang-rt-16-dev
+      clang-format-16 xvfb xauth xdotool xclip openbox x11-utils imagemagick poppler-utils
+      qpdf sox midicsv cups-daemon cups-client librsvg2-bin procps"
+
+wanted=""
+for group in "$@"; do
+    case $group in
+    build) wanted="$wanted $build" ;;
+    test) wanted="$wanted $test" ;;
+    *) echo "install_packages.sh: unknown group $group" >&2; exit 2 ;;
+    esac
+done
+
+installed=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' 2>/dev/null | sed -n 's/^installed //p')
+missing=""
+for package in $wanted; do
+    printf '%s\n' "$installed" | grep -qx "$package" || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+as_root=""
+if [ "$(id -u)" != 0 ]; then
+    command -v sudo >/dev/null || {
+        echo "These packages are missing, and there is no sudo to install them:$missing" >&2
+        exit 1
+    }
+    as_root=sudo
+fi
+echo "Installing$missing"
+$as_root apt-get update -qq
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
