@@ -61,6 +61,7 @@ float Single(const std::string& option, const std::string& text)
 
 using Setter = std::function<void(ExportOptions&, const std::string& option, const std::string&)>;
 
+// clang-format off
 const std::map<std::string, Setter> kOptions = {
     {"--strings",
      [](auto& o, auto& name, auto& text) {
@@ -88,6 +89,7 @@ const std::map<std::string, Setter> kOptions = {
          o.CenterTitle = text == "yes";
      }},
 };
+// clang-format on
 
 std::string FormatOf(const std::string& output)
 {

@@ -19,8 +19,8 @@ int main(int argc, char** argv)
         return 2;
     }
     // Tuning files of the run lie in a folder of their own, not in the user's.
-    const auto folder = std::filesystem::temp_directory_path() /
-                        ("play-scenario-" + std::to_string(getpid()));
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("play-scenario-" + std::to_string(getpid()));
     std::filesystem::create_directory(folder);
     std::ios::sync_with_stdio(false);
     int status = 0;

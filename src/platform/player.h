@@ -24,14 +24,18 @@ public:
     virtual void Play(bool forEver) = 0;
     virtual void Stop() = 0;
 
-    /// Factor on the file's own tempo, at once; 0 stands still and can go on.
+    /// Factor on the file's own tempo, at once; 0 stands still and can go on. 1 after Init.
     virtual void SetTempoFactor(double factor) = 0;
 
-    /// Master volume in hundredths of a decibel, at once.
+    /// Master volume in hundredths of a decibel, at once. 0 after Init.
     virtual void SetVolume(int hundredthsOfDecibel) = 0;
 
     /// Called on the window's thread when a tune has played to its end, not after Stop.
     std::function<void()> OnEnd;
+
+    /// Called on the window's thread when a tune that was started cannot be played, or its end
+    /// cannot be told: the sound device has gone.
+    std::function<void()> OnFailure;
 };
 
 /// The MIDI output devices of the machine.

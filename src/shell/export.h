@@ -43,8 +43,7 @@ public:
 class ExportedTune {
 public:
     /// An unreadable file or one that is no tune: an ExportError, in the box's own words.
-    ExportedTune(const std::string& path, const ExportOptions& options,
-                 const TextMetrics& metrics);
+    ExportedTune(const std::string& path, const ExportOptions& options, const TextMetrics& metrics);
 
     MainWin& Window() { return win; }
 

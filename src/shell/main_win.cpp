@@ -17,8 +17,7 @@ constexpr const char* kFontMissing =
     " TAB.TTF.  Please refer to the manual and install  this font before proceding.\r\n\r\n"
     "You will now be aborted from the program";
 
-constexpr const char* kSaveQuestion =
-    "        FILE NOT SAVED\n\nDo you want to save your work?";
+constexpr const char* kSaveQuestion = "        FILE NOT SAVED\n\nDo you want to save your work?";
 
 /// A setting as a number. One that no number can hold counts as absent.
 double SettingNumber(const Settings& settings, const std::string& key, const char* byDefault)
@@ -372,9 +371,8 @@ void MainWin::cmdRefresh()
     if (form.InputMode == kInsertMode)
         return;
     if (const auto measure = LayOutPages(tune, page, pages))
-        platform.dialogs.Message(Icon::Stop, "",
-                                 "Measure " + std::to_string(*measure) +
-                                     " is too wide for a line.");
+        platform.dialogs.Message(
+            Icon::Stop, "", "Measure " + std::to_string(*measure) + " is too wide for a line.");
     editor.SetFocus(Control::StaffBox);
 }
 

@@ -25,25 +25,20 @@ bool NotYet(const MainWin&)
     return false;
 }
 
-void Nothing(MainWin&)
-{
-}
+void Nothing(MainWin&) {}
 
 // A handler of the main form or of its editor as a table entry.
-template <void (MainWin::*handler)()>
-void Run(MainWin& win)
+template <void (MainWin::*handler)()> void Run(MainWin& win)
 {
     (win.*handler)();
 }
 
-template <void (Editor::*handler)()>
-void Run(MainWin& win)
+template <void (Editor::*handler)()> void Run(MainWin& win)
 {
     (win.editor.*handler)();
 }
 
-template <void (PageView::*handler)()>
-void Run(MainWin& win)
+template <void (PageView::*handler)()> void Run(MainWin& win)
 {
     (win.pages.*handler)();
 }
@@ -140,8 +135,7 @@ constexpr Menu kMenus[] = {
 };
 // clang-format on
 
-template <typename Matches>
-const MenuEntry* Find(Matches matches)
+template <typename Matches> const MenuEntry* Find(Matches matches)
 {
     for (const Menu& menu : kMenus)
         for (const MenuEntry& entry : menu.Entries)

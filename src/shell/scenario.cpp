@@ -96,7 +96,10 @@ std::optional<std::string> Answer(const std::string& rest)
 std::string QuotedBoxText(std::string_view text)
 {
     std::string quoted = Quoted(text);
-    for (const auto& [hex, letter] : {std::pair{"\\x0d", "\\r"}, std::pair{"\\x0a", "\\n"}})
+    for (const auto& [hex, letter] : {
+             std::pair{"\\x0d", "\\r"},
+             std::pair{"\\x0a", "\\n"}
+    })
         for (std::size_t at = 0; (at = quoted.find(hex, at)) != std::string::npos; at += 2)
             quoted.replace(at, 4, letter);
     return quoted;
@@ -349,8 +352,7 @@ void Scenario::PrintState()
     print("lblMeasNum", form.lblMeasNum);
     print("lblLastNote", form.lblLastNote);
     print("hdbkbox", form.hdbkbox);
-    print("txtRptBracket",
-          form.txtRptBracket.Visible ? Quoted(form.txtRptBracket.Text) : "hidden");
+    print("txtRptBracket", form.txtRptBracket.Visible ? Quoted(form.txtRptBracket.Text) : "hidden");
     print("Timer1", OnOff(form.Timer1Enabled));
     print("cmdRefresh", OnOff(form.cmdRefreshEnabled));
     print("mnuSave", OnOff(form.mnuSaveEnabled));

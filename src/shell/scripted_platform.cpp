@@ -4,8 +4,7 @@ namespace quillon {
 
 namespace {
 
-template <typename Answer>
-Answer TakeFirst(std::deque<Answer>& queue, Answer byDefault)
+template <typename Answer> Answer TakeFirst(std::deque<Answer>& queue, Answer byDefault)
 {
     if (queue.empty())
         return byDefault;

@@ -44,18 +44,14 @@ class MemorySettings : public Settings {
 public:
     std::string Get(const std::string& section, const std::string& key,
                     const std::string& byDefault) const override;
-    void Set(const std::string& section, const std::string& key,
-             const std::string& value) override;
+    void Set(const std::string& section, const std::string& key, const std::string& value) override;
 
     std::map<std::pair<std::string, std::string>, std::string> Values;
 };
 
 class ScriptedSystem : public System {
 public:
-    explicit ScriptedSystem(std::string programFolder)
-        : folder(std::move(programFolder))
-    {
-    }
+    explicit ScriptedSystem(std::string programFolder) : folder(std::move(programFolder)) {}
 
     std::vector<Form> Forms;  // shown so far
     bool Ended = false;
@@ -106,10 +102,7 @@ public:
 
 /// All of the above; `get()` is what the core is made with.
 struct ScriptedPlatform {
-    explicit ScriptedPlatform(std::string programFolder)
-        : system(std::move(programFolder))
-    {
-    }
+    explicit ScriptedPlatform(std::string programFolder) : system(std::move(programFolder)) {}
 
     ScriptedDialogs dialogs;
     MemorySettings settings;
@@ -119,10 +112,7 @@ struct ScriptedPlatform {
     NoPlayer player;
     NoMidiPorts midiPorts;
 
-    Platform get()
-    {
-        return {dialogs, settings, system, printer, clipboard, player, midiPorts};
-    }
+    Platform get() { return {dialogs, settings, system, printer, clipboard, player, midiPorts}; }
 };
 
 }  // namespace quillon

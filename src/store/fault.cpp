@@ -31,10 +31,7 @@ const char* ErrorWords(Error error)
     return "unknown error";
 }
 
-Fault::Fault(Error error)
-    : Fault(error, {})
-{
-}
+Fault::Fault(Error error) : Fault(error, {}) {}
 
 Fault::Fault(Error error, std::string explanation)
     : std::runtime_error("run-time error " + std::to_string(static_cast<int>(error)) + ": " +

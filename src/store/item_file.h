@@ -23,10 +23,7 @@ void WriteFileBytes(const std::string& path, std::string_view bytes);
 
 class ItemReader {
 public:
-    explicit ItemReader(std::string fileBytes)
-        : bytes(std::move(fileBytes))
-    {
-    }
+    explicit ItemReader(std::string fileBytes) : bytes(std::move(fileBytes)) {}
 
     bool AtEnd() const { return position >= bytes.size(); }
 

@@ -57,20 +57,20 @@ struct ParkedTail {
 
 struct MainForm {
     // Editing state
-    Int16 MeasHead;       // head record of the current measure
-    Int16 MeasEnd;        // its last record; below MeasHead while a new measure is empty
-    Int16 CursorX;        // points; kFirstNoteX at a measure's start
-    Int16 CursorY;        // points; StringY(s) on string s
-    Int16 SavedCursorY;   // where to go back to after a text mode
-    Int16 CurBeats = 4;   // time signature for new measures
+    Int16 MeasHead;      // head record of the current measure
+    Int16 MeasEnd;       // its last record; below MeasHead while a new measure is empty
+    Int16 CursorX;       // points; kFirstNoteX at a measure's start
+    Int16 CursorY;       // points; StringY(s) on string s
+    Int16 SavedCursorY;  // where to go back to after a text mode
+    Int16 CurBeats = 4;  // time signature for new measures
     Int16 CurBeatUnit = 4;
-    Int16 CurValue = 7;   // selected note value, 1..11
-    Int16 MeasCapacity;   // ticks that the current measure holds
-    Int16 MeasFill;       // ticks entered so far
+    Int16 CurValue = 7;  // selected note value, 1..11
+    Int16 MeasCapacity;  // ticks that the current measure holds
+    Int16 MeasFill;      // ticks entered so far
     Int16 EntryState = kAppendState;
     Int16 InputMode = kFretMode;
-    Int16 CaretOn;        // -1 while the cursor is drawn, else 0
-    int Saved = 65535;    // 0 unsaved changes, 1 nothing to save, 65535 before the first tune
+    Int16 CaretOn;      // -1 while the cursor is drawn, else 0
+    int Saved = 65535;  // 0 unsaved changes, 1 nothing to save, 65535 before the first tune
     bool FirstActivation = false;
     ParkedTail Parked;
 
@@ -95,10 +95,10 @@ struct MainForm {
         std::string Text2;  // last measure
     } FrmCopyBox;
     bool Timer1Enabled = false;
-    int Toolbar1 = 0;                      // the button that is down, 0 when all are up
-    std::array<bool, 6> Line1Visible{};    // the staff lines
-    bool FormEnabled = true;               // false while page setup is open
-    bool ToolsVisible = true;              // picTools, StaffBox and fraMeasure; off in large view
+    int Toolbar1 = 0;                    // the button that is down, 0 when all are up
+    std::array<bool, 6> Line1Visible{};  // the staff lines
+    bool FormEnabled = true;             // false while page setup is open
+    bool ToolsVisible = true;            // picTools, StaffBox and fraMeasure; off in large view
 };
 
 }  // namespace quillon

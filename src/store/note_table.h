@@ -79,10 +79,7 @@ char OneCharacter(std::string_view text);
 
 class NoteTable {
 public:
-    NoteTable()
-        : records(kLastRecord + 1)
-    {
-    }
+    NoteTable() : records(kLastRecord + 1) {}
 
     /// Record 0..1500. Any other index is a subscript Fault.
     NoteRecord& operator[](int index) { return records[Checked(index)]; }

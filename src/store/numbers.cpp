@@ -90,8 +90,7 @@ double ParseLeading(std::string_view text, bool withSign)
     return value;
 }
 
-template <typename Real>
-std::string ShortestText(Real value)
+template <typename Real> std::string ShortestText(Real value)
 {
     char buffer[64];
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);

@@ -36,13 +36,13 @@ struct InstrumentMode {
 };
 
 inline constexpr InstrumentMode kInstrumentModes[] = {
-    {6, "mnuGuitar", "LYRANO Tablature Editor for Guitar", "Lyrano - Tablature Editor for Guitar",
-     "gui", "Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*", "Strings6.tun", "Guitar"},
-    {5, "mnuBanjo", "LYRANO Tablature Editor for Banjo", "Lyrano - Tablature Editor for Banjo",
-     "bjo", "Banjo Files (*.bjo)|*.bjo|All Files (*.*)|*.*", "Strings5.tun", "Banjo"},
+    {6, "mnuGuitar",   "LYRANO Tablature Editor for Guitar",        "Lyrano - Tablature Editor for Guitar",
+     "gui",                                                                                                        "Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*", "Strings6.tun", "Guitar"},
+    {5, "mnuBanjo",    "LYRANO Tablature Editor for Banjo",         "Lyrano - Tablature Editor for Banjo",
+     "bjo",                                                                                                        "Banjo Files (*.bjo)|*.bjo|All Files (*.*)|*.*",  "Strings5.tun", "Banjo" },
     {4, "mnuMandolin", "LYRANO Tablature Editor for Mandolin/Bass",
-     "Lyrano - Tablature Editor for Mandolin/Bass", "bss",
-     "Bass Files (*.bss)|*.bss|All Files (*.*)|*.*", "Strings4.tun", "Bass"},
+     "Lyrano - Tablature Editor for Mandolin/Bass",                                                         "bss",
+     "Bass Files (*.bss)|*.bss|All Files (*.*)|*.*",                                                                                                                 "Strings4.tun", "Bass"  },
 };
 
 /// The mode of 6, 5 or 4 strings; null for any other number.

@@ -26,7 +26,10 @@ void WriteRecord(ItemWriter& writer, const NoteRecord& record)
     writer.Number(record.Reserved).Number(record.BeatUnit).Number(record.Beats);
     writer.Number(record.Spacing).EndLine();
     writer.Number(record.BeamCode).Text(record.BarCode);
-    writer.Text({&record.LeftHand, 1}).Text({&record.RightHand, 1}).Text(record.ChordText).EndLine();
+    writer.Text({&record.LeftHand, 1})
+        .Text({&record.RightHand, 1})
+        .Text(record.ChordText)
+        .EndLine();
     for (const std::string& slot : record.Slots)
         writer.Text(slot).EndLine();
 }

@@ -14,8 +14,7 @@ void ReadTuning(ItemReader& reader, TuningRecord& tuning, int pitches)
 }
 
 /// Runs `load`; when the file fails it, rebuilds the file and runs it once more.
-template <typename Load>
-bool LoadOrRebuild(const std::string& path, int numStrings, Load load)
+template <typename Load> bool LoadOrRebuild(const std::string& path, int numStrings, Load load)
 {
     try {
         load(ItemReader(ReadFileBytes(path)));
@@ -91,9 +90,8 @@ int LoadTunings(const std::string& path, int numStrings, Tunings& tunings)
 
 bool LoadActiveTuning(const std::string& path, int numStrings, Tunings& tunings)
 {
-    const bool rebuilt = LoadOrRebuild(path, numStrings, [&](ItemReader reader) {
-        ReadTuning(reader, tunings[0], kStringSlots);
-    });
+    const bool rebuilt = LoadOrRebuild(
+        path, numStrings, [&](ItemReader reader) { ReadTuning(reader, tunings[0], kStringSlots); });
     tunings.CurTuning = tunings[0].Pitches;
     return rebuilt;
 }
