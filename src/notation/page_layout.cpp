@@ -1,11 +1,345 @@
 #include "notation/page_layout.h"
 
+#include "notation/line_furniture.h"
+#include "notation/signs.h"
+
+#include <algorithm>
+#include <utility>
+
 namespace quillon {
 
-std::optional<int> LayOutPages(const Tune&, const PageSettings&, PageView& pages)
+namespace {
+
+constexpr int kWidestUnit = 150;  // a short line stays short
+constexpr int kNarrowestEnd = 4;  // width units of a line's last column, at least
+constexpr int kNearLineEnd = 9000;
+
+/// Width units of a column by its code; 0 for a code without a width of its own.
+int ColumnWidth(int noteCode)
+{
+    switch (noteCode) {
+    case kHead:
+        return 2;
+    case 9:
+    case 92:
+        return 5;
+    case 10:
+        return 8;
+    case 11:
+    case 93:
+        return 12;
+    default:
+        if ((noteCode >= 7 && noteCode <= 8) || (noteCode >= 94 && noteCode <= 99))
+            return 3;
+        return noteCode >= 1 && noteCode <= 6 ? 2 : 0;
+    }
+}
+
+int Length(const std::string& text)
+{
+    return static_cast<int>(text.size());
+}
+
+bool IsEndBar(std::string_view barCode)
+{
+    return barCode == kDoubleBar || barCode == kRepeatEnd;
+}
+
+bool IsBeginBar(std::string_view barCode)
+{
+    return barCode == kBeginDoubleBar || barCode == kRepeatStart;
+}
+
+}  // namespace
+
+PageFormatter::PageFormatter(const Tune& theTune, const PageSettings& pageSettings,
+                             const LayoutValues& layoutValues, DrawSurface& firstPage,
+                             std::function<DrawSurface&()> beginFurtherPage)
+    : tune(theTune), page(pageSettings), beginPage(std::move(beginFurtherPage)),
+      line{theTune, pageSettings, layoutValues, &firstPage}, noteColumns(line)
+{
+}
+
+std::optional<int> PageFormatter::Run()
+{
+    DrawHeading();
+    for (int i = 1; i < tune.LastNote; i += line.k) {
+        BuildLine(i);
+        if (line.k <= 0)
+            return tune[i].Measure;
+        SpreadLine();
+        LineFurniture(line).Draw();
+        noteColumns.Draw();
+        FinishLine(i + line.k - 1);
+    }
+    return std::nullopt;
+}
+
+void PageFormatter::UseBodyFont()
+{
+    line.surface->Font = {page.BodyFontName, page.BodyFontSize, false};
+}
+
+void PageFormatter::DrawHeading()
+{
+    DrawSurface& surface = *line.surface;
+    surface.CurrentY = line.values.TitleY;
+    if (tune[0].ChordText != " ")
+        PrintTitle();
+    UseBodyFont();
+    PrintCredits();
+    line.PenY = surface.CurrentY + line.values.HeadingGap;
+    surface.CurrentY = line.PenY;
+}
+
+/// A centred title is centred on the paper, not between the margins, and then moved left by a
+/// quarter inch.
+void PageFormatter::PrintTitle()
+{
+    DrawSurface& surface = *line.surface;
+    const std::string& title = tune[0].ChordText;
+    surface.Font = {page.TitleFontName, page.TitleFontSize, false};
+    surface.CurrentX = line.values.CenterTitle
+                           ? IntegerDivide(surface.Width - surface.TextWidth(title), 2) - 360
+                           : line.values.LineLeft;
+    surface.PrintLine(title);
+}
+
+/// Both lines begin at one x; the longer one ends at the right margin.
+void PageFormatter::PrintCredits()
+{
+    DrawSurface& surface = *line.surface;
+    const std::string& first = tune[0].Slot(1);
+    const std::string& second = tune[0].Slot(2);
+    const double x =
+        line.LineRight - std::max(surface.TextWidth(first), surface.TextWidth(second));
+    if (!first.empty())
+        surface.PrintLineAt(x, surface.CurrentY, first);
+    if (!second.empty())
+        surface.PrintLineAt(x, surface.CurrentY, second);
+}
+
+/// Fills the columns with the records from firstRecord on, and leaves in k the last column of the
+/// last whole measure that fits; 0 or less if there is none.
+void PageFormatter::BuildLine(int firstRecord)
+{
+    CopyRecords(firstRecord);
+    if (line.values.SpreadChords)
+        MakeRoomForChords();
+    if (line.k == kLastColumn)
+        CutMeasureAtTablesEnd();
+    if (line.k <= 0)
+        return;
+    MakeRoomForSignatures();
+    MoveBars();
+    line.Attempt([&] { CutToCapacity(); });
+    if (line.k <= 0)
+        return;
+    SetPlainBars();
+    NoteRecord& last = line.columns[line.k];
+    if (const int missing = kNarrowestEnd - last.Spacing; missing > 0) {
+        line.Attempt([&] { last.Reserved += missing; });
+        last.Spacing = kNarrowestEnd;
+    }
+}
+
+/// A hard break belongs to the head that starts the next line.
+void PageFormatter::CopyRecords(int firstRecord)
+{
+    for (int n = 1; n <= kLastColumn; ++n)
+        line.columns[n].Clear();
+    line.k = 0;
+    bool hardBreak = false;
+    for (int i = firstRecord; i <= tune.LastNote && line.k < kLastColumn && !hardBreak;) {
+        NoteRecord& column = line.columns[++line.k];
+        column = tune[i++];
+        column.XPos = 0;
+        column.Reserved = 0;
+        SetWidth(column);
+        hardBreak = i <= tune.LastNote && tune[i].Slot(6) == kLineBreak;
+    }
+}
+
+void PageFormatter::SetWidth(NoteRecord& column)
+{
+    if (const int width = ColumnWidth(column.NoteCode))
+        column.Spacing = width;
+    const auto makeRoomFor = [&](const std::string& text) {
+        if (Length(text) >= column.Spacing)
+            line.Attempt([&] { column.Spacing = Length(text) + 1; });
+    };
+    if (!column.IsHead())
+        for (const std::string& slot : column.Slots)
+            if (!slot.empty())
+                makeRoomFor(slot);
+    if (!line.values.SpreadChords)
+        makeRoomFor(column.ChordText);
+}
+
+/// A walk that leaves the table before it finds room enough gives up, and the column stays as it
+/// is by then.
+void PageFormatter::MakeRoomForChords()
+{
+    for (int n = 1; n <= line.k; ++n) {
+        NoteRecord& column = line.columns[n];
+        const int length = Length(column.ChordText);
+        if (length <= 1)
+            continue;
+        if (n == line.k)
+            line.Attempt([&] { column.Spacing = length + 1; });
+        else
+            line.Attempt([&] { SpreadChordText(n); });
+    }
+}
+
+/// Lets a chord use the room of the columns behind it. Before the next chord its own column is
+/// widened instead, and the walk goes on.
+void PageFormatter::SpreadChordText(int n)
+{
+    NoteRecord& column = line.columns[n];
+    const int length = Length(column.ChordText) + 1;
+    int total = column.Spacing;
+    for (int j = n + 1; length >= total; ++j) {
+        if (!line.columns[j].ChordText.empty())
+            column.Spacing = length + 1;
+        else
+            total += line.columns[j].Spacing;
+    }
+}
+
+/// The measure that the table's end cuts goes whole to the next line, even if it ends right there.
+void PageFormatter::CutMeasureAtTablesEnd()
+{
+    line.Attempt([&] {
+        while (line.columns[line.k].Measure == line.columns[line.k - 1].Measure)
+            --line.k;
+    });
+    --line.k;
+}
+
+void PageFormatter::Widen(NoteRecord& column, int units)
+{
+    line.Attempt([&] { column.Spacing += units; });
+}
+
+void PageFormatter::MakeRoomForSignatures()
+{
+    for (int n = 1; n < line.k; ++n) {
+        NoteRecord& column = line.columns[n];
+        if (!line.SignatureChangesAt(n))
+            continue;
+        Widen(column, column.BarCode == kRepeatStart ? 2 : 1);
+        if (column.Beats == 12)
+            Widen(column, line.values.TwelveBeatsRoom);
+    }
+}
+
+/// An end bar stands on the head and is drawn at the measure's last column. On a head without
+/// notes it is lost, as it moves onto itself.
+void PageFormatter::MoveBars()
+{
+    LayoutTable& columns = line.columns;
+    for (int n = 1; n <= line.k; ++n) {
+        const std::string bar = columns[n].BarCode;
+        if (columns[n].IsHead() && IsEndBar(bar)) {
+            int j = n;
+            while (j < kLastColumn - 1 && columns[j].Measure == columns[j + 1].Measure)
+                ++j;
+            columns[j].BarCode = bar;
+            columns[n].BarCode.clear();
+            Widen(columns[j], 1);
+        }
+        if (IsBeginBar(bar))
+            Widen(columns[n], 1);
+    }
+}
+
+void PageFormatter::CutToCapacity()
+{
+    LayoutTable& columns = line.columns;
+    int& k = line.k;
+    if (columns[k].IsHead())
+        --k;
+    for (int n = 1; n <= k; ++n)
+        line.Attempt([&] { columns[n].Reserved = columns[n - 1].Reserved + columns[n].Spacing; });
+    const int LineCapacity =
+        IntegerDivide(line.values.LineRight - line.values.LineLeft, line.values.CharUnit);
+    while (columns[k].Reserved > LineCapacity)
+        --k;
+    if (k < tune.LastNote)
+        while (columns[k].Measure == columns[k + 1].Measure)
+            --k;
+}
+
+/// A begin bar on the next head takes the place of the plain bar.
+void PageFormatter::SetPlainBars()
+{
+    LayoutTable& columns = line.columns;
+    for (int n = 1; n < line.k; ++n)
+        if (columns[n].Measure != columns[n + 1].Measure && columns[n].BarCode.empty() &&
+            columns[n + 1].BarCode.empty())
+            columns[n].BarCode = kPlainBar;
+    if (columns[line.k].BarCode.empty())
+        columns[line.k].BarCode = kPlainBar;
+}
+
+void PageFormatter::SpreadLine()
+{
+    const int lineWidth = line.values.LineRight - line.values.LineLeft;
+    LayoutTable& columns = line.columns;
+    const NoteRecord& last = columns[line.k];
+    int& unit = line.UnitSpacing;
+    line.Attempt([&] { unit = IntegerDivide(lineWidth, last.Reserved); });
+    unit = std::min(unit, kWidestUnit);
+    line.Attempt([&] { columns[1].XPos = line.values.LineLeft + 120; });
+    for (int n = 2; n <= line.k; ++n)
+        line.Attempt([&] { columns[n].XPos = columns[n - 1].XPos + unit * columns[n - 1].Spacing; });
+
+    // A tune of one line, and a line that ends in a long rest, have a staff that ends there. The
+    // column count is compared with the record's index on purpose: it is equal in a one-line tune.
+    if (last.XPos < kNearLineEnd && line.k == tune.LastNote)
+        line.Attempt([&] { line.LineRight = last.XPos + 6 * unit; });
+    if ((last.NoteCode == 92 || last.NoteCode == 93) && last.XPos < kNearLineEnd)
+        line.Attempt([&] { line.LineRight = last.XPos + 12 * unit; });
+}
+
+void PageFormatter::FinishLine(int lastRecord)
+{
+    line.PenY = line.LineBottom + line.values.LineDistance;
+    line.surface->PrintLine(line.columns[line.k + 1].Slot(6));
+    line.columns[0].Beats = tune[lastRecord].Beats;
+    line.columns[0].BeatUnit = tune[lastRecord].BeatUnit;
+    const double pageLimit = line.surface->Height - (tune.NumStrings == 6 ? 3140 : 2840);
+    if (line.PenY > pageLimit) {
+        line.LineBottom = 0;
+        line.PenY = line.values.TitleY;
+        line.surface = &beginPage();
+    }
+}
+
+std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageView& pages)
 {
     pages.BlankPages();
-    return std::nullopt;
+    Int16 pageIndex;
+    const auto begin = [&](int index) -> DrawSurface& {
+        DrawSurface& surface = pages.Page(index).Surface;
+        surface.Font = {page.BodyFontName, page.BodyFontSize, false};
+        surface.DrawWidth = 1;
+        surface.DrawStyle = PenStyle::Solid;
+        surface.DrawMode = PenMode::Plain;
+        return surface;
+    };
+    DrawSurface& first = begin(0);
+    LayoutValues values;
+    values.LineLeft = 400;
+    values.LineRight = Round(first.Width - 800);
+    values.TitleY = 600;
+    PageFormatter formatter(tune, page, values, first, [&]() -> DrawSurface& {
+        ++pageIndex;
+        pages.PageMax = pageIndex;
+        return begin(pageIndex);
+    });
+    return formatter.Run();
 }
 
 }  // namespace quillon

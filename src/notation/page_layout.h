@@ -1,17 +1,61 @@
-// The page formatter: the whole tune laid out on the page surfaces.
+// The page formatter: the whole tune laid out line by line, on the page surfaces or on paper.
+//
+// A line takes as many whole measures as fit, is spread, and is drawn in two passes (line
+// furniture, note columns). Nothing of it is kept: every run starts from the note table again.
+// Screen and printer run the same code; all that they do differently stands in LayoutValues.
+// Lengths are twips unless said otherwise.
 
 #pragma once
 
+#include "notation/note_columns.h"
+#include "notation/page_line.h"
 #include "notation/page_view.h"
-#include "store/page_settings.h"
-#include "store/tune.h"
 
+#include <functional>
 #include <optional>
 
 namespace quillon {
 
-/// Draws the tune on the page surfaces. Returns the number of a measure that is too wide for a
-/// line, at which the run stopped; what was drawn before it stays.
+class PageFormatter {
+public:
+    /// Starts on `firstPage`, in the body font. `beginPage` gives the surface of each further page.
+    PageFormatter(const Tune& theTune, const PageSettings& pageSettings,
+                  const LayoutValues& layoutValues, DrawSurface& firstPage,
+                  std::function<DrawSurface&()> beginFurtherPage);
+
+    /// Returns the number of a measure that is too wide for a line, at which the run stopped.
+    std::optional<int> Run();
+
+private:
+    void DrawHeading();
+    void PrintTitle();
+    void PrintCredits();
+    void UseBodyFont();
+
+    void BuildLine(int firstRecord);
+    void CopyRecords(int firstRecord);
+    void SetWidth(NoteRecord& column);
+    void MakeRoomForChords();
+    void SpreadChordText(int n);
+    void CutMeasureAtTablesEnd();
+    void MakeRoomForSignatures();
+    void MoveBars();
+    void CutToCapacity();
+    void SetPlainBars();
+    void SpreadLine();
+    void FinishLine(int lastRecord);
+    void Widen(NoteRecord& column, int units);
+
+    const Tune& tune;
+    const PageSettings& page;
+    const std::function<DrawSurface&()> beginPage;
+    PageLine line;
+    NoteColumns noteColumns;
+};
+
+/// Draws the tune on the page surfaces and sets PageMax when a page is added. Returns the number of
+/// a measure that is too wide for a line, at which the run stopped; what was drawn before it stays.
+/// A tenth page is a control-array Fault.
 std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageView& pages);
 
 }  // namespace quillon

@@ -1,5 +1,7 @@
 #include "notation/page_view.h"
 
+#include <algorithm>
+
 namespace quillon {
 
 PageView::PageView(MainForm& mainForm, const TextMetrics& metrics)
@@ -14,16 +16,95 @@ PageSurface& PageView::Page(int index)
     return picPage1[static_cast<std::size_t>(index)];
 }
 
+void PageView::SizePages(double height)
+{
+    mainWinHeight = height;
+    PicPageHeight = VsbPageHeight = height / 2;
+    VsbPageMax = Round(kPageHeight - PicPageHeight / 2);
+}
+
 void PageView::mnuLargeview()
 {
     LargeView = true;
+    PicPageHeight = VsbPageHeight = mainWinHeight - 700;
     form.ToolsVisible = false;
 }
 
+// The scroll bar keeps its height: after a large view it is longer than the window on the pages.
 void PageView::mnuSmallView()
 {
     LargeView = false;
+    PicPageHeight = mainWinHeight / 2;
     form.ToolsVisible = true;
+}
+
+void PageView::mnuPgDown()
+{
+    Page(ShownPage).Visible = false;
+    ++ShownPage;
+    if (ShownPage > PageMax)
+        ShownPage = 0;
+    Page(ShownPage).Visible = true;
+    vsbPage = 0;
+    vsbPageChange();
+}
+
+void PageView::vsbPageChange()
+{
+    Page(ShownPage).Top = -vsbPage;
+}
+
+/// In invert mode: drawn once more, the marquee is gone.
+void PageView::DrawMarquee(int index)
+{
+    Page(index).Surface.Box(MarqueeX1, MarqueeY1, MarqueeX2, MarqueeY2);
+}
+
+// A marquee that was drawn before the page was laid out anew is "taken off" all the same, and so
+// leaves a box there.
+void PageView::picPage1MouseDown(int index, double x, double y)
+{
+    ShownPage = index;
+    DrawSurface& surface = Page(index).Surface;
+    surface.DrawMode = PenMode::Invert;
+    surface.DrawStyle = PenStyle::Dotted;
+    surface.FillSolid = false;
+    if (MarqueeOn)
+        DrawMarquee(index);
+    MarqueeOn = -1;
+    MarqueeX1 = MarqueeX2 = x;
+    MarqueeY1 = Round(y);
+    MarqueeY2 = y;
+}
+
+void PageView::picPage1MouseMove(int index, double x, double y, bool buttonHeld)
+{
+    if (!buttonHeld || !MarqueeOn)
+        return;
+    DrawMarquee(index);
+    MarqueeX2 = x;
+    MarqueeY2 = y;
+    DrawMarquee(index);
+}
+
+void PageView::picPage1MouseUp(int index)
+{
+    DrawSurface& surface = Page(index).Surface;
+    surface.DrawStyle = PenStyle::Solid;
+    surface.DrawMode = PenMode::Plain;
+}
+
+void PageView::mnuClipbrd(Clipboard& clipboard)
+{
+    const double x1 = MarqueeX1 / clipboard.TwipsPerPixelX();
+    const double y1 = MarqueeY1 / clipboard.TwipsPerPixelY();
+    const double w = MarqueeX2 / clipboard.TwipsPerPixelX() - x1;
+    const double h = MarqueeY2 / clipboard.TwipsPerPixelY() - y1;
+    if (w < 0 || h < 0)
+        throw Fault(Error::InvalidPropertyValue);
+    // One pixel keeps the dotted border out, on the left and on top.
+    clipboard.SetPicture(Page(ShownPage).Surface.Picture(), x1 + 1, y1 + 1, std::max(w - 1, 0.0),
+                         std::max(h - 1, 0.0));
 }
 
 void PageView::BlankPages()

@@ -1,10 +1,12 @@
 // The page view: nine page surfaces of which one is shown, scrolled in a window on them.
 //
-// All lengths are twips. A page keeps its drawing while hidden.
+// A rectangle dragged on a page, the marquee, marks what mnuClipbrd copies. All lengths are twips.
+// A page keeps its drawing while hidden.
 
 #pragma once
 
 #include "notation/draw_surface.h"
+#include "platform/clipboard.h"
 #include "store/main_form.h"
 #include "store/numbers.h"
 
@@ -31,14 +33,37 @@ public:
     Int16 ShownPage;                    // in view, or touched by the mouse last
     Int16 PageMax;                      // highest page that the formatter reached
     Int16 MarqueeOn;                    // -1 while a marquee stands on the page, else 0
-    int vsbPage = 0;                    // scroll bar, twips
+    double MarqueeX1 = 0;               // where the drag began
+    Int16 MarqueeY1;                    // rounded
+    double MarqueeX2 = 0;               // the moving corner
+    double MarqueeY2 = 0;
+    int vsbPage = 0;  // scroll bar, 0 to VsbPageMax
+    int VsbPageMax = 0;
+    double VsbPageHeight = 0;
+    double PicPageHeight = 0;  // the window on the pages
     bool LargeView = false;
 
     /// Element 0..8. Any other index is a control-array Fault.
     PageSurface& Page(int index);
 
+    /// Start-up: the small view in a main form of this height.
+    void SizePages(double mainWinHeight);
+
     void mnuLargeview();
     void mnuSmallView();
+    void mnuPgDown();
+
+    /// The scroll bar's value has changed: only the shown page moves.
+    void vsbPageChange();
+
+    // The mouse on page `index`, at a place in twips of the page.
+    void picPage1MouseDown(int index, double x, double y);
+    void picPage1MouseMove(int index, double x, double y, bool buttonHeld);
+    void picPage1MouseUp(int index);
+
+    /// Copies what the marquee marks, without its border. A marquee that was dragged to the left
+    /// or upwards is an invalid-property-value Fault.
+    void mnuClipbrd(Clipboard& clipboard);
 
     /// Hides and clears elements 0 to 5, shows element 0.
     void BlankPages();
@@ -47,7 +72,10 @@ public:
     void ResetCounters();
 
 private:
+    void DrawMarquee(int index);
+
     MainForm& form;
+    double mainWinHeight = 0;
 };
 
 }  // namespace quillon

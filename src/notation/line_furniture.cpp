@@ -1,0 +1,224 @@
+#include "notation/line_furniture.h"
+
+#include "notation/signs.h"
+
+#include <utility>
+
+namespace quillon {
+
+namespace {
+
+struct PageSign {
+    std::string_view code;
+    const char* text;
+    bool glyph;
+};
+
+// "81" and "82" have no row: they take up the top row and print nothing.
+constexpr PageSign kPageSigns[] = {
+    {kSign,     "$",            true },
+    {kCoda,     "@",            true },
+    {kDsAlFine, "D.S. Al Fine", false},
+    {kDsAlCoda, "D.S. Al Coda", false},
+    {kDcAlFine, "D.C. Al Fine", false},
+    {kDcAlCoda, "D.C. Al Coda", false},
+    {kFine,     "Fine",         false},
+};
+
+/// The size of time signatures beside a body font; 0 if it has none of its own.
+int SignatureSize(float bodySize)
+{
+    return bodySize == 8 ? 12 : bodySize == 10 ? 16 : bodySize == 12 ? 18 : 0;
+}
+
+}  // namespace
+
+void LineFurniture::Draw()
+{
+    line.RightHandInLine = false;
+    for (int n = 1; n <= line.k; ++n) {
+        if (IsHandMark(columns[n].RightHand))
+            line.RightHandInLine = true;
+        if (columns[n].IsHead())
+            DrawAboveMeasure(n);
+    }
+    PrintChords();
+    DrawStaff();
+    for (int n = 1; n <= line.k; ++n) {
+        if (line.SignatureChangesAt(n))
+            PrintSignature(n);
+        if (n == 1 && columns[n].BarCode.empty())
+            DrawLeftEdge();
+        DrawBar(n);
+    }
+}
+
+void LineFurniture::DrawAboveMeasure(int n)
+{
+    const NoteRecord& head = columns[n];
+    if (!head.Slot(2).empty()) {
+        NeedTopRow();
+        DrawRepeatBracket(n);
+    }
+    if (!head.Slot(1).empty()) {
+        NeedTopRow();
+        line.Attempt([&] { PrintSign(n); });
+    }
+    if (!head.Slot(3).empty()) {
+        NeedTopRow();
+        line.Attempt([&] { PrintRemark(n); });
+    }
+}
+
+/// A line has one top row, however many items stand in it.
+void LineFurniture::NeedTopRow()
+{
+    if (TopRowUsed)
+        return;
+    RowTop = line.PenY;
+    line.PenY += 3 * values.StringGap;
+    TopRowUsed = true;
+}
+
+/// The bracket ends at the first bar sign, be it that of its own head, or at the line's end.
+void LineFurniture::DrawRepeatBracket(int n)
+{
+    const int start = columns[n].XPos;
+    int j = n;
+    while (columns[j].BarCode < kPlainBar && j < line.k)
+        ++j;
+    const int end = j == line.k ? line.LineRight : columns[j].XPos;
+    surface.Line(start, line.PenY - 40, start, RowTop);
+    surface.Line(start, RowTop, end, RowTop);
+    surface.PrintLineAt(start + 40, line.PenY - 3 * values.StringGap, columns[n].Slot(2));
+}
+
+void LineFurniture::PrintSign(int n)
+{
+    surface.CurrentY = RowTop;
+    for (const PageSign& sign : kPageSigns) {
+        if (sign.code != columns[n].Slot(1))
+            continue;
+        if (sign.glyph) {
+            surface.CurrentX = columns[n + 1].XPos - 2 * line.UnitSpacing;
+            line.PrintSymbol(sign.text);
+        } else {
+            PrintAtMeasureEnd(n, sign.text);
+        }
+    }
+}
+
+void LineFurniture::PrintRemark(int n)
+{
+    const std::string& remark = columns[n].Slot(3);
+    surface.CurrentY = RowTop;
+    if (remark.front() == '/') {
+        PrintAtMeasureEnd(n, remark.substr(1));
+    } else {
+        surface.CurrentX = columns[n + 1].XPos;
+        surface.PrintLine(remark);
+    }
+}
+
+/// Sets a text to end behind the measure's last column, by its width in the main form's own font.
+void LineFurniture::PrintAtMeasureEnd(int n, const std::string& text)
+{
+    int w = n;
+    while (columns[w + 1].Measure == columns[n].Measure)
+        ++w;
+    const Typeface font =
+        std::exchange(surface.Font, {line.page.FormFontName, kFormFontSize, false});
+    const double width = surface.TextWidth(text);
+    surface.Font = font;
+    surface.CurrentX = columns[w].XPos + 2 * line.UnitSpacing - width;
+    surface.PrintLine(text);
+}
+
+void LineFurniture::PrintChords()
+{
+    bool ChordRowUsed = false;
+    for (int n = 1; n <= line.k; ++n) {
+        const NoteRecord& column = columns[n];
+        if (column.ChordText.empty())
+            continue;
+        const double y = TopRowUsed ? line.PenY - 2 * values.StringGap : line.PenY;
+        surface.PrintLineAt(column.XPos, y, column.ChordText);
+        if (!TopRowUsed)
+            ChordRowUsed = true;
+    }
+    if (ChordRowUsed)
+        line.PenY += 2 * values.StringGap;
+    else if (!TopRowUsed)
+        line.PenY += values.StringGap;
+}
+
+void LineFurniture::DrawStaff()
+{
+    surface.DrawWidth = values.Pens.Staff;
+    for (int s = 1; s <= line.tune.NumStrings; ++s)
+        surface.Line(values.LineLeft, line.StringY(s), line.LineRight, line.StringY(s));
+}
+
+void LineFurniture::PrintSignature(int n)
+{
+    const NoteRecord& column = columns[n];
+    const bool behindBar = column.BarCode == kRepeatStart;
+    const int x = n == 1 ? values.LineLeft + (behindBar ? line.UnitSpacing : 50)
+                         : column.XPos + (behindBar ? line.UnitSpacing : 0);
+    const int gap = 2 * values.StringGap - (line.tune.NumStrings == 4 ? 100 : 0);
+    if (const int size = SignatureSize(line.page.BodyFontSize))
+        surface.Font.Size = size;
+    surface.PrintLineAt(x, line.PenY, PrintedInteger(column.Beats));
+    surface.PrintLineAt(x, line.PenY + gap, PrintedInteger(column.BeatUnit));
+    surface.Font.Size = line.page.BodyFontSize;
+}
+
+void LineFurniture::DrawLeftEdge()
+{
+    StaffHighLine(values.LineLeft, values.Pens.Edge);
+}
+
+void LineFurniture::DrawBar(int n)
+{
+    const std::string& bar = columns[n].BarCode;
+    const int ownX = columns[n].XPos;
+    const int nextX = columns[n + 1].XPos;
+    const int atStart = n == 1 ? values.LineLeft : ownX;
+    const int atEnd = n == line.k ? int{line.LineRight} : nextX;
+    if (bar == kPlainBar) {
+        StaffHighLine(atEnd, values.Pens.Edge);
+    } else if (bar == kDoubleBar || bar == kRepeatEnd) {
+        DoubleBar(atEnd, atEnd - 40);
+        if (bar == kRepeatEnd)
+            RepeatDots(atEnd - 90);
+    } else if (bar == kBeginDoubleBar || bar == kRepeatStart) {
+        DoubleBar(atStart, atStart + 40);
+        if (bar == kRepeatStart)
+            RepeatDots(atStart + 90);
+    }
+    surface.DrawWidth = 1;
+}
+
+void LineFurniture::StaffHighLine(double x, int width)
+{
+    surface.DrawWidth = width;
+    surface.Line(x, line.PenY, x, line.StringY(line.tune.NumStrings));
+}
+
+void LineFurniture::DoubleBar(int thickX, int thinX)
+{
+    StaffHighLine(thickX, values.Pens.ThickBar);
+    StaffHighLine(thinX, values.Pens.ThinBar);
+}
+
+void LineFurniture::RepeatDots(int x)
+{
+    const int strings = line.tune.NumStrings;
+    const double upper = strings == 4 ? 0.75 : strings == 5 ? 1.1 : 1.5;
+    const double lower = strings == 4 ? 2.25 : strings == 5 ? 2.75 : 3.5;
+    surface.FillSolid = true;
+    surface.Circle(x, line.PenY + upper * values.StringGap, 30);
+    surface.Circle(x, line.PenY + lower * values.StringGap, 30);
+}
+
+}  // namespace quillon

@@ -1,0 +1,347 @@
+#include "notation/note_columns.h"
+
+#include "notation/signs.h"
+
+#include <algorithm>
+
+namespace quillon {
+
+namespace {
+
+/// Ticks that only have to find the beats of beamed notes: the long ones add nothing.
+int BeamTicks(int noteCode)
+{
+    return noteCode >= 9 && noteCode <= 11 ? 0 : TicksOf(noteCode);
+}
+
+bool IsTripletValue(int noteCode)
+{
+    return noteCode == 1 || noteCode == 3 || noteCode == 6 || noteCode == 94 || noteCode == 96 ||
+           noteCode == 98;
+}
+
+int Length(const std::string& text)
+{
+    return static_cast<int>(text.size());
+}
+
+}  // namespace
+
+void NoteColumns::Draw()
+{
+    TickCount = BeamStartX = Beam2StartX = 0;
+    for (int n = 1; n <= line.k; ++n) {
+        DrawColumn(n);
+        line.LineRight = values.LineRight;
+    }
+}
+
+void NoteColumns::DrawColumn(int n)
+{
+    const NoteRecord& column = columns[n];
+    if (column.IsHead())
+        TickCount = BeamStartX = Beam2StartX = 0;
+    StemString = 0;
+    if (!column.IsHead())
+        for (int s = 1; s <= kStringSlots; ++s)
+            DrawCell(n, s);
+    DrawBlockRest(column);
+    if (column.NoteCode >= 94)
+        PrintRest(column);
+    FindStemEnd();
+    DrawStem(column);
+    StartBeams(column);
+    DrawBeams(n);
+    TickCount += BeamTicks(column.NoteCode);
+    PrintRightHand(column);
+    if (IsTripletValue(column.NoteCode)) {
+        if (TripletCount == 0)
+            line.Attempt([&] { DrawTriplet(n); });
+        ++TripletCount;
+    } else {
+        TripletCount = 0;
+    }
+    PrintLeftHand(column);
+    if (TripletCount == 3)
+        TripletCount = 0;
+}
+
+void NoteColumns::UseBodyFont()
+{
+    Surface().Font.Name = line.page.BodyFontName;
+    Surface().Font.Size = line.page.BodyFontSize;
+}
+
+void NoteColumns::DrawCell(int n, int s)
+{
+    Surface().CurrentX = columns[n].XPos;
+    Surface().CurrentY = FretY(s);
+    const std::string& text = columns[n].Slot(s);
+    if (text.empty())
+        return;
+    StemString = s;
+    if (text == "/")
+        DrawSlash(s);
+    else
+        DrawFret(n, s);
+}
+
+/// A rhythm slash leaves the string's tie as it is. Where a notation font of another size than was
+/// asked for is in force, it stands lower.
+void NoteColumns::DrawSlash(int s)
+{
+    Surface().Font.Name = kTabFont;
+    const bool small = Surface().Font.Size == line.page.BodyFontSize - 2;
+    Surface().CurrentY = FretY(s) - (small ? 40 : 100);
+    line.PrintSymbol("/");
+}
+
+void NoteColumns::DrawFret(int n, int s)
+{
+    const NoteRecord& column = columns[n];
+    const std::string& text = column.Slot(s);
+    bool& carry = TieCarry[static_cast<std::size_t>(s)];
+    if (carry)
+        DrawTieIn(n, s);
+    const bool tie = text.find('^') != std::string::npos;
+    carry = tie && n == line.k;
+    const char mark = text.find('<') != std::string::npos ? '<' : '>';
+    const std::size_t slide = text.find(mark);
+    const bool isSlide = slide != std::string::npos;
+
+    // The mark is expected last: wherever it stands, the last character goes.
+    std::string shown = text;
+    if (tie || isSlide)
+        shown.pop_back();
+    const bool isLong = column.NoteCode >= 9;
+    if (isLong)
+        shown = "[" + shown + "]";
+    PrintFret(shown, !isLong);
+    if ((column.BeamCode >= 6 && column.BeamCode <= 8) || column.NoteCode == 10)
+        DrawDot(n, shown);
+    if (isSlide)
+        PrintSlide(n, s, mark, slide);
+    if (tie)
+        DrawTie(n, s, shown);
+}
+
+void NoteColumns::DrawTieIn(int n, int s)
+{
+    const int x = columns[n].XPos;
+    Surface().DrawWidth = values.Pens.TieIn;
+    Surface().Arc(values.LineLeft, line.StringY(s), x - values.LineLeft, 0, 1.5, 0.25);
+    Surface().DrawWidth = 1;
+    Surface().CurrentX = x;
+    Surface().CurrentY = FretY(s);
+}
+
+/// A connection between two frets is a glyph, raised above the line; in brackets it stays text.
+void NoteColumns::PrintFret(const std::string& text, bool connected)
+{
+    std::size_t mark = text.find('-');
+    const int raise = mark != std::string::npos ? 70 : 80;
+    if (mark == std::string::npos)
+        mark = text.find('=');
+    if (!connected || mark == std::string::npos) {
+        Surface().PrintLine(text);
+        return;
+    }
+    Surface().Print(text.substr(0, mark));
+    Surface().Font.Name = kTabFont;
+    const double y = Surface().CurrentY;
+    Surface().CurrentY = y - raise;
+    Surface().Print(text.substr(mark, 1));
+    Surface().Font.Name = line.page.BodyFontName;
+    Surface().CurrentY = y;
+    Surface().PrintLine(text.substr(mark + 1));
+}
+
+/// Beside the text, half a line gap above the text line that follows it.
+void NoteColumns::DrawDot(int n, const std::string& text)
+{
+    const double x = columns[n].XPos + Surface().TextWidth(text) +
+                     IntegerDivide(Surface().TextWidth("5"), 2);
+    Surface().FillSolid = true;
+    Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), 20);
+}
+
+void NoteColumns::PrintSlide(int n, int s, char mark, std::size_t place)
+{
+    Surface().CurrentX = columns[n].XPos + values.CharUnit * static_cast<int>(place);
+    Surface().Font.Size = line.page.BodyFontSize - 2;
+    Surface().CurrentY = mark == '<' ? FretY(s) : FretY(s) - 200;
+    line.PrintSymbol({&mark, 1});
+    UseBodyFont();
+}
+
+/// To the next note, over a bar if one is between them, or open to the line's end.
+void NoteColumns::DrawTie(int n, int s, const std::string& text)
+{
+    const bool atLineEnd = n == line.k;
+    const int x = columns[n].XPos;
+    const int width = values.CharUnit * Length(text);
+    int span = line.LineRight - x + width;
+    if (!atLineEnd)
+        span = columns[columns[n + 1].IsHead() ? n + 2 : n + 1].XPos - x;
+    const int radius = IntegerDivide(span - width, 2) - values.TieInset;
+    Surface().DrawWidth = values.Pens.Tie;
+    Surface().Arc(x + width + radius + values.TieShift, line.StringY(s), radius,
+                  atLineEnd ? 1 : 0, atLineEnd ? 3 : 3.25, 0.5);
+    Surface().DrawWidth = 1;
+}
+
+void NoteColumns::DrawBlockRest(const NoteRecord& column)
+{
+    if (column.NoteCode != 92 && column.NoteCode != 93)
+        return;
+    const bool whole = column.NoteCode == 93;
+    const int x = column.XPos + (whole ? 4 * line.UnitSpacing : 0);
+    const double y = line.PenY + (whole ? values.StringGap + 40 : 2 * values.StringGap - 30);
+    Surface().DrawWidth = values.Pens.BlockRest;
+    Surface().Line(x, y, x + 1.5 * line.UnitSpacing, y);
+    Surface().DrawWidth = 1;
+}
+
+/// Heads and unknown codes come here too, and only move the cursor.
+void NoteColumns::PrintRest(const NoteRecord& column)
+{
+    const int code = column.NoteCode;
+    Surface().CurrentX = column.XPos;
+    Surface().CurrentY = line.PenY + (line.tune.NumStrings < 5 ? 0 : 140);
+    Surface().Font.Size = line.page.BodyFontSize + 2;
+    if (code <= 99)
+        line.PrintSymbol(code <= 95 ? kSixteenthRest : code <= 97 ? kEighthRest : kQuarterRest);
+    UseBodyFont();
+}
+
+void NoteColumns::FindStemEnd()
+{
+    StemEnd = line.StringY(line.tune.NumStrings + 1) +
+              (line.RightHandInLine ? 2 * values.StringGap : values.StringGap / 2.0);
+    LineReaches(StemEnd + values.StringGap);
+}
+
+void NoteColumns::LineReaches(double y)
+{
+    line.LineBottom = std::max(line.LineBottom, y);
+}
+
+void NoteColumns::DrawStem(const NoteRecord& column)
+{
+    if (column.NoteCode >= 11 || StemString == 0)
+        return;
+    StemX = column.XPos + 40;
+    Surface().Line(StemX, line.StringY(StemString + 1) - 100, StemX, StemEnd);
+}
+
+void NoteColumns::StartBeams(const NoteRecord& column)
+{
+    const int code = column.NoteCode;
+    const int beat = column.BeatUnit == 4 ? 12 : 18;
+    if (TickCount % beat == 0 || code == 99)
+        BeamStartX = Beam2StartX = 0;
+    if (code < 6 && BeamStartX == 0)
+        BeamStartX = column.XPos;
+    if (code < 3 && (Beam2StartX == 0 || column.BeamCode > 2))
+        Beam2StartX = column.XPos;
+}
+
+void NoteColumns::DrawBeams(int n)
+{
+    const NoteRecord& column = columns[n];
+    switch (column.BeamCode) {
+    case 1:
+        PrintFlag(column, kSixteenthFlag);
+        break;
+    case 2:
+        MainBeam();
+        BeamToStem(Beam2StartX + 39, StemEnd - 50);
+        break;
+    case 3:
+        MainBeam();
+        BeamToStem(StemX - IntegerDivide(StemX - (columns[n - 1].XPos + 39), 2), StemEnd - 50);
+        break;
+    case 4:
+    case 8:
+        PrintFlag(column, kEighthFlag);
+        break;
+    case 5:
+    case 6:
+        MainBeam();
+        break;
+    case 9:
+        ForwardStub(n);
+        break;
+    case 10:
+        MainBeam();
+        ForwardStub(n);
+        break;
+    default:
+        break;
+    }
+}
+
+void NoteColumns::PrintFlag(const NoteRecord& column, std::string_view glyph)
+{
+    Surface().CurrentX = column.XPos + 40;
+    Surface().CurrentY = StemEnd - values.StringGap - 140;
+    line.PrintSymbol(glyph);
+}
+
+void NoteColumns::MainBeam()
+{
+    BeamToStem(BeamStartX + 39, StemEnd);
+}
+
+void NoteColumns::BeamToStem(int x, double y)
+{
+    Surface().DrawWidth = values.Pens.Beam;
+    Surface().Line(x, y, StemX, y);
+    Surface().DrawWidth = 1;
+}
+
+void NoteColumns::ForwardStub(int n)
+{
+    const int half = IntegerDivide(columns[n + 1].XPos - StemX, 2);
+    Surface().DrawWidth = values.Pens.ForwardStub;
+    Surface().Line(StemX, StemEnd - 80, StemX + half, StemEnd - 80);
+    Surface().DrawWidth = 1;
+}
+
+/// In the room under the lowest string.
+void NoteColumns::PrintRightHand(const NoteRecord& column)
+{
+    if (IsHandMark(column.RightHand))
+        Surface().PrintLineAt(column.XPos + 60, StemEnd - 3 * values.StringGap,
+                              {&column.RightHand, 1});
+}
+
+/// The bracket of the group that column n opens. Where the line ends before the group does, the
+/// bracket runs back to the left, as the free column's x is 0.
+void NoteColumns::DrawTriplet(int n)
+{
+    const int start = columns[n].XPos;
+    const int third = columns[n + 2].XPos;
+    const double middle = start + (third - start) / 2.0;
+    const int end = third + 120;
+    const double top = StemEnd + 10;
+    const double bottom = StemEnd + 100;
+    Surface().Line(start, top, start, bottom);
+    Surface().Line(start, bottom, middle, bottom);
+    Surface().Line(middle + 120, bottom, end, bottom);
+    Surface().Line(end, top, end, bottom);
+    Surface().PrintLineAt(middle, StemEnd - 10, "3");
+    LineReaches(StemEnd - 10);
+}
+
+/// Under the stem, or under the bracket of a triplet.
+void NoteColumns::PrintLeftHand(const NoteRecord& column)
+{
+    if (!IsHandMark(column.LeftHand))
+        return;
+    const double y = StemEnd + (TripletCount > 0 ? 140 : 20);
+    LineReaches(y);
+    Surface().PrintLineAt(column.XPos + 1, y, {&column.LeftHand, 1});
+}
+
+}  // namespace quillon

@@ -1,0 +1,78 @@
+#include "notation/print_pass.h"
+
+namespace quillon {
+
+namespace {
+
+/// The file's name without its folder.
+std::string JobName(const Tune& tune)
+{
+    return tune.FileName.substr(tune.FileName.find_last_of('/') + 1);
+}
+
+LayoutValues PrinterValues(PageSettings& page, double width)
+{
+    LayoutValues values;
+    values.LineLeft = Round(double{page.PageLeft} * kTwipsPerInch - 360);
+    values.LineRight = Round(width - double{page.PageRight} * kTwipsPerInch);
+    values.TitleY = Round(double{page.PageTop} * kTwipsPerInch);
+    if (page.BodyFontSize != 8 && page.BodyFontSize != 10)
+        page.BodyFontSize = 12;
+    const bool small = page.BodyFontSize == 8;
+    const bool middle = page.BodyFontSize == 10;
+    values.StringGap = small ? 140 : middle ? 165 : 185;
+    values.CharUnit = small ? 80 : middle ? 100 : 120;
+    values.LineDistance = double{page.StaveSpace} * kTwipsPerInch;
+    values.HeadingGap = 3 * values.StringGap;
+    values.Pens = kPrinterPens;
+    values.TieInset = 0;
+    values.TieShift = 0;
+    values.CenterTitle = page.TitleCentered;
+    values.SpreadChords = true;
+    values.TwelveBeatsRoom = 2;
+    values.SkipFaults = true;
+    return values;
+}
+
+}  // namespace
+
+PrintedTune RunPrintPass(const Tune& tune, PageSettings& page, const TextMetrics& metrics,
+                         double width, double height)
+{
+    PrintedTune printed;
+    DrawSurface paper(metrics, kTwips, width, height);
+    paper.FillSolid = true;
+    PageFormatter formatter(tune, page, PrinterValues(page, width), paper, [&]() -> DrawSurface& {
+        printed.Pages.push_back(paper.TakePicture());
+        paper.CurrentX = 0;
+        paper.CurrentY = 0;
+        paper.PrintLine(" ");
+        return paper;
+    });
+    printed.TooWideMeasure = formatter.Run();
+    printed.Pages.push_back(paper.TakePicture());
+    return printed;
+}
+
+std::optional<int> PrintTune(const Tune& tune, PageSettings& page, const TextMetrics& metrics,
+                             Printer& printer)
+{
+    std::optional<int> tooWideMeasure;
+    try {
+        const std::optional<int> copies = printer.ShowDialog();
+        if (!copies)
+            return std::nullopt;
+        for (int copy = 0; copy < *copies; ++copy) {
+            const PrintedTune printed =
+                RunPrintPass(tune, page, metrics, printer.Width(), printer.Height());
+            printer.Print(printed.Pages, JobName(tune));
+            tooWideMeasure = printed.TooWideMeasure;
+        }
+        printer.SetCopies(1);
+    } catch (const Fault&) {
+        // Whatever fails from the dialog on, the command ends without a word.
+    }
+    return tooWideMeasure;
+}
+
+}  // namespace quillon
