@@ -1,0 +1,298 @@
+#include "midi/performance.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace quillon {
+
+namespace {
+
+constexpr int kProgramChange = 192;  // plus the channel, which is the number of the string
+constexpr int kNoteOn = 144;
+constexpr int kMicrosecondsPerMinute = 60000000;
+constexpr int kLastNoteCode = 90;  // codes above are rests, or nothing that sounds
+
+/// A note or rest lasts quarter note / Divisor * Factor, cut to whole ticks.
+struct Length {
+    int NoteCode;
+    int Divisor;
+    int Factor;
+};
+
+constexpr Length kLengths[] = {
+    {1,  6, 1},
+    {2,  4, 1},
+    {3,  3, 1},
+    {4,  2, 1},
+    {5,  4, 3},
+    {6,  3, 2},
+    {7,  1, 1},
+    {8,  2, 3},
+    {9,  1, 2},
+    {10, 1, 3},
+    {11, 1, 4},
+    {92, 1, 2},
+    {93, 1, 4},
+    {94, 6, 1},
+    {95, 4, 1},
+    {96, 3, 1},
+    {97, 2, 1},
+    {98, 3, 2},
+    {99, 1, 1},
+};
+
+int LengthOf(int noteCode, int beatTicks)
+{
+    for (const Length& length : kLengths)
+        if (length.NoteCode == noteCode)
+            return Floor(1.0 * beatTicks / length.Divisor * length.Factor);
+    return 0;
+}
+
+void AddTicks(int& sum, int ticks)
+{
+    if (sum > std::numeric_limits<int>::max() - ticks)
+        throw Fault(Error::Overflow);
+    sum += ticks;
+}
+
+char Lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool IsText(const std::string& text, std::string_view wanted)
+{
+    return std::ranges::equal(text, wanted, {}, Lower, Lower);
+}
+
+std::string MeasureText(const NoteRecord& record)
+{
+    return "measure " + std::to_string(record.Measure);
+}
+
+}  // namespace
+
+NeverEnding::NeverEnding()
+    : std::runtime_error("The repeats and signs of this tune never come to an end.")
+{
+}
+
+void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
+{
+    writer.BeginFile();
+    writer.WriteTempo(IntegerDivide(kMicrosecondsPerMinute, sound.Tempo));
+    writer.SetDivision(sound.Tempo);
+    Performance performance(tune, sound, writer);
+    try {
+        for (int s = 1; s <= tune.NumStrings; ++s) {
+            performance.TrackString = s;
+            writer.NextTrack();
+            performance.BuildStringTrack();
+        }
+    } catch (const Fault& fault) {
+        if (!fault.Explanation().empty())
+            throw;
+        const NoteRecord& last = tune[std::min<int>(tune.CurNote, kLastRecord)];
+        throw Fault(fault.Number(),
+                    "Measure " + std::to_string(last.Measure) + " cannot be played.");
+    }
+    writer.FinishTracks();
+}
+
+void Performance::BuildStringTrack()
+{
+    writer.WriteEvent(kProgramChange + TrackString, sound.Instrument, 0, 0);
+    way = {};
+    arrivals.clear();
+    RestTicks = 0;
+    NoteTicks = 0;
+    Velocity = 100;
+    int previous = -1;
+    for (tune.CurNote = 0; tune.CurNote <= tune.LastNote;) {
+        NoteArrival(std::exchange(previous, tune.CurNote));
+        if (Record().NoteCode == 0)
+            ++tune.CurNote;  // once; what follows is taken as it is
+        if (Record().IsHead() && !TakeHead())
+            return;
+        TakeRecord();
+        ++tune.CurNote;
+        if (tune.CurNote > tune.LastNote)
+            ReturnFromEnd();
+    }
+}
+
+/// A walk that goes on for ever comes back to some record in a state in which it was there before.
+void Performance::NoteArrival(int previous)
+{
+    if (tune.CurNote <= previous && !arrivals.emplace(tune.CurNote, way).second)
+        throw NeverEnding();
+}
+
+/// The head's steps, in their order; the first of them may move on to another head, or to a record
+/// that is none. They end one record further. False when the performance ends here.
+bool Performance::TakeHead()
+{
+    TakePendingJumps();
+    if (way.FinePending)
+        return false;
+    if (std::exchange(way.CodaPending, false))
+        SkipToCoda();
+    RepeatAgain();
+    if (Record().BarCode == "98" && tune.CurNote > way.RepeatStart) {
+        way.RepeatStart = tune.CurNote;
+        way.EndingNumber = way.PassNumber = 1;
+    }
+    TakeEndings();
+    if (Record().BarCode == "99") {
+        if (way.PassNumber == way.EndingNumber)
+            way.RepeatPending = true;
+        else
+            way.PassNumber = 1;
+    }
+    TakeSign();
+    if (way.CodaMode && IsText(Record().Slot(3), "/To Coda"))
+        way.CodaPending = true;
+    ++tune.CurNote;
+    return true;
+}
+
+void Performance::TakePendingJumps()
+{
+    if (std::exchange(way.DsPending, false))
+        tune.CurNote = way.RepeatStart = way.SegnoHead;
+    if (std::exchange(way.DcPending, false))
+        tune.CurNote = way.RepeatStart = 1;
+}
+
+void Performance::RepeatAgain()
+{
+    if (!std::exchange(way.RepeatPending, false))
+        return;
+    way.PassNumber = Int16(way.PassNumber + 1);
+    tune.CurNote = way.RepeatStart;
+}
+
+/// Passes over an ending that has been played, to the bracket of this pass or a later one.
+void Performance::TakeEndings()
+{
+    const double ending = ValUnsigned(Record().Slot(2));
+    if (ending <= 0 || ending >= way.PassNumber)
+        return;
+    const std::string from = MeasureText(Record());
+    while (ValUnsigned(Record().Slot(2)) < way.PassNumber)
+        if (!NextMeasureHead())
+            throw Fault(Error::SubscriptOutOfRange, "No ending for pass " +
+                                                        std::to_string(way.PassNumber) +
+                                                        " follows " + from + ".");
+    way.PassNumber = way.EndingNumber = Int16(Round(ValUnsigned(Record().Slot(2))));
+}
+
+void Performance::TakeSign()
+{
+    const std::string& sign = Record().Slot(1);
+    const bool ds = sign == "88" || sign == "89";
+    const bool dc = sign == "85" || sign == "86";
+    if (ds || dc) {
+        (ds ? way.DsPending : way.DcPending) = true;
+        (sign == "88" || sign == "85" ? way.CodaMode : way.FineMode) = true;
+        way.EndingNumber = way.PassNumber = 1;
+    } else if (sign == "87") {
+        way.SegnoHead = tune.CurNote;
+    } else if (sign == "83" && way.FineMode) {
+        way.FinePending = true;
+    }
+}
+
+/// Starts after the present head: a Coda that stands on it is missed.
+void Performance::SkipToCoda()
+{
+    const std::string from = MeasureText(Record());
+    do {
+        if (!NextMeasureHead())
+            throw Fault(Error::SubscriptOutOfRange, "No Coda follows " + from + ".");
+    } while (Record().Slot(1) != "84");
+}
+
+/// False when the table ends before another head comes. What stands above LastNote counts too.
+bool Performance::NextMeasureHead()
+{
+    while (tune.CurNote < kLastRecord) {
+        ++tune.CurNote;
+        if (Record().IsHead())
+            return true;
+    }
+    return false;
+}
+
+/// What is pending at the tune's end. Fine and Coda play no part there.
+void Performance::ReturnFromEnd()
+{
+    RepeatAgain();
+    if (tune.CurNote > tune.LastNote && std::exchange(way.DsPending, false))
+        tune.CurNote = way.RepeatStart = way.SegnoHead;
+    if (tune.CurNote > tune.LastNote && std::exchange(way.DcPending, false))
+        tune.CurNote = way.RepeatStart = 1;
+}
+
+void Performance::TakeRecord()
+{
+    const int code = Record().NoteCode;
+    if (code > kLastNoteCode || Cell(tune.CurNote).empty())
+        AddTicks(RestTicks, LengthOf(code, sound.Tempo));
+    else
+        PlayCell();
+}
+
+void Performance::PlayCell()
+{
+    const std::string& cell = Cell(tune.CurNote);
+    bool tied = false;
+    bool slurNext = false;
+    if (cell.find('^') != std::string::npos) {
+        // The next record is asked whatever it is, a head too: over a bar line most ties are slurs.
+        tied = ValUnsigned(Cell(tune.CurNote + 1)) == ValUnsigned(cell);
+        slurNext = !tied;
+    }
+    std::size_t separator = cell.find('-');
+    if (separator == std::string::npos)
+        separator = cell.find('=');
+    const bool twoNotes = separator != std::string::npos && separator + 1 < cell.size();
+
+    Int16 pitch = PitchOf(cell);
+    // The banjo's short string starts at its fifth fret, and its frets count as the neck's.
+    if (tune.NumStrings == 5 && TrackString == 5 && ValUnsigned(cell) > 5)
+        pitch -= 5;
+    if (!tied && pitch > 0) {
+        WriteNote(pitch, Velocity, RestTicks);
+        RestTicks = 0;
+    }
+    AddTicks(NoteTicks, LengthOf(Record().NoteCode, sound.Tempo));
+    if (twoNotes) {
+        NoteTicks = Round(NoteTicks / 2.0);
+        WriteNote(pitch, 0, NoteTicks);
+        pitch = PitchOf(std::string_view(cell).substr(separator + 1));
+        WriteNote(pitch, Floor(Velocity / 3.0 * 2), 0);
+        RestTicks = 0;
+    }
+    if (!tied) {
+        if (pitch > 0)
+            WriteNote(pitch, 0, NoteTicks);
+        NoteTicks = 0;
+    }
+    Velocity = slurNext ? Velocity / 2 : 100;
+}
+
+Int16 Performance::PitchOf(std::string_view text) const
+{
+    return Round(ValUnsigned(text) + sound.OpenPitch.at(static_cast<std::size_t>(TrackString - 1)));
+}
+
+/// Velocity 0 ends the note.
+void Performance::WriteNote(int pitch, int velocity, int delta)
+{
+    writer.WriteEvent(kNoteOn + TrackString, pitch, velocity, delta);
+}
+
+}  // namespace quillon

@@ -1,0 +1,93 @@
+// The performance builder: walks the tune as a musician reads it, once for each string, and makes
+// a track of what that string plays.
+//
+// The walk follows repeats, numbered endings and the D.S., D.C., Coda and Fine signs. Where it
+// goes depends on head records alone, so all strings make the same journey. Times are in ticks,
+// of which a quarter note has as many as there are beats to the minute.
+
+#pragma once
+
+#include "midi/midi_file_writer.h"
+#include "midi/sound.h"
+#include "store/tune.h"
+
+#include <set>
+#include <stdexcept>
+
+namespace quillon {
+
+/// The repeats and signs lead the walk round in a circle.
+class NeverEnding : public std::runtime_error {
+public:
+    NeverEnding();
+};
+
+class Performance {
+public:
+    /// All three must outlive the builder.
+    Performance(Tune& theTune, const Sound& theSound, MidiFileWriter& midiFile)
+        : tune(theTune), sound(theSound), writer(midiFile)
+    {
+    }
+
+    Int16 TrackString;  // string that BuildStringTrack plays, from 1
+
+    /// Writes the events of one string. The tune's CurNote does the walking and stays where the
+    /// walk ended. A search for an ending or a Coda that is not there: a subscript Fault.
+    void BuildStringTrack();
+
+private:
+    /// Everything that decides where the walk goes next, but for its position.
+    struct Journey {
+        int RepeatStart = 1;         // record that a repeat goes back to
+        int SegnoHead = 1;           // head that holds the Sign
+        int PassNumber = 1;          // pass through the present repeat
+        int EndingNumber = 1;        // ending in force
+        bool RepeatPending = false;  // what is pending happens at the next head
+        bool DsPending = false;
+        bool DcPending = false;
+        bool FinePending = false;
+        bool CodaPending = false;
+        bool FineMode = false;  // Fine ends the performance
+        bool CodaMode = false;  // "/To Coda" jumps
+
+        auto operator<=>(const Journey&) const = default;
+    };
+
+    NoteRecord& Record() { return tune[tune.CurNote]; }
+    const std::string& Cell(int index) const { return tune[index].Slot(TrackString); }
+
+    void NoteArrival(int previous);
+    bool TakeHead();
+    void TakePendingJumps();
+    void RepeatAgain();
+    void TakeEndings();
+    void TakeSign();
+    void SkipToCoda();
+    bool NextMeasureHead();
+    void ReturnFromEnd();
+
+    void TakeRecord();
+    void PlayCell();
+    Int16 PitchOf(std::string_view text) const;
+    void WriteNote(int pitch, int velocity, int delta);
+
+    Tune& tune;
+    const Sound& sound;
+    MidiFileWriter& writer;
+
+    Journey way;
+
+    /// Where the walk went back to, and in which state.
+    std::set<std::pair<int, Journey>> arrivals;
+
+    int RestTicks = 0;   // silence since the track's last event
+    int NoteTicks = 0;   // length of the note being built
+    int Velocity = 100;  // of the next note
+};
+
+/// Makes the whole file in `writer`, all but CloseFile: the tempo track and a track for each
+/// string. A Fault says in its explanation which measure is the matter.
+void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer);
+
+}  // namespace quillon
