@@ -159,8 +159,8 @@ void NoteColumns::PrintFret(const std::string& text, bool connected)
 /// Beside the text, half a line gap above the text line that follows it.
 void NoteColumns::DrawDot(int n, const std::string& text)
 {
-    const double x = columns[n].XPos + Surface().TextWidth(text) +
-                     IntegerDivide(Surface().TextWidth("5"), 2);
+    const double x =
+        columns[n].XPos + Surface().TextWidth(text) + IntegerDivide(Surface().TextWidth("5"), 2);
     Surface().FillSolid = true;
     Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), 20);
 }
@@ -185,8 +185,8 @@ void NoteColumns::DrawTie(int n, int s, const std::string& text)
         span = columns[columns[n + 1].IsHead() ? n + 2 : n + 1].XPos - x;
     const int radius = IntegerDivide(span - width, 2) - values.TieInset;
     Surface().DrawWidth = values.Pens.Tie;
-    Surface().Arc(x + width + radius + values.TieShift, line.StringY(s), radius,
-                  atLineEnd ? 1 : 0, atLineEnd ? 3 : 3.25, 0.5);
+    Surface().Arc(x + width + radius + values.TieShift, line.StringY(s), radius, atLineEnd ? 1 : 0,
+                  atLineEnd ? 3 : 3.25, 0.5);
     Surface().DrawWidth = 1;
 }
 

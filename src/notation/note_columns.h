@@ -64,8 +64,8 @@ private:
     double StemEnd = 0;  // y of the lower end of the stems
 
     // Of the run
-    int StemX = 0;         // of the last stem
-    int TripletCount = 0;  // columns of the present triplet
+    int StemX = 0;                                  // of the last stem
+    int TripletCount = 0;                           // columns of the present triplet
     std::array<bool, kStringSlots + 1> TieCarry{};  // by string: a tie runs over the line's end
 };
 

@@ -55,8 +55,9 @@ bool IsBeginBar(std::string_view barCode)
 PageFormatter::PageFormatter(const Tune& theTune, const PageSettings& pageSettings,
                              const LayoutValues& layoutValues, DrawSurface& firstPage,
                              std::function<DrawSurface&()> beginFurtherPage)
-    : tune(theTune), page(pageSettings), beginPage(std::move(beginFurtherPage)),
-      line{theTune, pageSettings, layoutValues, &firstPage}, noteColumns(line)
+    : tune(theTune), page(pageSettings),
+      beginPage(std::move(beginFurtherPage)), line{theTune, pageSettings, layoutValues, &firstPage},
+      noteColumns(line)
 {
 }
 
@@ -111,8 +112,7 @@ void PageFormatter::PrintCredits()
     DrawSurface& surface = *line.surface;
     const std::string& first = tune[0].Slot(1);
     const std::string& second = tune[0].Slot(2);
-    const double x =
-        line.LineRight - std::max(surface.TextWidth(first), surface.TextWidth(second));
+    const double x = line.LineRight - std::max(surface.TextWidth(first), surface.TextWidth(second));
     if (!first.empty())
         surface.PrintLineAt(x, surface.CurrentY, first);
     if (!second.empty())
@@ -293,7 +293,8 @@ void PageFormatter::SpreadLine()
     unit = std::min(unit, kWidestUnit);
     line.Attempt([&] { columns[1].XPos = line.values.LineLeft + 120; });
     for (int n = 2; n <= line.k; ++n)
-        line.Attempt([&] { columns[n].XPos = columns[n - 1].XPos + unit * columns[n - 1].Spacing; });
+        line.Attempt(
+            [&] { columns[n].XPos = columns[n - 1].XPos + unit * columns[n - 1].Spacing; });
 
     // A tune of one line, and a line that ends in a long rest, have a staff that ends there. The
     // column count is compared with the record's index on purpose: it is equal in a one-line tune.

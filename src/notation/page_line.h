@@ -15,18 +15,16 @@ namespace quillon {
 
 constexpr int kLastColumn = 80;
 
-/// The columns of one line, 1 to 80, as copies of the tune's records; a head is a column too. Slot 0
-/// only bears the time signature in force before the line. Three fields have a meaning of their own:
+/// The columns of one line, 1 to 80, as copies of the tune's records; a head is a column too. Slot
+/// 0 only bears the time signature in force before the line. Three fields have a meaning of their
+/// own:
 ///
 /// XPos      x of the column on the page
 /// Reserved  sum of Spacing up to and including this column
 /// Spacing   width of the column, in width units
 class LayoutTable {
 public:
-    LayoutTable()
-        : columns(kLastColumn + 1)
-    {
-    }
+    LayoutTable() : columns(kLastColumn + 1) {}
 
     /// Slot 0..80. Any other index is a subscript Fault.
     NoteRecord& operator[](int index)
@@ -88,10 +86,10 @@ struct PageLine {
     DrawSurface* surface;  // of the page
 
     LayoutTable columns{};
-    int k = 0;             // the line's last column
+    int k = 0;                           // the line's last column
     Int16 LineRight = values.LineRight;  // of this line's staff
-    int UnitSpacing = 0;   // twips to a width unit
-    double PenY = 0;       // while a line is drawn, its first staff line once the rows above stand
+    int UnitSpacing = 0;                 // twips to a width unit
+    double PenY = 0;        // while a line is drawn, its first staff line once the rows above stand
     double LineBottom = 0;  // the lowest y that a line reached on this page
     bool RightHandInLine = false;
 
@@ -112,8 +110,7 @@ struct PageLine {
     }
 
     /// Runs one operation of a run, which some runs leave out if it fails.
-    template <typename Operation>
-    void Attempt(Operation operation)
+    template <typename Operation> void Attempt(Operation operation)
     {
         try {
             operation();

@@ -15,7 +15,8 @@
 namespace quillon {
 
 constexpr int kPageCount = 9;
-constexpr int kRefreshedPages = 6;  // a refresh hides and clears these; pages 6 to 8 stay as they are
+constexpr int kRefreshedPages =
+    6;  // a refresh hides and clears these; pages 6 to 8 stay as they are
 constexpr double kPageWidth = 12240;   // 8.5 inches
 constexpr double kPageHeight = 15840;  // 11 inches
 

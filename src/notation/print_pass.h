@@ -15,7 +15,7 @@
 namespace quillon {
 
 struct PrintedTune {
-    std::vector<Drawing> Pages;          // in twips, at least one
+    std::vector<Drawing> Pages;           // in twips, at least one
     std::optional<int> TooWideMeasure{};  // the measure that fits no line, at which the job ended
 };
 

@@ -1,0 +1,59 @@
+// frmPgSetup, "Page Setup": title and credits, the fonts, margins and spacing.
+//
+// Title and credits belong to the tune and go into its header, margins belong to the user and go
+// into the settings, fonts go into both. Nothing here counts as an edit: `Saved` stays, and the
+// pages stay as they are until the next refresh.
+
+#pragma once
+
+#include "shell/main_win.h"
+
+namespace quillon {
+
+/// The form while it is open, made anew each time. Texts of margins are in inches.
+class PageSetup {
+public:
+    enum class Box { Text1, Text2, Text3, cmdPgExit };
+
+    explicit PageSetup(MainWin& mainWin);
+
+    std::string Text1;  // title
+    std::string Text2;  // credits
+    std::string Text3;
+    std::string txtLeft;
+    std::string txtRight;
+    std::string txtTop;
+    std::string txtStaveSpace;
+    bool chkJustify = false;  // never shows the setting that is in force
+    std::string lblTitleFontName;
+    std::string lblTitleFontSize;
+    std::string LblBodyFontName;
+    std::string lblBodyFontSize;
+    Box Focus = Box::Text1;  // as far as this form moves it
+
+    /// The form has become the active one.
+    void Activate();
+
+    /// The Enter key in one of the three text boxes.
+    void Enter();
+
+    /// The box has been ticked or cleared.
+    void chkJustifyChange();
+
+    void cmdTitleFont();
+    void cmdBodyFont();
+
+    /// Stores everything. The caller then closes the form by Unload.
+    void cmdPgExit();
+
+    /// The form goes away, by cmdPgExit or by the system: stores fonts and margins, and gives the
+    /// main form back. Edits of the three texts are dropped unless cmdPgExit ran.
+    void Unload();
+
+private:
+    void ShowFonts();
+
+    MainWin& win;
+};
+
+}  // namespace quillon
