@@ -94,7 +94,7 @@ const std::map<std::string, Setter> kOptions = {
 std::string FormatOf(const std::string& output)
 {
     const std::size_t dot = output.find_last_of("./");
-    const std::string extension =
+    std::string extension =
         dot == std::string::npos || output[dot] == '/' ? "" : output.substr(dot + 1);
     if (extension == "gui" || extension == "bjo" || extension == "bss")
         return "tune";

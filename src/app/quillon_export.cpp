@@ -29,6 +29,10 @@ std::string MakeText(const ExportCommand& command, const std::string& path)
         return tune.MeasureLog();
     if (command.Format == "page-log")
         return tune.PageLog();
+    if (command.Format == "print-log")
+        return tune.PrintLog();
+    if (command.Format == "mid")
+        return tune.MidiFile(command.Options);
     throw ExportError("this program was built without " + command.Format);
 }
 
@@ -54,8 +58,10 @@ bool Try(const ExportCommand& command, const std::string& path, const std::strin
         Export(command, path, output);
         return true;
     } catch (const Fault& fault) {
-        std::cerr << "quillon-export: " << path << ": "
-                  << (fault.Explanation().empty() ? fault.what() : fault.Explanation()) << '\n';
+        std::cerr << "quillon-export: " << path << ": " << fault.what();
+        if (!fault.Explanation().empty())
+            std::cerr << ": " << fault.Explanation();
+        std::cerr << '\n';
     } catch (const std::exception& error) {
         std::cerr << "quillon-export: " << path << ": " << error.what() << '\n';
     }

@@ -1,6 +1,8 @@
 #include "shell/export.h"
 
+#include "midi/sound.h"
 #include "notation/page_layout.h"
+#include "notation/print_pass.h"
 #include "store/tune_file.h"
 
 #include <cstdio>
@@ -31,11 +33,31 @@ int StringsOf(const std::string& path)
     return 6;
 }
 
+void RefuseTooWide(std::optional<int> measure)
+{
+    if (measure)
+        throw ExportError("Measure " + std::to_string(*measure) + " is too wide for a line.");
+}
+
+/// All rows of a tuning file, which stays as it is: unlike the program's own, it is never rebuilt.
+std::vector<TuningRecord> RowsOf(const std::string& path, int numStrings)
+{
+    try {
+        ItemReader reader(ReadFileBytes(path));
+        Tunings tunings;
+        const int count = ReadTunings(reader, numStrings, tunings);
+        tunings.List.resize(static_cast<std::size_t>(count));
+        return tunings.List;
+    } catch (const Fault& fault) {
+        throw ExportError(path + ": " + fault.what());
+    }
+}
+
 }  // namespace
 
 ExportedTune::ExportedTune(const std::string& path, const ExportOptions& options,
-                           const TextMetrics& metrics)
-    : win(platform.get(), metrics)
+                           const TextMetrics& textMetrics)
+    : metrics(textMetrics), win(platform.get(), textMetrics)
 {
     win.tune.NumStrings = options.Strings.value_or(StringsOf(path));
     win.tune.FileName = path;
@@ -102,8 +124,7 @@ std::string ExportedTune::MeasureLog()
 
 int ExportedTune::LayOut()
 {
-    if (const auto measure = LayOutPages(win.tune, win.page, win.pages))
-        throw ExportError("Measure " + std::to_string(*measure) + " is too wide for a line.");
+    RefuseTooWide(LayOutPages(win.tune, win.page, win.pages));
     return win.pages.PageMax + 1;
 }
 
@@ -114,6 +135,37 @@ std::string ExportedTune::PageLog()
     for (int i = 0; i < count; ++i)
         log += "page " + std::to_string(i + 1) + "\n" + win.pages.Page(i).Surface.Picture().Log();
     return log;
+}
+
+std::vector<Drawing> ExportedTune::Print()
+{
+    PrintedTune printed = RunPrintPass(win.tune, win.page, metrics, kPageWidth, kPageHeight);
+    RefuseTooWide(printed.TooWideMeasure);
+    return std::move(printed.Pages);
+}
+
+std::string ExportedTune::PrintLog()
+{
+    std::string log;
+    int number = 0;
+    for (const Drawing& page : Print())
+        log += "page " + std::to_string(++number) + "\n" + page.Log();
+    return log + "end\n";
+}
+
+std::string ExportedTune::MidiFile(const ExportOptions& options)
+{
+    const int numStrings = win.tune.NumStrings;
+    SoundChoices choices;
+    if (options.Tempo)
+        choices.Tempo = HeldTempo(*options.Tempo);
+    choices.Tuning = options.Tuning;
+    choices.Instrument = options.Instrument;
+    choices.Capo = options.Capo.value_or(0);
+    return MidiFileBytes(win.tune,
+                         options.TuningFile.empty() ? DefaultTunings(numStrings)
+                                                    : RowsOf(options.TuningFile, numStrings),
+                         choices);
 }
 
 }  // namespace quillon

@@ -43,7 +43,8 @@ public:
 class ExportedTune {
 public:
     /// An unreadable file or one that is no tune: an ExportError, in the box's own words.
-    ExportedTune(const std::string& path, const ExportOptions& options, const TextMetrics& metrics);
+    ExportedTune(const std::string& path, const ExportOptions& options,
+                 const TextMetrics& textMetrics);
 
     MainWin& Window() { return win; }
 
@@ -55,9 +56,18 @@ public:
     int LayOut();
     std::string PageLog();
 
+    /// The printed pages. A measure that is too wide for a line: an ExportError.
+    std::vector<Drawing> Print();
+    std::string PrintLog();
+
+    /// The bytes of the tune's MIDI file. A tune that cannot be performed: a Fault, or another
+    /// exception that says why.
+    std::string MidiFile(const ExportOptions& options);
+
 private:
     void ApplyOptions(const ExportOptions& options);
 
+    const TextMetrics& metrics;
     ScriptedPlatform platform{""};
     MainWin win;
 };

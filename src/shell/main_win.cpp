@@ -1,6 +1,8 @@
 #include "shell/main_win.h"
 
 #include "notation/page_layout.h"
+#include "notation/print_pass.h"
+#include "shell/page_setup.h"
 #include "store/tune_file.h"
 
 namespace quillon {
@@ -37,11 +39,17 @@ bool SettingIsTrue(const Settings& settings, const std::string& key)
 
 }  // namespace
 
-MainWin::MainWin(const Platform& thePlatform, const TextMetrics& metrics)
-    : platform(thePlatform), view(tune, form, page, metrics), pages(form, metrics),
-      editor(tune, form, view, platform.dialogs, platform.system)
+MainWin::MainWin(const Platform& thePlatform, const TextMetrics& textMetrics)
+    : platform(thePlatform), view(tune, form, page, textMetrics), pages(form, textMetrics),
+      editor(tune, form, view, platform.dialogs, platform.system),
+      frmBldMidi(tune, tunings, platform),
+      frmMidiSetup(page, platform.settings, platform.midiPorts), metrics(textMetrics)
 {
+    for (const TuningFormDesign& design : kTuningForms)
+        tuningForms.emplace_back(design, tunings, platform.system);
 }
+
+MainWin::~MainWin() = default;
 
 std::string MainWin::ProgramFile(const std::string& name) const
 {
@@ -370,35 +378,59 @@ void MainWin::cmdRefresh()
 {
     if (form.InputMode == kInsertMode)
         return;
-    if (const auto measure = LayOutPages(tune, page, pages))
+    ReportTooWide(LayOutPages(tune, page, pages));
+    editor.SetFocus(Control::StaffBox);
+}
+
+void MainWin::ReportTooWide(std::optional<int> measure)
+{
+    if (measure)
         platform.dialogs.Message(
             Icon::Stop, "", "Measure " + std::to_string(*measure) + " is too wide for a line.");
-    editor.SetFocus(Control::StaffBox);
+}
+
+void MainWin::mnuPrint()
+{
+    ReportTooWide(PrintTune(tune, page, metrics, platform.printer));
+    view.RedrawMeasure();
+}
+
+void MainWin::mnuClipbrd()
+{
+    pages.mnuClipbrd(platform.clipboard);
 }
 
 void MainWin::mnuPageSet()
 {
     editor.HideCaret();
     form.FormEnabled = false;
+    frmPgSetup = std::make_unique<PageSetup>(*this);
+    frmPgSetup->Activate();
     platform.system.Show(Form::frmPgSetup);
 }
 
 void MainWin::mnuOpnMidi()
 {
     pages.mnuSmallView();
-    platform.system.Show(Form::frmBldMidi);
+    frmBldMidi.Show();
+    if (frmBldMidi.Loaded)
+        platform.system.Show(Form::frmBldMidi);
 }
 
 void MainWin::mnuSetup()
 {
+    frmMidiSetup.Show();
     platform.system.Show(Form::frmMidiSetup);
 }
 
 void MainWin::mnuTuning()
 {
-    platform.system.Show(tune.NumStrings == 6   ? Form::Guitar
-                         : tune.NumStrings == 5 ? Form::banjo
-                                                : Form::bass);
+    for (TuningForm& tuningForm : tuningForms) {
+        if (tuningForm.design.NumStrings == tune.NumStrings) {
+            tuningForm.Show();
+            platform.system.Show(tuningForm.design.Name);
+        }
+    }
 }
 
 void MainWin::mnuAbout()

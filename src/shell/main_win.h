@@ -5,6 +5,9 @@
 #pragma once
 
 #include "editor/editor.h"
+#include "midi/midi_form.h"
+#include "midi/midi_setup.h"
+#include "midi/tuning_form.h"
 #include "notation/measure_view.h"
 #include "notation/page_view.h"
 #include "platform/platform.h"
@@ -13,13 +16,19 @@
 #include "store/tune.h"
 #include "store/tunings.h"
 
+#include <memory>
+#include <vector>
+
 namespace quillon {
 
 inline constexpr const char* kPrefs = "Prefs";  // settings section
 
+class PageSetup;
+
 class MainWin {
 public:
-    MainWin(const Platform& thePlatform, const TextMetrics& metrics);
+    MainWin(const Platform& thePlatform, const TextMetrics& textMetrics);
+    ~MainWin();
 
     Platform platform;
     Tune tune;
@@ -29,6 +38,12 @@ public:
     MeasureView view;
     PageView pages;
     Editor editor;
+
+    // The forms that it opens. They stand beside it and work on the same tune.
+    MidiForm frmBldMidi;
+    MidiSetup frmMidiSetup;
+    std::vector<TuningForm> tuningForms;    // Guitar, banjo, bass
+    std::unique_ptr<PageSetup> frmPgSetup;  // null while it is not open
 
     /// Start-up. False when the notation font is missing: the box was shown, the program ends.
     bool Load();
@@ -49,7 +64,11 @@ public:
     void mnuSave();
     void mnuSaveAs();
     void mnuPageSet();
+    void mnuPrint();
     void mnuExit();
+
+    // Edit
+    void mnuClipbrd();
 
     // Instrument
     void mnuGuitar();
@@ -80,6 +99,8 @@ public:
     void ShowTune(std::string bytes);
 
 private:
+    const TextMetrics& metrics;
+
     void ReadSettings();
     void ShowStringLines();
     void ResetTuneState(int cursorY);
@@ -89,6 +110,7 @@ private:
     void WriteTuneFile();
     void ChooseInstrument(int numStrings);
     void LoadActiveTuning(bool writeSetting);
+    void ReportTooWide(std::optional<int> measure);
 };
 
 /// The tune as it stands in the table, with what an unfinished insertion or paste has parked, as

@@ -19,14 +19,6 @@ bool CanPaste(const MainWin& win)
     return win.form.mnuPasteEnabled;
 }
 
-/// Entries whose command is still to come.
-bool NotYet(const MainWin&)
-{
-    return false;
-}
-
-void Nothing(MainWin&) {}
-
 // A handler of the main form or of its editor as a table entry.
 template <void (MainWin::*handler)()> void Run(MainWin& win)
 {
@@ -52,8 +44,8 @@ constexpr MenuEntry kFile[] = {
     {"mnuSave",    "&Save",      "", Run<&MainWin::mnuSave>,   CanSave, "Write the tune to its file"},
     {"mnuSaveAs",  "Save &As",   "", Run<&MainWin::mnuSaveAs>, nullptr, "Write the tune to another file"},
     kSeparator,
-    {"mnuPageSet", "Page Setup", "", Nothing,                  NotYet,  "Title, credits, fonts and margins"},
-    {"mnuPrint",   "&Print",     "", Nothing,                  NotYet,  "Print the tune"},
+    {"mnuPageSet", "Page Setup", "", Run<&MainWin::mnuPageSet>, nullptr, "Title, credits, fonts and margins"},
+    {"mnuPrint",   "&Print",     "", Run<&MainWin::mnuPrint>, nullptr, "Print the tune"},
     kSeparator,
     {"mnuExit",    "E&xit",      "", Run<&MainWin::mnuExit>,   nullptr, "End the program"},
 };
@@ -63,7 +55,7 @@ constexpr MenuEntry kEdit[] = {
     {"mnuInsNoteAfter", "Insert Note &After",  "",       Run<&Editor::mnuInsNoteAfter>, nullptr,  "Put an empty note behind this one"},
     {"mnuDelNote",      "Delete Note",         "",       Run<&Editor::mnuDelNote>,      nullptr,  "Take this note out"},
     kSeparator,
-    {"mnuClipbrd",      "Copy to Clipboard",   "",       Nothing,                       NotYet,   "Copy the marked part of the page as a picture"},
+    {"mnuClipbrd",      "Copy to Clipboard",   "",       Run<&MainWin::mnuClipbrd>, nullptr,  "Copy the marked part of the page as a picture"},
     {"mnuCopy",         "&Copy",               "Ctrl+C", Run<&Editor::mnuCopy>,         nullptr,  "Copy measures"},
     {"mnuPaste",        "&Paste",              "Ctrl+P", Run<&Editor::mnuPaste>,        CanPaste, "Paste the copied measures behind this one"},
     kSeparator,
@@ -108,15 +100,15 @@ constexpr MenuEntry kInst[] = {
 };
 
 constexpr MenuEntry kMIDI[] = {
-    {"mnuOpnMidi", "&Open MIDI", "", Nothing, NotYet, "Play the tune or make a MIDI file"},
-    {"mnuSetup",   "&Set up",    "", Nothing, NotYet, "Choose a MIDI output device"},
-    {"mnuTuning",  "&Tunings",   "", Nothing, NotYet, "Edit the instrument's tunings"},
+    {"mnuOpnMidi", "&Open MIDI", "", Run<&MainWin::mnuOpnMidi>, nullptr,"Play the tune or make a MIDI file"},
+    {"mnuSetup",   "&Set up",    "", Run<&MainWin::mnuSetup>, nullptr,"Choose a MIDI output device"},
+    {"mnuTuning",  "&Tunings",   "", Run<&MainWin::mnuTuning>, nullptr,"Edit the instrument's tunings"},
 };
 
 constexpr MenuEntry kPage[] = {
     {"mnuLargeview", "&Large View", "", Run<&PageView::mnuLargeview>, nullptr, "Give the page the whole window"},
     {"mnuSmallView", "&Small View", "", Run<&PageView::mnuSmallView>, nullptr, "Show the page and the measure"},
-    {"mnuPgDown",    "&Page Down",  "", Nothing,                      NotYet,  "Show the next page"},
+    {"mnuPgDown",    "&Page Down",  "", Run<&PageView::mnuPgDown>, nullptr, "Show the next page"},
 };
 
 constexpr MenuEntry kHelp[] = {

@@ -99,10 +99,12 @@ void PageSetup::cmdPgExit()
     settings.Set(kPrefs, "PageTop", NumberText(page.PageTop));
     settings.Set(kPrefs, "PageRight", NumberText(page.PageRight));
     settings.Set(kPrefs, "PageLeft", NumberText(page.PageLeft));
+    Unload();
 }
 
 void PageSetup::Unload()
 {
+    Loaded = false;
     PageSettings& page = win.page;
     Settings& settings = win.platform.settings;
     const auto store = [&](const char* key, const std::string& text, float& value) {

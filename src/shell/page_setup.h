@@ -30,6 +30,7 @@ public:
     std::string LblBodyFontName;
     std::string lblBodyFontSize;
     Box Focus = Box::Text1;  // as far as this form moves it
+    bool Loaded = true;      // false once it has gone away
 
     /// The form has become the active one.
     void Activate();
@@ -43,11 +44,11 @@ public:
     void cmdTitleFont();
     void cmdBodyFont();
 
-    /// Stores everything. The caller then closes the form by Unload.
+    /// Stores the texts and the margins, then unloads the form.
     void cmdPgExit();
 
     /// The form goes away, by cmdPgExit or by the system: stores fonts and margins, and gives the
-    /// main form back. Edits of the three texts are dropped unless cmdPgExit ran.
+    /// main form back. Edits of the three texts are dropped unless cmdPgExit stored them.
     void Unload();
 
 private:

@@ -50,9 +50,10 @@ std::string RescueBytes(const MainWin& win)
 std::string WriteRescueCopy(const MainWin& win, const std::string& folder)
 {
     const std::string extension = std::string(".") + FindMode(win.tune.NumStrings)->Extension;
-    std::string path = folder + "/Rescue-" + TimeStamp() + extension;
+    const std::string stem = folder + "/Rescue-" + TimeStamp();
+    std::string path = stem + extension;
     for (int n = 2; std::filesystem::exists(path); ++n)
-        path = folder + "/Rescue-" + TimeStamp() + "-" + std::to_string(n) + extension;
+        path = stem + '-' + std::to_string(n).append(extension);
     try {
         WriteFileBytes(path, RescueBytes(win));
         return path;

@@ -78,13 +78,19 @@ void RebuildTuningFile(const std::string& path, int numStrings)
     WriteTunings(path, rows, static_cast<int>(rows.size()), numStrings);
 }
 
+int ReadTunings(ItemReader& reader, int numStrings, Tunings& tunings)
+{
+    int count = 0;
+    for (; !reader.AtEnd(); ++count)
+        ReadTuning(reader, tunings[count], numStrings);
+    return count;
+}
+
 int LoadTunings(const std::string& path, int numStrings, Tunings& tunings)
 {
     int count = 0;
-    LoadOrRebuild(path, numStrings, [&](ItemReader reader) {
-        for (count = 0; !reader.AtEnd(); ++count)
-            ReadTuning(reader, tunings[count], numStrings);
-    });
+    LoadOrRebuild(path, numStrings,
+                  [&](ItemReader reader) { count = ReadTunings(reader, numStrings, tunings); });
     return count;
 }
 

@@ -49,9 +49,12 @@ void WriteTunings(const std::string& path, const std::vector<TuningRecord>& list
 /// Writes the default rows of the instrument.
 void RebuildTuningFile(const std::string& path, int numStrings);
 
-/// Reads the whole file into `tunings` from index 0 and returns how many rows it has. A row has
-/// a name and `numStrings` pitches; the pitches above stay as they were. An unreadable file is
-/// rebuilt and read again; a 52nd row is a subscript Fault.
+/// Reads rows into `tunings` from index 0 up to the end of the file and returns how many there
+/// are. Each has a name and `numStrings` pitches; the pitches above stay as they were. A 52nd row
+/// is a subscript Fault, an incomplete one an input-past-end Fault.
+int ReadTunings(ItemReader& reader, int numStrings, Tunings& tunings);
+
+/// As above, for a whole file. An unreadable file is rebuilt and read again.
 int LoadTunings(const std::string& path, int numStrings, Tunings& tunings);
 
 /// Reads the first tuning of the file as the one in force: always the name and six numbers,

@@ -1,0 +1,28 @@
+// The editor.
+
+#include "qt/program.h"
+
+#include <QApplication>
+
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+/// The command line is one path, also where the shell has cut it at its blanks.
+std::string CommandLine(int argc, char** argv)
+{
+    std::string line;
+    for (int i = 1; i < argc; ++i)
+        line += (i > 1 ? " " : "") + std::string(argv[i]);
+    return line;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);  // takes the toolkit's own options out
+    quillon::Program program(quillon::EnsureWritableFolder(CommandLine(argc, argv)));
+    return program.Start() ? QApplication::exec() : EXIT_FAILURE;
+}
