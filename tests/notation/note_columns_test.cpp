@@ -1,0 +1,282 @@
+#include "page_desk.h"
+
+namespace quillon {
+namespace {
+
+/// One measure whose first note stands at 970, 150 twips to the unit; stems end at 1837.5.
+class NoteColumnsTest : public PageDesk {
+protected:
+    NoteColumnsTest() { AddMeasure(tune); }
+
+    NoteRecord& Note(int code, const std::string& text = "3", int string = 1)
+    {
+        return AddNote(tune, code, string, text);
+    }
+
+    /// The log behind the signature and the bars of the first line.
+    LogLines Columns()
+    {
+        const LogLines log = Screen();
+        const auto lastBar = std::find_if(log.rbegin(), log.rend(), [](const std::string& line) {
+            return line.starts_with("line") && line.find(" 765 ") != std::string::npos &&
+                   line.ends_with(" 1590 w=2");
+        });
+        return {lastBar.base(), log.end()};
+    }
+};
+
+TEST_F(NoteColumnsTest, ATieAtTheLinesEndComesInOnTheNextLine)
+{
+    Note(7, "3^");
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7, "3");
+    Note(7, "3");
+    const LogLines arcs = Only(Screen(), "arc");
+    ASSERT_EQ(arcs.size(), 2U);
+    EXPECT_EQ(arcs[0], "arc 6295 765 5215 1 3 0.5 w=1");
+    EXPECT_EQ(arcs[1], "arc 400 2667.5 420 0 1.5 0.25 w=2");
+}
+
+TEST_F(NoteColumnsTest, ATieThatComesInWaitsForAFretOnItsString)
+{
+    Note(7, "3^");
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7, "2", 2);
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7, "5", 1);
+    Note(7, "5", 1);
+    const LogLines arcs = Only(Screen(), "arc 400 ");
+    ASSERT_EQ(arcs.size(), 1U);
+    EXPECT_EQ(arcs[0], "arc 400 4570 420 0 1.5 0.25 w=2");
+}
+
+TEST_F(NoteColumnsTest, AnyOtherFretOnTheStringClearsATieThatCameIn)
+{
+    Note(7, "3^");
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7, "5");
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7, "5");
+    EXPECT_EQ(Only(Screen(), "arc 400 ").size(), 1U);  // into line 2, none into line 3
+}
+
+TEST_F(NoteColumnsTest, ATieIntoTheNextMeasureSkipsTheHead)
+{
+    Note(7, "3^");
+    AddMeasure(tune);
+    Note(7);
+    Note(7);
+    // Notes at 970 and 1720: radius (750 - 100) / 2 - 20.
+    EXPECT_EQ(Only(Screen(), "arc").at(0), "arc 1385 765 305 0 3.25 0.5 w=1");
+}
+
+TEST_F(NoteColumnsTest, ATieToTheNextNote)
+{
+    Note(7, "3^");
+    Note(7);
+    EXPECT_EQ(Only(Columns(), "arc").at(0), "arc 1235 765 155 0 3.25 0.5 w=1");
+}
+
+TEST_F(NoteColumnsTest, AllSixSlotsAreReadOnAllInstruments)
+{
+    tune.NumStrings = 4;
+    Note(7, "5", 5);
+    Note(7, "6", 6);
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "text 970 1310 size=10 font=\"Arial\" bold=0 \"5\""));
+    EXPECT_TRUE(Has(log, "text 1420 1475 size=10 font=\"Arial\" bold=0 \"6\""));
+}
+
+TEST_F(NoteColumnsTest, ASlashMakesAStemAndLeavesTiesAlone)
+{
+    Note(7, "3^", 3);
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7, "/", 3);
+    Note(7, "5", 3);
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 860 3062.5 860 3740 w=1"));
+    const LogLines in = Only(log, "arc 400 ");
+    ASSERT_EQ(in.size(), 1U);
+    EXPECT_EQ(in[0], "arc 400 2997.5 870 0 1.5 0.25 w=2");  // at the fret behind the slash
+}
+
+TEST_F(NoteColumnsTest, ASlashStands100HigherWhereTheFontTakesEverySize)
+{
+    Note(7, "/", 3);
+    Note(7);
+    EXPECT_EQ(Columns().at(0), "text 970 880 size=10 font=\"Tab\" bold=0 \"/\"");
+}
+
+TEST_F(NoteColumnsTest, ATripletAtTheLinesEndHasABracketThatRunsBackToTheLeft)
+{
+    Note(7);
+    Note(3);
+    const LogLines log = Columns();
+    // Column 5 is free, its x 0: from 1420 to 120, the "3" half way to 0.
+    EXPECT_TRUE(Has(log, "line 1420 1847.5 1420 1937.5 w=1"));
+    EXPECT_TRUE(Has(log, "line 1420 1937.5 710 1937.5 w=1"));
+    EXPECT_TRUE(Has(log, "line 830 1937.5 120 1937.5 w=1"));
+    EXPECT_TRUE(Has(log, "line 120 1847.5 120 1937.5 w=1"));
+}
+
+TEST_F(NoteColumnsTest, TheThreeOfATripletNeverMovesTheNextLine)
+{
+    for (int i = 0; i < 3; ++i)
+        Note(3);
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7);
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "text", "827.5 size=10 font=\"Arial\" bold=0 \"3\"").size(), 1U);
+    EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));  // as without a triplet
+}
+
+TEST_F(NoteColumnsTest, ATripletBracketSpansThreeColumns)
+{
+    for (int i = 0; i < 4; ++i)
+        Note(3);
+    const LogLines log = Columns();
+    const LogLines bracket(log.begin() + 2, log.begin() + 7);
+    EXPECT_EQ(Joined(bracket), "line 970 1847.5 970 1937.5 w=1\n"
+                               "line 970 1937.5 1270 1937.5 w=1\n"
+                               "line 1390 1937.5 1690 1937.5 w=1\n"
+                               "line 1690 1847.5 1690 1937.5 w=1\n"
+                               "text 1270 1827.5 size=10 font=\"Arial\" bold=0 \"3\"\n");
+}
+
+TEST_F(NoteColumnsTest, ATripletRunsOnOverALinesEndUnlessAHeadComes)
+{
+    Note(3, "5");
+    Note(3, "5");
+    AddNote(tune, 3, 1, "5").Slot(6) = "NL";
+    tune[4].Measure = tune.LastMeas = 2;
+    Note(7, "5");
+    EXPECT_EQ(Only(Screen(), "text", "\"3\"").size(), 1U);
+}
+
+TEST_F(NoteColumnsTest, AFretWithAConnectionMark)
+{
+    Note(7, "3-5");
+    Note(7, "5=7");
+    Note(7);
+    const LogLines log = Columns();
+    EXPECT_EQ(log.at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"3\"");
+    EXPECT_EQ(log.at(1), "text 1070 580 size=10 font=\"Tab\" bold=0 \"-\"");
+    EXPECT_EQ(log.at(2), "text 1170 650 size=10 font=\"Arial\" bold=0 \"5\"");
+    EXPECT_EQ(log.at(5), "text 1670 570 size=10 font=\"Tab\" bold=0 \"=\"");
+}
+
+TEST_F(NoteColumnsTest, LongNotesStandInBracketsAndKeepTheirConnectionMarkAsText)
+{
+    Note(9, "3-5");
+    Note(7);
+    EXPECT_EQ(Columns().at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"[3-5]\"");
+}
+
+TEST_F(NoteColumnsTest, TheDotStandsBehindTheShownTextBracketsIncluded)
+{
+    Note(10, "3^");
+    Note(7);
+    const LogLines log = Columns();
+    EXPECT_EQ(log.at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"[3]\"");
+    EXPECT_EQ(log.at(1), "circle 1320 808 20 w=1 fill=solid");  // 970 + 300 + 50
+}
+
+TEST_F(NoteColumnsTest, ASlideMarkStandsAtItsPlaceInTheText)
+{
+    Note(7, "12>");
+    Note(7, "3<");
+    const LogLines log = Columns();
+    EXPECT_EQ(log.at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"12\"");
+    EXPECT_EQ(log.at(1), "text 1170 450 size=8 font=\"Tab\" bold=0 \">\"");
+    EXPECT_TRUE(Has(log, "text 1670 650 size=8 font=\"Tab\" bold=0 \"<\""));
+}
+
+TEST_F(NoteColumnsTest, AMarkInTheMiddleStaysAndTheLastCharacterGoes)
+{
+    Note(7, "1^5");
+    Note(7);
+    EXPECT_EQ(Columns().at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"1^\"");
+}
+
+TEST_F(NoteColumnsTest, Rests)
+{
+    AddNote(tune, 92);
+    AddNote(tune, 93);
+    for (int code = 94; code <= 99; ++code)
+        AddNote(tune, code);
+    Note(7);
+    const LogLines log = Columns();
+    EXPECT_EQ(log.at(0), "line 970 1065 1195 1065 w=8");
+    EXPECT_EQ(log.at(1), "line 2320 970 2545 970 w=8");
+    const LogLines glyphs = Only(log, "text ", "\"");
+    EXPECT_EQ(glyphs.at(0), "text 3520 905 size=12 font=\"Tab\" bold=0 \"%\"");
+    EXPECT_EQ(Only(log, "text", "\"%\"").size(), 2U);
+    EXPECT_EQ(Only(log, "text", "\"`\"").size(), 2U);
+    EXPECT_EQ(Only(log, "text", "\"~\"").size(), 2U);
+}
+
+TEST_F(NoteColumnsTest, StemsHangFromTheLowestStringAndWholeNotesHaveNone)
+{
+    AddNote(tune, 7, 2, "3").Slot(4) = "5";
+    Note(11);
+    const LogLines log = Columns();
+    EXPECT_EQ(Only(log, "line").size(), 1U);
+    EXPECT_TRUE(Has(log, "line 1010 1325 1010 1837.5 w=1"));
+}
+
+TEST_F(NoteColumnsTest, BeamsAndStubsByTheirCode)
+{
+    const int codes[] = {0, 5, 2, 3, 9, 10};
+    for (int beam : codes)
+        AddNote(tune, 2, 1, "3").BeamCode = beam;
+    Note(7);
+    LogLines rows = Only(Columns(), "line");
+    rows.erase(std::remove_if(rows.begin(), rows.end(),
+                              [](const std::string& l) { return l.find(" 830 ") != l.npos; }),
+               rows.end());
+    // Stems at 1010, 1310, 1610, 1910, 2210, 2510. The beat of 12 ticks ends before the fifth;
+    // the second beam starts anew where the code is above 2.
+    EXPECT_EQ(Joined(rows), "line 1009 1837.5 1310 1837.5 w=2\n"
+                            "line 1009 1837.5 1610 1837.5 w=2\n"
+                            "line 1309 1787.5 1610 1787.5 w=2\n"
+                            "line 1009 1837.5 1910 1837.5 w=2\n"
+                            "line 1760 1787.5 1910 1787.5 w=2\n"
+                            "line 2210 1757.5 2340 1757.5 w=1\n"
+                            "line 2209 1837.5 2510 1837.5 w=2\n"
+                            "line 2510 1757.5 2640 1757.5 w=1\n");
+}
+
+TEST_F(NoteColumnsTest, FlagsStandAtTheStem)
+{
+    AddNote(tune, 4, 1, "3").BeamCode = 4;
+    AddNote(tune, 2, 1, "3").BeamCode = 1;
+    Note(7);
+    const LogLines log = Columns();
+    EXPECT_TRUE(Has(log, "text 1010 1532.5 size=10 font=\"Tab\" bold=0 \"(\""));
+    EXPECT_TRUE(Has(log, "text 1310 1532.5 size=10 font=\"Tab\" bold=0 \")\""));
+}
+
+TEST_F(NoteColumnsTest, HandLetters)
+{
+    NoteRecord& note = Note(7);
+    note.LeftHand = 'T';
+    note.RightHand = 'p';
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(7);
+    const LogLines log = Screen();
+    // With right-hand letters the stems end two gaps under the staff's last gap, at 2085.
+    EXPECT_TRUE(Has(log, "text 1030 1590 size=10 font=\"Arial\" bold=0 \"p\""));
+    EXPECT_TRUE(Has(log, "text 971 2105 size=10 font=\"Arial\" bold=0 \"T\""));
+    EXPECT_TRUE(Has(log, "line 400 2915 11440 2915 w=1"));
+}
+
+TEST_F(NoteColumnsTest, ALeftHandLetterUnderATripletStandsUnderItsBracket)
+{
+    Note(3).LeftHand = 'T';
+    for (int i = 0; i < 3; ++i)
+        Note(3);
+    EXPECT_TRUE(Has(Screen(), "text 971 1977.5 size=10 font=\"Arial\" bold=0 \"T\""));
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,271 @@
+#include "page_desk.h"
+
+namespace quillon {
+namespace {
+
+using PageLayoutTest = PageDesk;
+
+TEST_F(PageLayoutTest, AnEmptyTuneDrawsOnlyTitleAndCredits)
+{
+    tune[0].ChordText = "Air";
+    tune[0].Slot(1) = "Trad.";
+    const std::string expected = "text 400 600 size=20 font=\"Arial\" bold=0 \"Air\"\n"
+                                 "text 10940 1080 size=10 font=\"Arial\" bold=0 \"Trad.\"\n";
+    EXPECT_EQ(Joined(Screen()), expected);
+    AddMeasure(tune);
+    ASSERT_EQ(tune.LastNote, 1);
+    EXPECT_EQ(Joined(Screen()), expected);
+    EXPECT_EQ(pages.PageMax, 0);
+}
+
+TEST_F(PageLayoutTest, AHardBreakEndsTheLineWhileTheStaffStillRunsToLineRight)
+{
+    AddQuarters(4);
+    AddQuarters(4).Slot(6) = "NL";
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 400 765 11440 765 w=1"));
+    EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));
+    const LogLines frets = Only(log, "text", "\"3\"");
+    ASSERT_EQ(frets.size(), 8U);
+    // 150 twips to the unit: the first note stands behind a head of 2 units and the signature.
+    EXPECT_TRUE(frets[0].starts_with("text 970 650 "));
+    EXPECT_TRUE(frets[1].starts_with("text 1420 650 "));
+    EXPECT_TRUE(frets[4].starts_with("text 820 2552.5 "));
+}
+
+TEST_F(PageLayoutTest, ALineOf40UnitsIsSpreadBy150)
+{
+    AddQuarters(12);  // 2 + 1 + 36, and one more for the last column
+    const LogLines frets = Only(Screen(), "text", "\"3\"");
+    EXPECT_TRUE(frets[0].starts_with("text 970 "));
+    EXPECT_TRUE(frets[1].starts_with("text 1420 "));
+}
+
+TEST_F(PageLayoutTest, ALineOf82UnitsIsSpreadBy134)
+{
+    AddQuarters(26);  // 2 + 1 + 78, and one more for the last column
+    const LogLines frets = Only(Screen(), "text", "\"3\"");
+    EXPECT_TRUE(frets[0].starts_with("text 922 "));
+    EXPECT_TRUE(frets[1].starts_with("text 1324 "));
+}
+
+TEST_F(PageLayoutTest, ATuneOfOneShortLineHasAStaffThatEndsSixUnitsBehindItsLastColumn)
+{
+    AddQuarters(4);  // the last note stands at 970 + 3 * 450
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 400 765 3220 765 w=1"));
+    EXPECT_TRUE(Has(log, "line 3220 765 3220 1590 w=2"));
+}
+
+TEST_F(PageLayoutTest, AOneLineTuneWithItsLastColumnFarRightHasAFullStaff)
+{
+    AddQuarters(20);  // the last note stands at 970 + 19 * 450
+    EXPECT_TRUE(Has(Screen(), "line 400 765 11440 765 w=1"));
+}
+
+TEST_F(PageLayoutTest, ALongRestAtTheLinesEndShortensTheStaffOnAnyLine)
+{
+    AddMeasure(tune);
+    AddNote(tune, 92);
+    AddQuarters(4).Slot(6) = "NL";
+    EXPECT_TRUE(Has(Screen(), "line 400 765 2770 765 w=1"));  // 970 + 12 * 150
+}
+
+TEST_F(PageLayoutTest, ATitleOfOneBlankLetsTheCreditsStartAtY600)
+{
+    tune[0].Slot(1) = "Trad.";
+    EXPECT_EQ(Joined(Screen()), "text 10940 600 size=10 font=\"Arial\" bold=0 \"Trad.\"\n");
+}
+
+TEST_F(PageLayoutTest, AnEmptyTitleMovesTheCreditsDownALine)
+{
+    tune[0].ChordText.clear();
+    tune[0].Slot(1) = "Trad.";
+    EXPECT_EQ(Joined(Screen()), "text 10940 1080 size=10 font=\"Arial\" bold=0 \"Trad.\"\n");
+}
+
+TEST_F(PageLayoutTest, TheTitleIsNotCentredOnTheScreen)
+{
+    page.TitleCentered = true;
+    tune[0].ChordText = "Air";
+    EXPECT_TRUE(Screen()[0].starts_with("text 400 600 "));
+}
+
+TEST_F(PageLayoutTest, BothCreditsBeginAtOneXAndTheLongerEndsAtLineRight)
+{
+    tune[0].Slot(1) = "Trad.";
+    tune[0].Slot(2) = "arr. Nobody";
+    const LogLines log = Screen();
+    EXPECT_TRUE(log.at(0).starts_with("text 10340 600 "));
+    EXPECT_TRUE(log.at(1).starts_with("text 10340 840 "));
+}
+
+TEST_F(PageLayoutTest, ATimeSignatureOf12GetsItsFurtherRoomOnlyOnPaper)
+{
+    AddMeasure(tune, 12, 8);
+    AddNote(tune, 7, 1, "3");
+    AddNote(tune, 7, 1, "3");
+    EXPECT_TRUE(Only(Screen(), "text", "\"3\"").at(0).starts_with("text 970 "));  // 520 + 3 units
+    EXPECT_TRUE(Only(Paper(), "text", "\"3\"").at(0).starts_with("text 1950 "));  // 1200 + 5
+}
+
+TEST_F(PageLayoutTest, ALineTakesWholeMeasuresUpToItsCapacity)
+{
+    for (int m = 0; m < 9; ++m)
+        AddQuarters(4);  // 14 units each, of 110: seven to a line
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "line 400 765 11440 ").size(), 1U);
+    const LogLines frets = Only(log, "text", "\"3\"");
+    EXPECT_EQ(std::count_if(frets.begin(), frets.end(),
+                            [](const std::string& l) { return l.find(" 650 ") != l.npos; }),
+              28);
+}
+
+TEST_F(PageLayoutTest, ALineThatIsFullAtColumn80GivesItsLastMeasureBackEvenIfItEndsThere)
+{
+    for (int m = 0; m < 3; ++m) {
+        AddMeasure(tune);
+        for (int i = 0; i < (m == 2 ? 38 : 20); ++i)
+            AddNote(tune, 60, 1).Spacing = 1;  // a code without a width of its own
+    }
+    ASSERT_EQ(tune.LastNote, 81);
+    tune[81].Measure = 4;  // 80 columns of three measures, and one more
+    AddNote(tune, 7, 1, "3");
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "line 400 ", " w=1").size(), 12U);  // two lines of six strings
+    EXPECT_FALSE(tooWide);
+}
+
+TEST_F(PageLayoutTest, ALoneHeadAtTheTunesEndIsNotDrawn)
+{
+    AddQuarters(4);
+    const LogLines before = Screen();
+    AddMeasure(tune);
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "text").size(), Only(before, "text").size());
+    EXPECT_EQ(Only(log, "line 400 ", " w=1").size(), 6U);
+}
+
+TEST_F(PageLayoutTest, AMeasureThatIsTooWideStopsTheRunAndWhatWasDrawnStays)
+{
+    AddQuarters(4);
+    AddQuarters(40);
+    AddQuarters(4);
+    const LogLines log = Screen();
+    EXPECT_EQ(tooWide, 2);
+    EXPECT_EQ(Only(log, "text", "\"3\"").size(), 4U);
+    Paper();
+    EXPECT_EQ(tooWide, 2);
+}
+
+TEST_F(PageLayoutTest, AnEmptyMeasureBeforeAHardBreakStopsTheRunToo)
+{
+    AddMeasure(tune);
+    AddQuarters(4).Slot(6) = "NL";
+    Screen();
+    EXPECT_EQ(tooWide, 1);
+}
+
+TEST_F(PageLayoutTest, PagesBehindTheFirstBeginAtY600AndPageMaxFollows)
+{
+    for (int m = 0; m < 9; ++m)
+        AddQuarters(4).Slot(6) = "NL";
+    const LogLines second = Screen(1);
+    EXPECT_EQ(pages.PageMax, 1);
+    EXPECT_TRUE(Has(second, "line 400 765 11440 765 w=1"));
+    EXPECT_TRUE(pages.Page(0).Visible);
+    EXPECT_FALSE(pages.Page(1).Visible);
+    tune.LastNote = 5;
+    EXPECT_TRUE(Screen(1).empty());
+    EXPECT_EQ(pages.PageMax, 1);  // it never falls here
+}
+
+TEST_F(PageLayoutTest, ThePageLimitIsLowerOnFewerStrings)
+{
+    // Lines are 1902.5 apart on six strings (the seventh ends past 12700) and 1572.5 on four
+    // (the eighth ends past 13000).
+    for (int m = 0; m < 12; ++m)
+        AddQuarters(4).Slot(6) = "NL";
+    EXPECT_EQ(Only(Screen(0), "line 400 ", " w=1").size(), 7U * 6);
+    tune.NumStrings = 4;
+    EXPECT_EQ(Only(Screen(0), "line 400 ", " w=1").size(), 8U * 4);
+}
+
+TEST_F(PageLayoutTest, ATenthPageIsAFaultAndThePagesBeforeItStayDrawn)
+{
+    for (int m = 0; m < 9 * 7; ++m)
+        AddQuarters(4).Slot(6) = "NL";
+    EXPECT_FAULT(Screen(), ControlArrayElement);  // the page after the last line counts
+    EXPECT_EQ(Only(LinesOf(pages.Page(8).Surface.Picture()), "line 400 ", " w=1").size(), 42U);
+}
+
+TEST_F(PageLayoutTest, PagesSixToEightAreNeitherClearedNorHidden)
+{
+    for (int m = 0; m < 45; ++m)
+        AddQuarters(4).Slot(6) = "NL";
+    Screen();
+    pages.Page(6).Visible = true;
+    const std::size_t once = LinesOf(pages.Page(6).Surface.Picture()).size();
+    Screen();
+    EXPECT_TRUE(pages.Page(6).Visible);
+    EXPECT_EQ(LinesOf(pages.Page(6).Surface.Picture()).size(), 2 * once);
+    EXPECT_FALSE(pages.Page(6).Surface.Picture().WasCleared());
+    EXPECT_TRUE(pages.Page(5).Surface.Picture().WasCleared());
+}
+
+TEST_F(PageLayoutTest, ALongTextWidensItsColumn)
+{
+    AddQuarters(4);
+    tune[2].Slot(4) = "12-14";    // 6 units
+    tune[3].ChordText = "Cmaj7";  // 6 units
+    const LogLines frets = Only(Screen(), "text", "\"3\"");
+    EXPECT_TRUE(frets[1].starts_with("text 1870 "));  // 970 + 6 * 150
+    EXPECT_TRUE(frets[2].starts_with("text 2770 "));
+}
+
+TEST_F(PageLayoutTest, AnEndBarIsDrawnAtTheMeasuresEndAndWidensItsLastColumn)
+{
+    AddQuarters(2).BarCode = "94";
+    AddQuarters(2);
+    const LogLines log = Screen();
+    // The head of measure 2 stands 3 + 4 units behind the first note.
+    EXPECT_TRUE(Has(log, "line 2020 765 2020 1590 w=3"));
+    EXPECT_TRUE(Has(log, "line 1980 765 1980 1590 w=2"));
+}
+
+TEST_F(PageLayoutTest, AnEndBarOnAHeadWithoutNotesIsLost)
+{
+    AddMeasure(tune).BarCode = "99";
+    AddQuarters(3);
+    EXPECT_TRUE(Only(Screen(), "line", " w=3").empty());
+}
+
+TEST_F(PageLayoutTest, ABeginBarTakesThePlaceOfThePlainBar)
+{
+    AddQuarters(2);
+    AddQuarters(2).BarCode = "95";
+    const LogLines log = Screen();
+    // Left edge, the thin line of the begin bar, and the last bar.
+    EXPECT_EQ(Only(log, "line", " 1590 w=2").size(), 3U);
+    EXPECT_EQ(Only(log, "line", " 1590 w=3").size(), 1U);
+}
+
+TEST_F(PageLayoutTest, ASecondRunGivesTheSamePages)
+{
+    for (int m = 0; m < 20; ++m)
+        AddQuarters(4, m % 2 ? "3^" : "5");
+    const LogLines once = Screen();
+    EXPECT_EQ(Screen(), once);
+}
+
+TEST_F(PageLayoutTest, ColumnsOutsideTheTableAreASubscriptFaultOnTheScreen)
+{
+    AddQuarters(4);
+    AddQuarters(4).Slot(6) = "NL";
+    for (int i = 1; i <= 10; ++i)
+        tune[i].Measure = 0;  // as only a hand-made file has it
+    EXPECT_FAULT(Screen(), SubscriptOutOfRange);
+}
+
+}  // namespace
+}  // namespace quillon
