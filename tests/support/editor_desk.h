@@ -36,7 +36,11 @@ protected:
     }
 
     /// A table without records, to be filled by AddMeasure and AddNote; then comes Show.
-    void EmptyTable() { tune.Table.Clear(); }
+    void EmptyTable()
+    {
+        tune.Table.Clear();
+        tune.LastNote = tune.LastMeas = 0;
+    }
 
     /// Shows measure 1 of the table as a tune that was opened.
     void Show()

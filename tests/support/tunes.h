@@ -36,13 +36,17 @@ inline NoteRecord& AddNote(Tune& tune, int code, int string = 0, const std::stri
     return note;
 }
 
-/// Appends `count` full measures in 4/4, the quarters of measure m on fret m of string 2.
+/// Appends `count` full measures in 4/4, the quarters of measure m on fret m of string 2. They are
+/// spaced as the measure view leaves them.
 inline void AddFullMeasures(Tune& tune, int count)
 {
     for (int i = 0; i < count; ++i) {
         AddMeasure(tune);
-        for (int beat = 0; beat < 4; ++beat)
-            AddNote(tune, 7, 2, std::to_string(int{tune.LastMeas}));
+        for (int beat = 0; beat < 4; ++beat) {
+            NoteRecord& note = AddNote(tune, 7, 2, std::to_string(int{tune.LastMeas}));
+            note.XPos = 48 + 24 * beat;
+            note.Spacing = 4;
+        }
     }
 }
 

@@ -1,0 +1,346 @@
+#include "support/editor_desk.h"
+
+namespace quillon {
+namespace {
+
+class Insertion : public EditorDesk {
+protected:
+    static bool Parked() { return std::filesystem::exists("Temp.Sav"); }
+};
+
+TEST_F(Insertion, ANoteBeforeTheFirstOfTheLastMeasureShiftsTheRecordsAndNoNumbers)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 2);
+    Show();
+    editor.cmdNext();
+    tune[7].ChordText = "Am";
+    editor.mnuNoteBefore();
+    EXPECT_EQ(tune.LastNote, 11);
+    EXPECT_EQ(tune.LastMeas, 2);
+    EXPECT_EQ(form.MeasEnd, 11);
+    EXPECT_EQ(tune.CurNote, 7);
+    EXPECT_EQ(tune[7].HighestFilledSlot(), 0);
+    EXPECT_EQ(tune[7].NoteCode, 7);
+    EXPECT_EQ(tune[7].ChordText, "Am") << "a copy of the note that it pushed along";
+    EXPECT_EQ(tune[8].Slot(2), "2");
+    for (int i = 6; i <= 11; ++i)
+        EXPECT_EQ(tune[i].Measure, 2);
+    EXPECT_EQ(tune[8].XPos, 72);
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(Insertion, ANoteAfterStandsBehindTheOldOneWithTheCursorOnIt)
+{
+    ShowFullMeasures(2);
+    editor.mnuInsNoteAfter();
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune[2].Slot(2), "1");
+    EXPECT_EQ(tune[3].HighestFilledSlot(), 0);
+    EXPECT_EQ(tune[4].Slot(2), "1");
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(tune.LastNote, 11);
+    EXPECT_EQ(tune[7].Measure, 2);
+}
+
+TEST_F(Insertion, NotesAreNeitherInsertedNorDeletedInAppendState)
+{
+    Type("1\r2\r");
+    form.Saved = 1;
+    const std::string state = State(), table = Table();
+    editor.mnuNoteBefore();
+    editor.mnuInsNoteAfter();
+    editor.mnuDelNote();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+}
+
+TEST_F(Insertion, ANoteInAFullTableIsASubscriptFault)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 300);
+    Show();
+    EXPECT_FAULT(editor.mnuNoteBefore(), SubscriptOutOfRange);
+    EXPECT_FAULT(editor.mnuInsNoteAfter(), SubscriptOutOfRange);
+}
+
+TEST_F(Insertion, DelNoteMovesTheTailDown)
+{
+    ShowFullMeasures(2);
+    Key(kKeyRight);
+    tune[4].Slot(2) = "9";
+    editor.mnuDelNote();
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune[3].Slot(2), "9");
+    EXPECT_EQ(form.MeasEnd, 4);
+    EXPECT_EQ(tune.LastNote, 9);
+    EXPECT_TRUE(tune[10].IsClear());
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(Insertion, DelNoteOnTheTunesLastNoteStepsBack)
+{
+    ShowFullMeasures(1);
+    for (int i = 0; i < 3; ++i)
+        Key(kKeyRight);
+    EXPECT_EQ(tune.CurNote, 5);
+    editor.mnuDelNote();
+    EXPECT_EQ(tune.CurNote, 4);
+    EXPECT_EQ(tune.LastNote, 4);
+    EXPECT_EQ(form.MeasEnd, 4);
+    EXPECT_TRUE(tune[5].IsClear());
+    EXPECT_EQ(form.CursorX, tune[4].XPos);
+}
+
+TEST_F(Insertion, DelNoteOnTheOnlyNoteOfAMeasureDeletesTheMeasure)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddNote(tune, 11, 1, "5");
+    AddFullMeasures(tune, 1);
+    Show();
+    editor.cmdNext();
+    editor.mnuDelNote();
+    EXPECT_EQ(tune.LastMeas, 2);
+    EXPECT_EQ(tune.LastNote, 10);
+    EXPECT_EQ(tune[7].Slot(2), "3");
+    EXPECT_EQ(tune[7].Measure, 2);
+}
+
+TEST_F(Insertion, DeletingMeasure3Of5NumbersTheOld4And5As3And4AndShowsTheNew3)
+{
+    ShowFullMeasures(5);
+    Goto("3");
+    editor.mnuDelMeas();
+    EXPECT_EQ(tune.LastMeas, 4);
+    EXPECT_EQ(tune.LastNote, 20);
+    EXPECT_EQ(tune.CurMeas, 3);
+    EXPECT_EQ(tune.CurNote, 12);
+    EXPECT_EQ(form.MeasHead, 11);
+    EXPECT_EQ(form.MeasEnd, 15);
+    EXPECT_EQ(tune[12].Slot(2), "4");
+    EXPECT_EQ(tune[12].Measure, 3);
+    EXPECT_EQ(tune[17].Slot(2), "5");
+    EXPECT_EQ(tune[17].Measure, 4);
+    EXPECT_TRUE(tune[21].IsClear());
+    EXPECT_NE(Log().find("\"4\""), std::string::npos);
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(Insertion, DeletingTheLastMeasureShowsTheOneBefore)
+{
+    ShowFullMeasures(3);
+    Goto("3");
+    editor.mnuDelMeas();
+    EXPECT_EQ(tune.LastMeas, 2);
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.LastNote, 10);
+    EXPECT_EQ(form.MeasHead, 6);
+    EXPECT_EQ(form.MeasEnd, 10);
+    EXPECT_EQ(tune.CurNote, 7);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_TRUE(tune[11].IsClear());
+}
+
+TEST_F(Insertion, DeletingThePartlyFilledOpenMeasureStaysInAppendStateWithoutARedraw)
+{
+    Type("1\r1\r1\r1\r\r2\r");
+    const std::string log = Log();
+    editor.mnuDelMeas();
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.LastMeas, 1);
+    EXPECT_EQ(tune.CurMeas, 1);
+    EXPECT_EQ(tune.LastNote, 5);
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.MeasHead, 1);
+    EXPECT_EQ(form.MeasEnd, 5);
+    EXPECT_EQ(form.CursorX, tune[5].XPos);
+    EXPECT_EQ(form.CursorY, 84);
+    EXPECT_EQ(Log(), log);
+}
+
+TEST_F(Insertion, AnEmptyOpenMeasureCannotBeDeleted)
+{
+    const std::string state = State(), table = Table();
+    editor.mnuDelMeas();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+}
+
+TEST_F(Insertion, DeletingTheOnlyMeasureLeavesAnEmptyTableAndTheOldPicture)
+{
+    ShowFullMeasures(1);
+    tune[0].ChordText = "Title";
+    form.CurValue = 4;
+    const std::string log = Log();
+    editor.mnuDelMeas();
+    EXPECT_EQ(Log(), log);
+    EXPECT_EQ(Table().substr(0, 3), "0: ");
+    EXPECT_EQ(Table().find("\n1: "), std::string::npos) << "record 1 is no head again";
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.CursorY, 84);
+    EXPECT_EQ(tune.CurMeas, 1);
+    EXPECT_EQ(tune.LastMeas, 0);
+    EXPECT_EQ(tune.CurNote, 2);
+    EXPECT_EQ(tune.LastNote, 0);
+    EXPECT_EQ(form.MeasHead, 1);
+    EXPECT_EQ(form.MeasEnd, 0);
+    EXPECT_EQ(form.CurValue, 7);
+    EXPECT_EQ(form.Toolbar1, 7);
+    EXPECT_EQ(form.MeasFill, 0);
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.Saved, 1) << "Saved is set only where another measure stays";
+}
+
+TEST_F(Insertion, ParksTheTailWhileAMeasureIsInserted)
+{
+    ShowFullMeasures(3);
+    editor.cmdNext();
+    const std::string tail = RecordBytes(tune, 6, 15);
+    editor.mnuInsMeas();
+    EXPECT_EQ(ReadFileBytes("Temp.Sav"), tail);
+    EXPECT_EQ(form.cmdNextCaption, "OK");
+    EXPECT_EQ(form.cmdPreviousCaption, "Cancel");
+    EXPECT_EQ(tune.LastNote, 5);
+    EXPECT_EQ(tune.LastMeas, 1);
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.CurNote, 7);
+    EXPECT_EQ(form.MeasHead, 6);
+    EXPECT_EQ(form.MeasEnd, 5);
+    EXPECT_EQ(form.InputMode, kInsertMode);
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_FALSE(form.cmdRefreshEnabled);
+    EXPECT_EQ(form.Saved, 0);
+    EXPECT_TRUE(tune[6].IsHead());
+    EXPECT_TRUE(tune[7].IsClear());
+}
+
+TEST_F(Insertion, BeforeMeasure1GivesLastNote0AndLastMeas0DuringTheDialogue)
+{
+    ShowFullMeasures(2);
+    editor.mnuInsMeas();
+    EXPECT_EQ(tune.LastNote, 0);
+    EXPECT_EQ(tune.LastMeas, 0);
+    EXPECT_EQ(tune.CurMeas, 1);
+}
+
+TEST_F(Insertion, AfterOkTheNotesOfTheOldMeasure1CarryNumber2)
+{
+    ShowFullMeasures(2);
+    editor.mnuInsMeas();
+    Type("7\r7\r7\r7\r");
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+    Type("\r");
+    EXPECT_EQ(tune.LastMeas, 3);
+    EXPECT_EQ(tune.LastNote, 15);
+    EXPECT_EQ(tune[2].Slot(2), "7");
+    EXPECT_EQ(tune[7].Slot(2), "1");
+    EXPECT_EQ(tune[7].Measure, 2);
+    EXPECT_EQ(tune[12].Measure, 3);
+    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.cmdNextCaption, "Next");
+    EXPECT_EQ(form.MeasEnd, 5);
+    EXPECT_TRUE(form.cmdRefreshEnabled);
+    EXPECT_FALSE(Parked());
+}
+
+TEST_F(Insertion, OkWithNothingEnteredLeavesTheMeasureNumbersAsTheyWere)
+{
+    ShowFullMeasures(3);
+    editor.cmdNext();
+    const std::string table = Table();
+    editor.mnuInsMeas();
+    editor.cmdNext();
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.LastMeas, 3);
+    EXPECT_EQ(tune.LastNote, 15);
+    EXPECT_FALSE(Parked());
+}
+
+TEST_F(Insertion, CancelBringsTheTailBackInPlace)
+{
+    ShowFullMeasures(3);
+    editor.cmdNext();
+    const std::string table = Table();
+    editor.mnuInsMeas();
+    Type("7\r7\r8");
+    editor.cmdPrevious();
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(tune.LastMeas, 3);
+    EXPECT_EQ(tune.LastNote, 15);
+    EXPECT_EQ(form.MeasHead, 6);
+    EXPECT_EQ(form.MeasEnd, 10);
+    EXPECT_EQ(form.cmdNextCaption, "Next");
+    EXPECT_EQ(form.cmdPreviousCaption, "Previous");
+    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_FALSE(Parked());
+}
+
+TEST_F(Insertion, WritesOverAnOlderScratchFile)
+{
+    WriteFileBytes("Temp.Sav", std::string(100000, 'x'));
+    ShowFullMeasures(1);
+    const std::string table = Table();
+    editor.mnuInsMeas();
+    editor.cmdPrevious();
+    EXPECT_EQ(Table(), table);
+}
+
+TEST_F(Insertion, AMissingScratchFileIsAFileNotFoundFault)
+{
+    ShowFullMeasures(1);
+    editor.mnuInsMeas();
+    std::filesystem::remove("Temp.Sav");
+    EXPECT_FAULT(editor.cmdNext(), FileNotFound);
+}
+
+TEST_F(Insertion, ATailThatNoLongerFitsIsASubscriptFault)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 300);
+    Show();
+    editor.mnuInsMeas();
+    Type("7\r7\r7\r7\r");
+    EXPECT_FAULT(editor.cmdNext(), SubscriptOutOfRange);
+}
+
+TEST_F(Insertion, KeepsDelMeasPasteAndTheTextModesOut)
+{
+    ShowFullMeasures(2);
+    editor.mnuCopy();
+    form.FrmCopyBox = {"1", "1"};
+    editor.cmdCopyMeasure();
+    editor.mnuInsMeas();
+    Type("7\r");
+    const std::string state = State(), table = Table();
+    editor.mnuDelMeas();
+    editor.mnuPaste();
+    editor.mnuChord();
+    editor.mnuLHEdit();
+    editor.mnuRHEdit();
+    editor.mnuRepeatEnds();
+    editor.mnuNoteBefore();
+    editor.mnuInsNoteAfter();
+    editor.mnuDelNote();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+}
+
+TEST_F(Insertion, ATuneWhoseLastMeasureHasOnlyAHeadHasItsIndexAsLastNote)
+{
+    Type("1\r1\r1\r1\r\r2\r");
+    EXPECT_EQ(tune.LastNote, 7);
+    Key(kKeyBackspace);
+    EXPECT_EQ(tune.LastNote, 6);
+    EXPECT_TRUE(tune[6].IsHead());
+    EXPECT_EQ(tune.LastMeas, 2);
+    EXPECT_EQ(tune[tune.LastNote].Measure, tune.LastMeas);
+}
+
+}  // namespace
+}  // namespace quillon

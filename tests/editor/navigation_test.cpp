@@ -1,0 +1,334 @@
+#include "support/editor_desk.h"
+
+namespace quillon {
+namespace {
+
+class Navigation : public EditorDesk {};
+
+TEST_F(Navigation, NextInAnEmptyOpenMeasureOnlyKeepsTheFocus)
+{
+    const std::string state = State(), table = Table();
+    editor.cmdNext();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+}
+
+TEST_F(Navigation, NextAfterAFullMeasureOpensANewOneBehindItsLastNote)
+{
+    Type("1\r1\r1\r1\r\r");
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.MeasHead, 6);
+    EXPECT_EQ(tune.CurNote, 7);
+    EXPECT_EQ(RecordText(tune[6]), "2 999 0 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"");
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.MeasFill, 0);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_TRUE(form.Timer1Enabled);
+    EXPECT_EQ(view.EndBarX, 350);
+    EXPECT_EQ(tune.LastNote, 5) << "a head alone is not in use yet";
+    EXPECT_EQ(tune.LastMeas, 1);
+}
+
+TEST_F(Navigation, NextMayLeaveAPartlyFilledLastMeasure)
+{
+    Type("1\r");
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.MeasHead, 3);
+    EXPECT_EQ(tune.CurNote, 4);
+    EXPECT_TRUE(tune[3].IsHead());
+}
+
+TEST_F(Navigation, ANewMeasureTakesTheSignatureInForce)
+{
+    Click(5, 60);  // 3/8
+    Type("1\r1\r\r");
+    EXPECT_EQ(tune[4].Beats, 3);
+    EXPECT_EQ(tune[4].BeatUnit, 8);
+}
+
+TEST_F(Navigation, PreviousOnMeasure1GoesToLastMeas)
+{
+    ShowFullMeasures(3);
+    editor.cmdPrevious();
+    EXPECT_EQ(tune.CurMeas, 3);
+    EXPECT_EQ(form.MeasHead, 11);
+    EXPECT_EQ(form.MeasEnd, 15);
+    EXPECT_EQ(tune.CurNote, 12);
+    EXPECT_EQ(form.CursorX, 48);
+}
+
+TEST_F(Navigation, NextInReviewStatePastLastMeasGoesToMeasure1)
+{
+    ShowFullMeasures(3);
+    editor.cmdNext();
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 3);
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 1);
+    EXPECT_EQ(form.EntryState, kReviewState);
+}
+
+TEST_F(Navigation, NextPutsTheCursorOnTheLowestStringOfTheFirstNote)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    AddNote(tune, 7, 2, "1").Slot(4) = "2";
+    Show();
+    EXPECT_EQ(form.CursorY, StringY(4));
+    EXPECT_EQ(tune.CurNote, 2);
+}
+
+TEST_F(Navigation, NextInReviewStateOnAMeasureThatStartsWithARestLeavesCursorYAt54)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    AddNote(tune, 99);
+    Show();
+    EXPECT_EQ(form.CursorY, 54);
+}
+
+TEST_F(Navigation, NextInEditStateOnARestGoesToTheLowestString)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddNote(tune, 93);
+    Show();
+    form.EntryState = kEditState;
+    editor.cmdNext();
+    EXPECT_EQ(form.CursorY, StringY(6));
+    EXPECT_EQ(form.EntryState, kEditState);
+}
+
+TEST_F(Navigation, NextInEditStateReachesTheUnfilledEndInAppendState)
+{
+    Type("1\r1\r1\r1\r\r2\r");
+    editor.cmdPrevious();
+    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(tune.CurMeas, 1);
+    editor.cmdNext();
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.CurNote, 8);
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.MeasEnd, 7);
+}
+
+TEST_F(Navigation, NextInEditStateOnTheFullLastMeasureOpensANewOne)
+{
+    ShowFullMeasures(2);
+    form.EntryState = kEditState;
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 2);
+    editor.cmdNext();
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurMeas, 3);
+    EXPECT_EQ(form.MeasHead, 11);
+    EXPECT_EQ(tune.CurNote, 12);
+}
+
+TEST_F(Navigation, PreviousFromTheOpenMeasureGoesIntoEditState)
+{
+    Type("1\r1\r1\r1\r\r2\r\r");
+    EXPECT_EQ(tune.CurMeas, 2);
+    editor.cmdPrevious();
+    EXPECT_EQ(tune.CurMeas, 1);
+    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(tune.CurNote, 2);
+}
+
+TEST_F(Navigation, PreviousOntoTheUnfilledLastMeasureAppends)
+{
+    Type("1\r1\r1\r1\r\r2\r");
+    editor.cmdPrevious();
+    editor.cmdPrevious();  // wraps from 1 to 2
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurNote, 8);
+    EXPECT_EQ(form.CursorX, 72);
+}
+
+TEST_F(Navigation, PreviousInAnEmptyTuneDoesNothing)
+{
+    const std::string state = State(), table = Table();
+    editor.cmdPrevious();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+}
+
+TEST_F(Navigation, PreviousOnAMeasureOfAHeadAloneTakesOneStepPastIt)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddFullMeasures(tune, 1);
+    Show();
+    Goto("3");
+    editor.cmdPrevious();
+    EXPECT_EQ(form.MeasHead, 6);
+    EXPECT_EQ(form.MeasEnd, 7);
+}
+
+TEST_F(Navigation, NextEndsTheTextModesAndPreviousNotTheHandModes)
+{
+    for (int mode : {kChordMode, kLeftHandMode, kRightHandMode, kBracketMode}) {
+        ShowFullMeasures(2);
+        form.InputMode = mode;
+        editor.cmdNext();
+        EXPECT_EQ(form.InputMode, kFretMode) << mode;
+        form.InputMode = mode;
+        editor.cmdPrevious();
+        const bool stays = mode == kLeftHandMode || mode == kRightHandMode;
+        EXPECT_EQ(form.InputMode, stays ? mode : kFretMode) << mode;
+    }
+}
+
+TEST_F(Navigation, MovingShowsTheValueOfTheNoteAndKeepsTheSelectedOne)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddNote(tune, 11, 1, "5");
+    Show();
+    editor.cmdNext();
+    EXPECT_EQ(form.Toolbar1, 11);
+    EXPECT_EQ(form.CurValue, 7);
+}
+
+TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
+{
+    EmptyTable();
+    Show();
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurNote, 2);
+    EXPECT_EQ(tune.LastNote, 0);
+    EXPECT_EQ(tune.CurMeas, 1);
+}
+
+TEST_F(Navigation, GotoOffersTheMeasureAndGoesToItsFirstNote)
+{
+    ShowFullMeasures(4);
+    Goto("3");
+    EXPECT_EQ(dialogs.PromptTexts.back(), "Measure Number|1");
+    EXPECT_EQ(tune.CurMeas, 3);
+    EXPECT_EQ(form.MeasHead, 11);
+    EXPECT_EQ(tune.CurNote, 12);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.lblMeasNum, "3");
+}
+
+TEST_F(Navigation, GotoOutsideTheTuneOrCancelledStaysAndGoesToTheFirstNote)
+{
+    for (const char* answer : {"0", "-1", "5", "99", "", "abc", "1e9"}) {
+        ShowFullMeasures(4);
+        Goto("2");
+        Key(kKeyRight);
+        EXPECT_EQ(tune.CurNote, 8);
+        Goto(answer);
+        EXPECT_EQ(tune.CurMeas, 2) << answer;
+        EXPECT_EQ(tune.CurNote, 7) << answer;
+        EXPECT_EQ(form.CursorX, 48) << answer;
+    }
+    Key(kKeyRight);
+    editor.lblMeasNum();  // cancelled
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.CurNote, 7);
+}
+
+TEST_F(Navigation, GotoWithAFractionRoundsTiesToEven)
+{
+    ShowFullMeasures(4);
+    for (const auto& [answer, measure] :
+         {std::pair{"1.5", 2}, {"2.5", 2}, {"2.6", 3}, {"3.5", 4}, {"4.5", 4}, {"1.4", 1}}) {
+        Goto(answer);
+        EXPECT_EQ(tune.CurMeas, measure) << answer;
+    }
+}
+
+TEST_F(Navigation, GotoTestsTheRealValueBeforeItRounds)
+{
+    ShowFullMeasures(3);
+    Goto("3.9");  // below 4, so accepted, and then rounded to a measure that is not there
+    EXPECT_EQ(tune.CurMeas, 4);
+    EXPECT_EQ(form.MeasHead, 1) << "a measure that is not found leaves the old one";
+}
+
+TEST_F(Navigation, GotoLeavesTheUnfilledLastMeasureInEditState)
+{
+    Type("1\r1\r1\r1\r\r2\r");
+    Goto("2");
+    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(tune.CurNote, 7);
+}
+
+TEST_F(Navigation, AppendGoesBehindTheTunesEnd)
+{
+    ShowFullMeasures(2);
+    editor.mnuAppend();
+    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurMeas, 3);
+    EXPECT_EQ(form.MeasHead, 11);
+    EXPECT_EQ(tune.CurNote, 12);
+}
+
+TEST_F(Navigation, TheToolbarGivesTheNoteItsValueAndARestItsRest)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    AddNote(tune, 7, 1, "5");
+    AddNote(tune, 99);
+    Show();
+    editor.Toolbar1(4);
+    EXPECT_EQ(tune[2].NoteCode, 4);
+    EXPECT_EQ(form.CurValue, 4);
+    EXPECT_EQ(form.Toolbar1, 4);
+    EXPECT_EQ(tune[3].XPos, 48 + 18) << "redrawn";
+    tune.CurNote = 3;
+    const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
+    for (int value = 1; value <= 11; ++value) {
+        editor.Toolbar1(value);
+        EXPECT_EQ(tune[3].NoteCode, rests[value - 1]) << value;
+    }
+}
+
+TEST_F(Navigation, TheToolbarLeavesAHeadAHead)
+{
+    ShowFullMeasures(1);
+    tune.CurNote = 1;
+    editor.Toolbar1(4);
+    EXPECT_EQ(tune[1].NoteCode, kHead);
+}
+
+TEST_F(Navigation, AToolbarValueWithoutAButtonPutsAllUp)
+{
+    editor.SetToolbarValue(50);
+    EXPECT_EQ(form.Toolbar1, 0);
+}
+
+TEST_F(Navigation, ANewMeasurePastTheTableIsASubscriptFault)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 300);  // 1500 records
+    EXPECT_EQ(tune.LastNote, kLastRecord);
+    Show();
+    EXPECT_FAULT(editor.mnuAppend(), SubscriptOutOfRange);
+}
+
+TEST_F(Navigation, FocusThatStaysRedrawsNothing)
+{
+    const unsigned before = view.StaffBox.Picture().Revision();
+    editor.SetFocus(Control::StaffBox);
+    EXPECT_EQ(view.StaffBox.Picture().Revision(), before);
+    editor.SetFocus(Control::cmdNext);
+    EXPECT_EQ(view.StaffBox.Picture().Revision(), before);
+    form.Timer1Enabled = false;
+    editor.SetFocus(Control::StaffBox);
+    EXPECT_NE(view.StaffBox.Picture().Revision(), before);
+    EXPECT_TRUE(form.Timer1Enabled);
+}
+
+}  // namespace
+}  // namespace quillon

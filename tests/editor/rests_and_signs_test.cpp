@@ -1,0 +1,270 @@
+#include "support/editor_desk.h"
+
+namespace quillon {
+namespace {
+
+class RestsAndSigns : public EditorDesk {};
+
+TEST_F(RestsAndSigns, ARestTypedAsTheLastValueThatFillsAMeasureSendsTheFocusToNext)
+{
+    Type("1\r1\r1\r");
+    editor.mnuRest();
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+    EXPECT_EQ(tune[5].NoteCode, 99);
+    EXPECT_EQ(tune.LastNote, 5);
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.MeasEnd, 5);
+    EXPECT_FALSE(form.Timer1Enabled);
+}
+
+TEST_F(RestsAndSigns, ARestInAnUnfilledMeasureMovesOnBehindItself)
+{
+    editor.mnuRest();
+    EXPECT_EQ(RecordText(tune[2]), "1 99 48 0 4 4 4 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"");
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune.LastNote, 2);
+    EXPECT_EQ(tune.LastMeas, 1);
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(RestsAndSigns, TheRestOfADottedQuarterIs99With12TicksSoTheMeasureStaysShort)
+{
+    Type(".");
+    EXPECT_EQ(form.CurValue, 8);
+    editor.mnuRest();
+    EXPECT_EQ(tune[2].NoteCode, 99);
+    EXPECT_EQ(form.MeasFill, 12);
+    for (int i = 0; i < 2; ++i)
+        Type("1\r");
+    EXPECT_EQ(form.MeasFill, 48);
+    NewTune(6);
+    form.CurValue = 8;
+    Type("1\r");
+    editor.mnuRest();
+    Type("1\r");
+    EXPECT_EQ(form.MeasFill, 48) << "18 + 12 + 18";
+}
+
+TEST_F(RestsAndSigns, EveryValueHasItsRest)
+{
+    const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
+    for (int value = 1; value <= 11; ++value) {
+        NewTune(6);
+        form.CurValue = value;
+        editor.mnuRest();
+        EXPECT_EQ(tune[2].NoteCode, rests[value - 1]) << value;
+        EXPECT_EQ(tune[2].Spacing, SpacingOf(rests[value - 1])) << value;
+    }
+}
+
+TEST_F(RestsAndSigns, ARestWithoutASelectedValueLeavesTheCode)
+{
+    form.CurValue = 0;
+    editor.mnuRest();
+    EXPECT_EQ(tune[2].NoteCode, 0);
+    EXPECT_EQ(tune[2].Measure, 1);
+}
+
+TEST_F(RestsAndSigns, TheRestButtonGivesStaffBoxTheFocusEvenWhenTheMeasureIsFull)
+{
+    Type("1\r1\r1\r");
+    editor.SetFocus(Control::cmdRest);
+    editor.cmdRest();
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_EQ(tune[5].NoteCode, 99);
+}
+
+TEST_F(RestsAndSigns, HalfAndWholeRestsHaveTheirOwnValueWhateverIsSelected)
+{
+    form.CurValue = 2;
+    editor.mnuHalfRest();
+    EXPECT_EQ(tune[2].NoteCode, 92);
+    EXPECT_EQ(tune[2].Spacing, 8);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    editor.mnuHalfRest();
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+    NewTune(6);
+    editor.mnuWholeRest();
+    EXPECT_EQ(tune[2].NoteCode, 93);
+    EXPECT_EQ(tune[2].Spacing, 16);
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+}
+
+TEST_F(RestsAndSigns, ARestThatOverwritesANoteClearsItsStringsAndKeepsChordAndHands)
+{
+    ShowFullMeasures(2);
+    NoteRecord& note = tune[2];
+    note.ChordText = "Am";
+    note.LeftHand = '1';
+    note.RightHand = 'p';
+    editor.mnuRest();
+    EXPECT_EQ(note.NoteCode, 99);
+    EXPECT_EQ(note.HighestFilledSlot(), 0);
+    EXPECT_EQ(note.ChordText, "Am");
+    EXPECT_EQ(note.LeftHand, '1');
+    EXPECT_EQ(note.RightHand, 'p');
+    EXPECT_EQ(tune.CurNote, 3) << "moved on by one";
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.CursorY, StringY(2));
+    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(tune.LastNote, 10);
+}
+
+TEST_F(RestsAndSigns, ARestOnTheLastNoteButOneGoesToTheLastAndAppends)
+{
+    ShowFullMeasures(1);
+    Key(kKeyRight);
+    Key(kKeyRight);
+    EXPECT_EQ(tune.CurNote, 4);
+    editor.mnuRest();
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.CursorX, tune[4].XPos + 24);
+    EXPECT_EQ(form.EntryState, kAppendState);
+}
+
+TEST_F(RestsAndSigns, ARestOnTheMeasuresLastNoteStays)
+{
+    ShowFullMeasures(2);
+    for (int i = 0; i < 3; ++i)
+        Key(kKeyRight);
+    editor.mnuRest();
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.EntryState, kReviewState);
+}
+
+TEST_F(RestsAndSigns, DoubBarOnAMeasureWith99RemovesTheRepeatAndASecondOneSets94)
+{
+    ShowFullMeasures(2);
+    editor.mnuRptSign();
+    EXPECT_EQ(tune[1].BarCode, "99");
+    editor.mnuDoubBar();
+    EXPECT_EQ(tune[1].BarCode, "");
+    editor.mnuDoubBar();
+    EXPECT_EQ(tune[1].BarCode, "94");
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(RestsAndSigns, BarsAreDrawnAtOnceWithoutARedraw)
+{
+    ShowFullMeasures(2);  // the bar is at 144
+    const std::string plain = Log();
+    editor.mnuDoubBar();
+    EXPECT_EQ(Drawn(plain), "line 144 36 144 76 w=3\nline 141 36 141 76 w=1\n");
+    editor.mnuDoubBar();
+    EXPECT_EQ(Log(), plain);
+    editor.mnuBegDoubBar();
+    EXPECT_EQ(Drawn(plain), "line 23 36 23 76 w=3\nline 27 36 27 76 w=1\nline 144 36 144 76 w=1\n");
+    editor.mnuBegDoubBar();
+    editor.mnuRptStart();
+    EXPECT_EQ(Drawn(plain), "line 23 36 23 76 w=3\nline 27 36 27 76 w=1\n"
+                            "circle 32 47 2 w=1 fill=solid\ncircle 32 67 2 w=1 fill=solid\n");
+    EXPECT_EQ(tune[1].BarCode, "98");
+    editor.mnuRptStart();
+    editor.mnuRptSign();
+    EXPECT_EQ(Drawn(plain), "line 144 36 144 76 w=3\nline 141 36 141 76 w=1\n"
+                            "circle 137 47 2 w=1 fill=solid\ncircle 137 67 2 w=1 fill=solid\n");
+}
+
+TEST_F(RestsAndSigns, DcOnAMeasureWithTheSignReplacesIt)
+{
+    ShowFullMeasures(2);
+    editor.mnuSign();
+    EXPECT_EQ(tune[1].Slot(1), "87");
+    editor.mnuDC();
+    EXPECT_EQ(tune[1].Slot(1), "82");
+    editor.mnuDC();
+    EXPECT_EQ(tune[1].Slot(1), "");
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(RestsAndSigns, EverySignTogglesItsOwnCode)
+{
+    const std::pair<void (Editor::*)(), const char*> commands[] = {
+        {&Editor::mnuDS, "81"},     {&Editor::mnuDC, "82"},      {&Editor::mnuFine, "83"},
+        {&Editor::mnuCoda, "84"},   {&Editor::mnuDCcoda, "85"},  {&Editor::mnuDCfine, "86"},
+        {&Editor::mnuSign, "87"},   {&Editor::mnuDScoda, "88"},  {&Editor::mnuDSfine, "89"},
+    };
+    ShowFullMeasures(2);
+    const std::string plain = Log();
+    for (const auto& [command, code] : commands) {
+        (editor.*command)();
+        EXPECT_EQ(tune[1].Slot(1), code);
+        EXPECT_EQ(Drawn(plain).substr(0, 5), "text ") << code;
+        (editor.*command)();
+        EXPECT_EQ(tune[1].Slot(1), "");
+        EXPECT_EQ(Log(), plain) << code;
+    }
+}
+
+TEST_F(RestsAndSigns, CodaAndSignAreDrawnOverTheOldSignUntilARedraw)
+{
+    ShowFullMeasures(2);
+    editor.mnuDC();
+    const std::string withDc = Log();
+    editor.mnuCoda();
+    EXPECT_EQ(Drawn(withDc), "text 12 12 size=10 font=\"Tab\" bold=1 \"@\"\n");
+    EXPECT_EQ(view.StaffBox.Font.Name, "Arial");
+    editor.mnuDC();
+    EXPECT_EQ(Log(), withDc) << "D.C. redraws";
+}
+
+TEST_F(RestsAndSigns, ASignOnAnEmptyOpenMeasureStaysInItsHead)
+{
+    editor.mnuFine();
+    EXPECT_EQ(tune[1].Slot(1), "83");
+    Type("1\r");
+    EXPECT_EQ(tune[1].Slot(1), "83");
+}
+
+TEST_F(RestsAndSigns, ARepeatBracketIsTypedInItsBoxAndEnterStoresIt)
+{
+    ShowFullMeasures(2);
+    const std::string plain = Log();
+    editor.mnuRepeatEnds();
+    EXPECT_EQ(form.InputMode, kBracketMode);
+    EXPECT_EQ(form.Focus, Control::txtRptBracket);
+    EXPECT_TRUE(form.txtRptBracket.Visible && form.txtRptBracket.Enabled);
+    EXPECT_EQ(form.txtRptBracket.Text, "");
+    EXPECT_EQ(Drawn(plain), "line 6 30 6 6 w=1\nline 6 6 144 6 w=1\n");
+    form.txtRptBracket.Text = "1.";
+    editor.txtRptBracketEnter();
+    EXPECT_EQ(tune[1].Slot(2), "1.");
+    EXPECT_FALSE(form.txtRptBracket.Visible || form.txtRptBracket.Enabled);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_EQ(form.InputMode, kFretMode);
+    editor.mnuRepeatEnds();
+    EXPECT_EQ(tune[1].Slot(2), "");
+    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(Log(), plain);
+}
+
+TEST_F(RestsAndSigns, ACancelledRemarkWipesTheRemark)
+{
+    ShowFullMeasures(2);
+    const std::string plain = Log();
+    dialogs.Prompts.push_back("Slowly");
+    editor.mnuRemarks();
+    EXPECT_EQ(dialogs.PromptTexts.back(), "Remarks: |");
+    EXPECT_EQ(tune[1].Slot(3), "Slowly");
+    EXPECT_EQ(Drawn(plain), "text 48 4 size=10 font=\"Arial\" bold=1 \"Slowly\"\n");
+    editor.mnuRemarks();
+    EXPECT_EQ(dialogs.PromptTexts.back(), "Remarks: |Slowly");
+    EXPECT_EQ(tune[1].Slot(3), "");
+    EXPECT_EQ(form.Saved, 1) << "left alone";
+}
+
+TEST_F(RestsAndSigns, AHardLineBreakTogglesAndLeavesSavedAlone)
+{
+    ShowFullMeasures(2);
+    editor.mnuHardBrk();
+    EXPECT_EQ(tune[1].Slot(6), "NL");
+    EXPECT_EQ(form.hdbkbox, "Line Break");
+    editor.mnuHardBrk();
+    EXPECT_EQ(tune[1].Slot(6), "");
+    EXPECT_EQ(form.hdbkbox, "");
+    EXPECT_EQ(form.Saved, 1);
+}
+
+}  // namespace
+}  // namespace quillon

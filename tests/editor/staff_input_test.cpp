@@ -1,0 +1,647 @@
+#include "support/editor_desk.h"
+
+namespace quillon {
+namespace {
+
+class StaffInput : public EditorDesk {};
+
+TEST_F(StaffInput, TwoDigitsOnOneStringMakeOneTextAndMoveTheCursorBy12)
+{
+    Type("12");
+    EXPECT_EQ(tune[2].Slot(6), "12");
+    EXPECT_EQ(form.CursorX, 60);
+    EXPECT_EQ(tune[2].NoteCode, 7);
+    EXPECT_EQ(tune[2].Measure, 1);
+    EXPECT_EQ(tune[2].XPos, 48);
+    EXPECT_EQ(form.MeasEnd, 2);
+    EXPECT_EQ(tune.LastNote, 2);
+    EXPECT_EQ(tune.LastMeas, 0) << "Enter commits";
+    EXPECT_EQ(form.Saved, 0);
+    Type("\r");
+    EXPECT_EQ(tune[2].Spacing, 4);
+    EXPECT_EQ(tune.LastMeas, 1);
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(tune.CurNote, 3);
+}
+
+TEST_F(StaffInput, AQuarterOfFourCharactersGetsSpacing5)
+{
+    Type("10-2\r");
+    EXPECT_EQ(tune[2].Slot(6), "10-2");
+    EXPECT_EQ(tune[2].Spacing, 5);
+    EXPECT_EQ(form.CursorX, 78);
+}
+
+TEST_F(StaffInput, TwoStringsAtOnePositionMakeAChordInOneRecord)
+{
+    Type("3");
+    Key(kKeyUp);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.CursorY, StringY(5));
+    Type("2\r");
+    EXPECT_EQ(tune[2].Slot(6), "3");
+    EXPECT_EQ(tune[2].Slot(5), "2");
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune.LastNote, 2);
+}
+
+TEST_F(StaffInput, EnterInAnEmptyPositionLeavesEverythingAsItWas)
+{
+    form.Saved = 0;
+    const std::string state = State(), table = Table(), log = Log();
+    Type("\r");
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(Log(), log);
+}
+
+TEST_F(StaffInput, ANoteThatFillsTheMeasureExactlyGivesNextTheFocus)
+{
+    Type("1\r1\r1\r");
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    Type("1\r");
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+    EXPECT_FALSE(form.Timer1Enabled);
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(tune.LastNote, 5);
+}
+
+TEST_F(StaffInput, AMeasureOverfilledByALastLongNoteCountsAsFullToo)
+{
+    Type("1\r1\r1\r");
+    editor.Toolbar1(11);
+    Type("1\r");
+    EXPECT_EQ(form.MeasFill, 84);
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+    EXPECT_EQ(tune.CurNote, 5);
+}
+
+TEST_F(StaffInput, BackspaceOnTheOnlyNoteBringsTheCursorTo48AndAllowsASignatureClickAgain)
+{
+    Type("3\r");
+    Click(5, 60);
+    EXPECT_EQ(form.CurBeatUnit, 4) << "not with a note in the measure";
+    Click(200, 60);
+    EXPECT_EQ(tune.CurNote, 3);
+    Type("\b");
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(tune.CurNote, 2);
+    EXPECT_EQ(form.MeasEnd, 0);
+    EXPECT_EQ(tune.LastNote, 1);
+    EXPECT_TRUE(tune[2].IsClear());
+    Click(5, 60);
+    EXPECT_EQ(form.CurBeatUnit, 8);
+    EXPECT_EQ(form.CurBeats, 3);
+    EXPECT_EQ(tune[1].BeatUnit, 8);
+}
+
+TEST_F(StaffInput, BackspaceStepsBackOverOneNote)
+{
+    Type("1\r2\r");
+    Type("\b");
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune.LastNote, 2);
+    EXPECT_EQ(form.MeasEnd, 2);
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_TRUE(tune[3].IsClear());
+    EXPECT_EQ(tune[2].Slot(6), "1");
+}
+
+TEST_F(StaffInput, BackspaceDropsATypedTextWithoutSteppingBack)
+{
+    Type("1\r2");
+    Type("\b");
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_TRUE(tune[3].IsClear());
+    EXPECT_EQ(tune.LastNote, 3) << "stays";
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.MeasEnd, 2);
+}
+
+TEST_F(StaffInput, BackspaceDoesNothingInEditStateAndEmptiesTheStringInReviewState)
+{
+    ShowFullMeasures(1);
+    tune.CurNote = 3;
+    form.CursorX = 90;
+    form.EntryState = kEditState;
+    const std::string table = Table();
+    Key(kKeyBackspace);
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(form.Saved, 1);
+    form.EntryState = kReviewState;
+    Key(kKeyBackspace);
+    EXPECT_EQ(tune[3].Slot(2), "");
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(StaffInput, RetypingInReviewStateReplacesTheTextOnlyWhileTheCursorIsOnTheNote)
+{
+    ShowFullMeasures(1);
+    Type("5");
+    EXPECT_EQ(tune[2].Slot(2), "5");
+    Type("7");
+    EXPECT_EQ(tune[2].Slot(2), "57");
+    Type("\r");
+    EXPECT_EQ(form.CursorX, 48) << "Enter goes back to the note";
+    EXPECT_EQ(tune.CurNote, 2);
+    Type("3");
+    EXPECT_EQ(tune[2].Slot(2), "3");
+}
+
+TEST_F(StaffInput, ALeftHandLetterLeavesTheCursor6PastTheNoteSoAFretIsAppended)
+{
+    ShowFullMeasures(1);
+    editor.mnuLHEdit();
+    EXPECT_EQ(form.InputMode, kLeftHandMode);
+    EXPECT_EQ(form.CursorX, 54);
+    EXPECT_EQ(form.CursorY, 68 + 48);
+    Type("2");
+    EXPECT_EQ(tune[2].LeftHand, '2');
+    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.CursorX, 54);
+    EXPECT_EQ(form.CursorY, StringY(2));
+    Type("5");
+    EXPECT_EQ(tune[2].Slot(2), "15");
+}
+
+TEST_F(StaffInput, HandLettersArePrintedAtOnce)
+{
+    ShowFullMeasures(1);
+    editor.mnuLHEdit();
+    std::string before = Log();
+    Type("2");
+    EXPECT_EQ(Drawn(before), "text 54 108 size=10 font=\"Arial\" bold=1 \"2\"\n");
+    form.CursorX = 48;
+    editor.mnuRHEdit();
+    EXPECT_EQ(form.CursorY, 44 + 60);
+    before = Log();
+    Type("p");
+    EXPECT_EQ(Drawn(before), "text 54 88 size=10 font=\"Arial\" bold=1 \"p\"\n");
+    EXPECT_EQ(tune[2].RightHand, 'p');
+}
+
+TEST_F(StaffInput, EnterAndBackspaceEndTheHandModesWithABlank)
+{
+    ShowFullMeasures(1);
+    form.EntryState = kEditState;
+    for (const char* key : {"\r", "\b"}) {
+        tune[2].LeftHand = 'x';
+        editor.mnuLHEdit();
+        Type(key);
+        EXPECT_EQ(tune[2].LeftHand, ' ');
+        EXPECT_EQ(form.InputMode, kFretMode);
+        EXPECT_EQ(form.CursorY, StringY(2));
+        form.CursorX = 48;
+    }
+}
+
+// The key goes to the string under the cursor first, and in the row of the letters there is none.
+TEST_F(StaffInput, BackspaceInAHandModeInReviewStateIsASubscriptFault)
+{
+    ShowFullMeasures(1);
+    editor.mnuRHEdit();
+    EXPECT_FAULT(Type("\b"), SubscriptOutOfRange);
+}
+
+TEST_F(StaffInput, OtherControlCharactersAreDroppedByTheHandModes)
+{
+    ShowFullMeasures(1);
+    editor.mnuLHEdit();
+    Type("\x1b\t");
+    EXPECT_EQ(form.InputMode, kLeftHandMode);
+    Type("\xE9");
+    EXPECT_EQ(tune[2].LeftHand, '\xE9');
+}
+
+TEST_F(StaffInput, FretCharactersAreTheseAndNoOthers)
+{
+    Type("0123456789-><xX^/()=");
+    EXPECT_EQ(tune[2].Slot(6), "0123456789-><xX^/()=");
+    NewTune(6);
+    Type("abcyz,;:!\"#$%&'?@[]{}|~_ \x1b\t\xE9");
+    EXPECT_TRUE(tune[2].IsClear());
+}
+
+TEST_F(StaffInput, AFretIsPrintedAtOnce)
+{
+    const std::string before = Log();
+    Type("12");
+    EXPECT_EQ(Drawn(before), "text 48 70 size=10 font=\"Arial\" bold=1 \"1\"\n"
+                             "text 54 70 size=10 font=\"Arial\" bold=1 \"2\"\n");
+}
+
+TEST_F(StaffInput, AFretOffTheStringsGoesToTheLowest)
+{
+    form.CursorY = 84;
+    Type("1");
+    EXPECT_EQ(tune[2].Slot(6), "1");
+    NewTune(4);
+    form.CursorY = 18;
+    Type("2");
+    EXPECT_EQ(tune[2].Slot(4), "2");
+}
+
+TEST_F(StaffInput, TheStringUnderTheCursorRoundsTiesToEven)
+{
+    form.CursorY = 54;  // 3.25
+    Type("1");
+    EXPECT_EQ(tune[2].Slot(3), "1");
+    NewTune(6);
+    form.CursorY = 48;  // 2.5
+    Type("1");
+    EXPECT_EQ(tune[2].Slot(2), "1");
+    NewTune(6);
+    form.CursorY = 56;  // 3.5
+    Type("1");
+    EXPECT_EQ(tune[2].Slot(4), "1");
+}
+
+TEST_F(StaffInput, ValueKeysStepDotAndMakeTriplets)
+{
+    const int plus[] = {2, 4, 4, 7, 7, 7, 2, 2, 7, 7, 7};
+    const int dot[] = {5, 5, 5, 5, 5, 8, 8, 8, 8, 8, 8};
+    const int triplet[] = {1, 1, 3, 3, 3, 6, 6, 6, 9, 10, 11};
+    for (int value = 1; value <= 11; ++value) {
+        const std::pair<const char*, int> keys[] = {
+            {"+", plus[value - 1]}, {".", dot[value - 1]}, {"*", triplet[value - 1]}};
+        for (const auto& [key, result] : keys) {
+            form.CurValue = value;
+            form.Toolbar1 = value;
+            Type(key);
+            EXPECT_EQ(form.CurValue, result) << key << " at " << value;
+            EXPECT_EQ(form.Toolbar1, result) << key << " at " << value;
+        }
+    }
+    EXPECT_TRUE(tune[2].IsClear()) << "the record takes the value at Enter";
+}
+
+TEST_F(StaffInput, TheTripletKeyOnALongValueDoesNothingAtAll)
+{
+    form.CurValue = 9;
+    form.Toolbar1 = 3;
+    Type("*");
+    EXPECT_EQ(form.Toolbar1, 3);
+}
+
+TEST_F(StaffInput, ANoteTakesTheValueSelectedAtEnter)
+{
+    Type("1+\r");
+    EXPECT_EQ(tune[2].NoteCode, 2);
+    EXPECT_EQ(tune[2].Spacing, 2);
+}
+
+TEST_F(StaffInput, UpAndDownWrapAndGoToTheNote)
+{
+    NewTune(5);
+    Key(kKeyDown);
+    EXPECT_EQ(form.CursorY, StringY(1));
+    Key(kKeyUp);
+    EXPECT_EQ(form.CursorY, StringY(5));
+    Type("1");
+    EXPECT_EQ(form.CursorX, 54);
+    Key(kKeyDown);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(StaffInput, DeleteEmptiesTheStringInFretModeAlone)
+{
+    ShowFullMeasures(1);
+    form.InputMode = kLeftHandMode;
+    Key(kKeyDelete);
+    EXPECT_EQ(tune[2].Slot(2), "1");
+    form.InputMode = kFretMode;
+    Key(kKeyDelete);
+    EXPECT_EQ(tune[2].Slot(2), "");
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(StaffInput, DeleteWithTheCursorWhereDelMeasLeavesItIsASubscriptFault)
+{
+    ShowFullMeasures(1);
+    editor.mnuDelMeas();
+    EXPECT_EQ(form.CursorY, 84);
+    EXPECT_FAULT(Key(kKeyDelete), SubscriptOutOfRange);
+}
+
+TEST_F(StaffInput, BackspaceOnNoStringInReviewStateIsASubscriptFault)
+{
+    ShowFullMeasures(1);
+    form.CursorY = 84;
+    EXPECT_FAULT(Key(kKeyBackspace), SubscriptOutOfRange);
+}
+
+TEST_F(StaffInput, LeftShowsTheButtonOfTheNoteButOfAHalfRestButton8)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    for (int code : {92, 93, 94, 95, 96, 97, 98, 99, 5, 7})
+        AddNote(tune, code, code < 12 ? 3 : 0, "1");
+    Show();
+    form.CurValue = 2;
+    tune.CurNote = 11;
+    for (int button : {5, 7, 6, 4, 3, 2, 1, 11, 8}) {
+        Key(kKeyLeft);
+        EXPECT_EQ(form.Toolbar1, button);
+    }
+    EXPECT_EQ(tune.CurNote, 2);
+    const std::string state = State();
+    Key(kKeyLeft);
+    EXPECT_EQ(State(), state) << "nothing at the first note";
+    EXPECT_EQ(form.CurValue, 2) << "only the buttons follow";
+}
+
+TEST_F(StaffInput, RightShowsButton9OfAHalfRest)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    AddNote(tune, 7, 4, "1");
+    AddNote(tune, 92);
+    AddNote(tune, 93);
+    Show();
+    Key(kKeyRight);
+    EXPECT_EQ(form.Toolbar1, 9);
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_EQ(form.CursorY, StringY(4)) << "a rest leaves it";
+    Key(kKeyRight);
+    EXPECT_EQ(form.Toolbar1, 11);
+    const std::string state = State();
+    Key(kKeyRight);
+    EXPECT_EQ(State(), state);
+}
+
+TEST_F(StaffInput, LeftFromTheFreeEndEditsAndRightComesBack)
+{
+    Type("1\r2\r");
+    Key(kKeyLeft);
+    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(form.CursorX, 72);
+    Key(kKeyRight);
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurNote, 4);
+    EXPECT_EQ(form.CursorX, 96);
+    const std::string state = State();
+    Key(kKeyRight);
+    EXPECT_EQ(State(), state) << "nothing in AppendState";
+}
+
+TEST_F(StaffInput, RightOnTheLastNoteOfAFullTuneStays)
+{
+    ShowFullMeasures(1);
+    tune.CurNote = 5;
+    form.EntryState = kEditState;
+    Key(kKeyRight);
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.EntryState, kEditState);
+}
+
+TEST_F(StaffInput, UnknownKeysOnlyHideTheCaret)
+{
+    editor.Timer1();
+    const std::string table = Table();
+    Key(112);
+    EXPECT_EQ(form.CaretOn, 0);
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(form.Saved, 1);
+}
+
+TEST_F(StaffInput, AKeyPressMarksTheTuneAsUnsavedWhateverTheCharacter)
+{
+    Type("q");
+    EXPECT_EQ(form.Saved, 0);
+}
+
+TEST_F(StaffInput, TheTimerBlinksTheCaretByAnXorLine)
+{
+    const std::string before = Log();
+    editor.Timer1();
+    EXPECT_EQ(form.CaretOn, -1);
+    EXPECT_EQ(Drawn(before), "line 48 76 48 68 w=1 mode=xor\n");
+    EXPECT_EQ(view.StaffBox.DrawMode, PenMode::Plain);
+    editor.Timer1();
+    EXPECT_EQ(form.CaretOn, 0);
+    EXPECT_EQ(Log(), before);
+    editor.HideCaret();
+    EXPECT_EQ(Log(), before);
+}
+
+TEST_F(StaffInput, AChordTextIsTypedAboveTheNoteAndEnterEndsIt)
+{
+    ShowFullMeasures(1);
+    editor.mnuChord();
+    EXPECT_EQ(form.InputMode, kChordMode);
+    EXPECT_EQ(form.CursorY, 18);
+    EXPECT_EQ(form.SavedCursorY, StringY(2));
+    EXPECT_EQ(form.Saved, 0);
+    const std::string before = Log();
+    Type("Am");
+    EXPECT_EQ(tune[2].ChordText, "Am");
+    EXPECT_EQ(form.CursorX, 68);
+    EXPECT_EQ(Drawn(before), "text 48 12 size=10 font=\"Arial\" bold=1 \"A\"\n"
+                             "text 58 12 size=10 font=\"Arial\" bold=1 \"m\"\n");
+    Type("\b");
+    EXPECT_EQ(tune[2].ChordText, "A");
+    EXPECT_EQ(form.CursorX, 58);
+    Type("7\x1b\t\x7f\xE9\r");
+    EXPECT_EQ(tune[2].ChordText, "A7");
+    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.CursorY, StringY(2));
+}
+
+TEST_F(StaffInput, ChordEntryWipesTheOldChord)
+{
+    ShowFullMeasures(1);
+    tune[2].ChordText = "Cmaj7";
+    editor.mnuChord();
+    EXPECT_EQ(tune[2].ChordText, "");
+}
+
+TEST_F(StaffInput, AChordOverAFreeRecordTakesItIntoTheMeasure)
+{
+    editor.mnuChord();
+    Type("C\r");
+    EXPECT_EQ(form.MeasEnd, 2);
+    EXPECT_EQ(tune[2].ChordText, "C");
+}
+
+TEST_F(StaffInput, KeysAreNotForTheStaffWhileAChordIsTyped)
+{
+    ShowFullMeasures(1);
+    editor.mnuChord();
+    const std::string state = State();
+    for (int key : {kKeyLeft, kKeyUp, kKeyRight, kKeyDown, kKeyDelete, kKeyBackspace})
+        Key(key);
+    EXPECT_EQ(State(), state);
+}
+
+TEST_F(StaffInput, ABracketTypedOnStaffBoxIsStoredCharacterByCharacter)
+{
+    ShowFullMeasures(1);
+    form.InputMode = kBracketMode;
+    form.SavedCursorY = StringY(3);
+    const std::string before = Log();
+    Type("1.");
+    EXPECT_EQ(tune[1].Slot(2), "1.");
+    EXPECT_EQ(form.CursorX, 64);
+    EXPECT_EQ(Drawn(before), "text 48 6 size=10 font=\"Arial\" bold=1 \"1\"\n"
+                             "text 56 6 size=10 font=\"Arial\" bold=1 \".\"\n");
+    Type("\r");
+    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.CursorY, StringY(3));
+}
+
+TEST_F(StaffInput, AClickStoresTheBracketAndEndsItsBoxWithoutHidingIt)
+{
+    ShowFullMeasures(1);
+    editor.mnuRepeatEnds();
+    form.txtRptBracket.Text = "2.";
+    Click(60, 40);
+    EXPECT_EQ(tune[1].Slot(2), "2.");
+    EXPECT_FALSE(form.txtRptBracket.Enabled);
+    EXPECT_TRUE(form.txtRptBracket.Visible);
+    EXPECT_EQ(form.InputMode, kFretMode);
+}
+
+TEST_F(StaffInput, AClickTakesTheLastNoteLeftOfItAndExactlyOnANoteTheOneBefore)
+{
+    ShowFullMeasures(1);  // at 48, 72, 96, 120
+    for (const auto& [x, note] : {std::pair{50, 2}, {72, 2}, {73, 3}, {96, 3}, {97, 4}, {120, 4},
+                                  {121, 5}, {138, 5}, {200, 5}, {20, 2}}) {
+        Click(x, 44);
+        EXPECT_EQ(tune.CurNote, note) << x;
+        EXPECT_EQ(form.CursorX, tune[note].XPos) << x;
+    }
+}
+
+TEST_F(StaffInput, AClickRightOfTheUnfilledEndAppends)
+{
+    Type("1\r2\r");
+    Click(60, 44);
+    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(tune.CurNote, 2);
+    Click(90, 44);
+    EXPECT_EQ(tune.CurNote, 3) << "up to 18 right of the last note is the last note";
+    Click(91, 44);
+    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(tune.CurNote, 4);
+    EXPECT_EQ(form.CursorX, 96);
+}
+
+TEST_F(StaffInput, AClickTakesTheValueOfTheNote)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    for (int code : {94, 95, 96, 97, 98, 99, 92, 93, 5, 8, 10})
+        AddNote(tune, code, code < 12 ? 1 : 0, "1");
+    Show();
+    const int values[] = {1, 2, 3, 4, 6, 7, 9, 11, 5, 8, 10};
+    for (int i = 0; i < 11; ++i) {
+        Click(tune[2 + i].XPos + 1, 44);
+        EXPECT_EQ(form.CurValue, values[i]) << i;
+        EXPECT_EQ(form.Toolbar1, values[i]) << i;
+    }
+}
+
+TEST_F(StaffInput, AClickOnAFreeRecordTakesTheButtonThatIsDown)
+{
+    Type("1\r2\r");
+    form.CurValue = 4;
+    form.Toolbar1 = 9;
+    Click(300, 44);
+    EXPECT_EQ(form.CurValue, 9);
+    EXPECT_EQ(form.Toolbar1, 9);
+}
+
+TEST_F(StaffInput, AClickSnapsToTheNextLineDown)
+{
+    for (const auto& [y, line] : {std::pair{-5.0, 36}, {36.0, 36}, {36.5, 44}, {44.0, 44},
+                                  {52.0, 52}, {53.0, 60}, {60.0, 60}, {68.0, 68}, {68.1, 76},
+                                  {140.0, 76}}) {
+        Click(100, y);
+        EXPECT_EQ(form.CursorY, line) << y;
+    }
+    NewTune(4);
+    Click(100, 140);
+    EXPECT_EQ(form.CursorY, 60);
+}
+
+TEST_F(StaffInput, ClicksOnTheUpperFigureStepThroughTheSignatures)
+{
+    for (int beats : {5, 6, 2, 3, 4}) {
+        Click(5, 40);
+        EXPECT_EQ(form.CurBeats, beats);
+        EXPECT_EQ(tune[1].Beats, beats);
+    }
+    Click(5, 60);
+    EXPECT_EQ(form.CurBeats, 3);
+    for (int beats : {6, 9, 12, 3}) {
+        Click(5, 40);
+        EXPECT_EQ(form.CurBeats, beats);
+        EXPECT_EQ(form.CurBeatUnit, 8);
+    }
+    Click(5, 60);
+    EXPECT_EQ(form.CurBeats, 4);
+    EXPECT_EQ(form.CurBeatUnit, 4);
+}
+
+TEST_F(StaffInput, TheFiguresReachFromTheirLowerBoundUpToTheirUpperOne)
+{
+    struct Row {
+        int strings, upperFrom, upperTo, lowerFrom, lowerTo;
+    };
+    for (const Row& row : {Row{4, 36, 46, 48, 59}, Row{5, 34, 49, 51, 65}, Row{6, 36, 54, 58, 75}}) {
+        const auto hit = [&](double x, double y) {
+            NewTune(row.strings);
+            Click(x, y);
+            return form.CurBeatUnit == 8 ? "lower" : form.CurBeats == 5 ? "upper" : "none";
+        };
+        EXPECT_STREQ(hit(5, row.upperFrom - 0.1), "none");
+        EXPECT_STREQ(hit(5, row.upperFrom), "upper");
+        EXPECT_STREQ(hit(5, row.upperTo - 0.1), "upper");
+        EXPECT_STREQ(hit(5, row.upperTo), "none");
+        EXPECT_STREQ(hit(5, row.lowerFrom - 0.1), "none");
+        EXPECT_STREQ(hit(5, row.lowerFrom), "lower");
+        EXPECT_STREQ(hit(5, row.lowerTo - 0.1), "lower");
+        EXPECT_STREQ(hit(5, row.lowerTo), "none");
+        EXPECT_STREQ(hit(17.9, row.lowerFrom), "lower");
+        EXPECT_STREQ(hit(18, row.lowerFrom), "none");
+    }
+}
+
+TEST_F(StaffInput, ASignatureClickPaintsTheNewSignature)
+{
+    form.CursorY = StringY(2);
+    Click(5, 60);
+    EXPECT_EQ(Log(), "clear\ntext 2 36 size=18 font=\"Arial\" bold=1 \" 3 \"\n"
+                     "text 2 56 size=18 font=\"Arial\" bold=1 \" 8 \"\n");
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.CursorY, StringY(6));
+}
+
+TEST_F(StaffInput, AClickInAnInsertedMeasureKeepsItsMode)
+{
+    ShowFullMeasures(1);
+    editor.mnuInsMeas();
+    Click(100, 44);
+    EXPECT_EQ(form.InputMode, kInsertMode);
+    form.InputMode = kLeftHandMode;
+    Click(100, 44);
+    EXPECT_EQ(form.InputMode, kFretMode);
+}
+
+TEST_F(StaffInput, ANotePastTheTableIsASubscriptFault)
+{
+    form.MeasHead = 1498;
+    tune[1498] = tune[1];
+    tune.CurNote = 1499;
+    Type("1\r2\r");
+    EXPECT_EQ(tune.CurNote, 1501);
+    EXPECT_FAULT(Type("3"), SubscriptOutOfRange);
+}
+
+}  // namespace
+}  // namespace quillon
