@@ -150,6 +150,8 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
         Bad("no output is named; give one with -o");
     if (command.Format.empty())
         command.Format = FormatOf(command.Output);
+    if (command.Tunes.size() > 1 && command.Output == "-")
+        Bad("several tunes go into a folder, not to standard output");
     if (std::find(std::begin(kFormats), std::end(kFormats), command.Format) == std::end(kFormats))
         Bad("unknown format " + command.Format);
     return command;

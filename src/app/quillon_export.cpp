@@ -1,10 +1,13 @@
 // quillon-export: makes something else of tunes, see --help.
 
 #include "app/export_command.h"
+#include "platform/renderer.h"
 #include "store/item_file.h"
 
+#include <dlfcn.h>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -12,44 +15,121 @@ namespace {
 using namespace quillon;
 namespace fs = std::filesystem;
 
-std::string Extension(const std::string& format, int strings)
+std::unique_ptr<Renderer> renderer;  // goes before main ends, while its library still stands
+
+/// The renderer, loaded when a format first needs it.
+Renderer& TheRenderer()
 {
-    if (format == "tune")
-        return std::string(".") + FindMode(strings)->Extension;
-    return format.ends_with("-log") ? ".log" : "." + format;
+    if (renderer)
+        return *renderer;
+    const fs::path program = fs::read_symlink("/proc/self/exe");
+    const fs::path module = program.parent_path() / "../lib/quillon/libquillon-render.so";
+    void* library = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!library)
+        throw ExportError(std::string("pages and sound cannot be made: ") + dlerror());
+    const auto make = reinterpret_cast<Renderer* (*)()>(dlsym(library, "MakeQuillonRenderer"));
+    if (!make)
+        throw ExportError(std::string("pages and sound cannot be made: ") + dlerror());
+    renderer.reset(make());
+    return *renderer;
 }
 
-std::string MakeText(const ExportCommand& command, const std::string& path)
+bool ShowsRealFonts(const std::string& format)
 {
-    const FixedTextMetrics metrics;
-    ExportedTune tune(path, command.Options, metrics);
-    if (command.Format == "tune")
-        return tune.TuneFile();
-    if (command.Format == "measure-log")
-        return tune.MeasureLog();
-    if (command.Format == "page-log")
-        return tune.PageLog();
-    if (command.Format == "print-log")
-        return tune.PrintLog();
-    if (command.Format == "mid")
-        return tune.MidiFile(command.Options);
-    throw ExportError("this program was built without " + command.Format);
+    return format == "pdf" || format == "svg" || format == "png";
+}
+
+/// What `format` makes of a tune: the bytes of one file, or of one file a page.
+std::vector<std::string> MakeFiles(const ExportCommand& command, const std::string& path)
+{
+    const std::string& format = command.Format;
+    const FixedTextMetrics fixed;
+    const bool realFonts = ShowsRealFonts(format);
+    ExportedTune tune(
+        path, command.Options, realFonts ? TheRenderer().Metrics() : fixed,
+        [&](const std::string& font) { return !realFonts || TheRenderer().HasFont(font); });
+    if (format == "tune")
+        return {tune.TuneFile()};
+    if (format == "measure-log")
+        return {tune.MeasureLog()};
+    if (format == "page-log")
+        return {tune.PageLog()};
+    if (format == "print-log")
+        return {tune.PrintLog()};
+    if (format == "mid" || format == "wav")
+        return {tune.MidiFile(command.Options)};
+    if (format == "pdf")
+        return {TheRenderer().Pdf(tune.Print(), tune.Title())};
+    std::vector<std::string> pages;
+    const int count = tune.LayOut();
+    for (int i = 0; i < count; ++i) {
+        const Drawing& page = tune.Window().pages.Page(i).Surface.Picture();
+        pages.push_back(format == "svg" ? TheRenderer().Svg(page) : TheRenderer().Png(page));
+    }
+    return pages;
+}
+
+/// Files hold a whole result or are not there.
+void WriteFile(const std::string& path, const std::string& bytes)
+{
+    try {
+        WriteFileBytes(path, bytes);
+    } catch (const Fault&) {
+        std::error_code ignored;
+        if (fs::is_regular_file(path, ignored))
+            fs::remove(path, ignored);
+        throw ExportError(path + " cannot be written");
+    }
+}
+
+/// The file of page `number`: OUT for page 1, then -2, -3, ... before the dot.
+std::string PageFile(const std::string& output, int number)
+{
+    if (number == 1)
+        return output;
+    const fs::path path(output);
+    const std::string name =
+        path.stem().string() + "-" + std::to_string(number) + path.extension().string();
+    return (path.parent_path() / name).string();
+}
+
+void WriteWav(const std::string& midiBytes, const std::string& output)
+{
+    const bool progress = isatty(STDERR_FILENO) != 0;
+    TheRenderer().Wav(midiBytes, output, [&](double part) {
+        if (!progress)
+            return;
+        constexpr int kBar = 40;
+        const int done = static_cast<int>(part * kBar);
+        std::cerr << "\r[" << std::string(static_cast<std::size_t>(done), '#')
+                  << std::string(static_cast<std::size_t>(kBar - done), ' ') << "] "
+                  << static_cast<int>(part * 100) << "%" << (part >= 1 ? "\r\x1b[K" : "")
+                  << std::flush;
+    });
 }
 
 void Export(const ExportCommand& command, const std::string& path, const std::string& output)
 {
-    const std::string bytes = MakeText(command, path);
-    if (output == "-") {
-        std::cout << bytes << std::flush;
-        if (!std::cout)
-            throw ExportError("standard output cannot be written");
+    const std::vector<std::string> files = MakeFiles(command, path);
+    if (output == "-" && command.Format == "wav") {
+        const std::string scratch =
+            (fs::temp_directory_path() / ("quillon-" + std::to_string(getpid()) + ".wav")).string();
+        WriteWav(files.front(), scratch);
+        const std::string wav = ReadFileBytes(scratch);
+        fs::remove(scratch);
+        std::cout << wav << std::flush;
+    } else if (output == "-") {
+        for (const std::string& file : files)
+            std::cout << file;
+        std::cout << std::flush;
+    } else if (command.Format == "wav") {
+        WriteWav(files.front(), output);
     } else {
-        try {
-            WriteFileBytes(output, bytes);
-        } catch (const Fault&) {
-            throw ExportError(output + " cannot be written");
-        }
+        for (std::size_t i = 0; i < files.size(); ++i)
+            WriteFile(PageFile(output, static_cast<int>(i) + 1), files[i]);
     }
+    if (!std::cout)
+        throw ExportError("standard output cannot be written");
 }
 
 bool Try(const ExportCommand& command, const std::string& path, const std::string& output)
@@ -68,6 +148,13 @@ bool Try(const ExportCommand& command, const std::string& path, const std::strin
     return false;
 }
 
+std::string ExtensionOf(const ExportCommand& command, const fs::path& tune)
+{
+    if (command.Format == "tune")
+        return tune.extension().string();
+    return command.Format.ends_with("-log") ? ".log" : "." + command.Format;
+}
+
 /// Each tune into the folder Output, under its own name; a tune that fails does not stop the rest.
 bool ExportAll(const ExportCommand& command)
 {
@@ -76,17 +163,16 @@ bool ExportAll(const ExportCommand& command)
     fs::create_directories(command.Output, ignored);
     bool allDone = true;
     for (std::size_t i = 0; i < command.Tunes.size(); ++i) {
-        const std::string& path = command.Tunes[i];
+        const fs::path tune = command.Tunes[i];
         if (progress)
-            std::cerr << "\r\x1b[K" << i + 1 << "/" << command.Tunes.size() << " " << path;
-        const fs::path name = fs::path(path).stem();
-        const int strings = command.Options.Strings.value_or(6);
-        const std::string output =
-            (fs::path(command.Output) / name).string() + Extension(command.Format, strings);
-        if (progress)
-            std::cerr << "\r\x1b[K";
-        allDone = Try(command, path, output) && allDone;
+            std::cerr << "\r\x1b[K" << i + 1 << "/" << command.Tunes.size() << " " << tune.string()
+                      << std::flush;
+        const fs::path name = tune.stem().string() + ExtensionOf(command, tune);
+        allDone =
+            Try(command, tune.string(), (fs::path(command.Output) / name).string()) && allDone;
     }
+    if (progress)
+        std::cerr << "\r\x1b[K" << std::flush;
     return allDone;
 }
 
@@ -101,11 +187,12 @@ int main(int argc, char** argv)
             std::cout << kExportHelp;
             return 0;
         }
-        const bool intoFolder = command.Tunes.size() > 1 || command.Output.ends_with('/') ||
-                                fs::is_directory(command.Output);
-        const bool done = intoFolder && command.Output != "-"
-                              ? ExportAll(command)
-                              : Try(command, command.Tunes.front(), command.Output);
+        const bool intoFolder =
+            command.Output != "-" && (command.Tunes.size() > 1 || command.Output.ends_with('/') ||
+                                      fs::is_directory(command.Output));
+        const bool done =
+            intoFolder ? ExportAll(command) : Try(command, command.Tunes.front(), command.Output);
+        renderer.reset();
         return done ? 0 : 1;
     } catch (const std::invalid_argument& usage) {
         std::cerr << "quillon-export: " << usage.what() << "\nTry quillon-export --help\n";

@@ -56,8 +56,8 @@ std::vector<TuningRecord> RowsOf(const std::string& path, int numStrings)
 }  // namespace
 
 ExportedTune::ExportedTune(const std::string& path, const ExportOptions& options,
-                           const TextMetrics& textMetrics)
-    : metrics(textMetrics), win(platform.get(), textMetrics)
+                           const TextMetrics& textMetrics, FontCheck hasFont)
+    : metrics(textMetrics), platform("", std::move(hasFont)), win(platform.get(), textMetrics)
 {
     win.tune.NumStrings = options.Strings.value_or(StringsOf(path));
     win.tune.FileName = path;

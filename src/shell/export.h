@@ -44,10 +44,11 @@ class ExportedTune {
 public:
     /// An unreadable file or one that is no tune: an ExportError, in the box's own words.
     ExportedTune(const std::string& path, const ExportOptions& options,
-                 const TextMetrics& textMetrics);
+                 const TextMetrics& textMetrics, FontCheck hasFont = nullptr);
 
     MainWin& Window() { return win; }
 
+    std::string Title() const { return win.tune[0].ChordText; }
     std::string TuneFile() const;
     std::string MeasureLog();
 
@@ -68,7 +69,7 @@ private:
     void ApplyOptions(const ExportOptions& options);
 
     const TextMetrics& metrics;
-    ScriptedPlatform platform{""};
+    ScriptedPlatform platform;
     MainWin win;
 };
 

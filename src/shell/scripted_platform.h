@@ -6,6 +6,7 @@
 #include "platform/platform.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -49,21 +50,29 @@ public:
     std::map<std::pair<std::string, std::string>, std::string> Values;
 };
 
+/// Tells whether a font can be selected.
+using FontCheck = std::function<bool(const std::string&)>;
+
 class ScriptedSystem : public System {
 public:
-    explicit ScriptedSystem(std::string programFolder) : folder(std::move(programFolder)) {}
+    /// Without a check every font can be selected.
+    explicit ScriptedSystem(std::string programFolder, FontCheck fontCheck = nullptr)
+        : folder(std::move(programFolder)), hasFont(std::move(fontCheck))
+    {
+    }
 
     std::vector<Form> Forms;  // shown so far
     bool Ended = false;
 
     std::string ProgramFolder() const override { return folder; }
-    bool HasFont(const std::string&) const override { return true; }
+    bool HasFont(const std::string& name) const override { return !hasFont || hasFont(name); }
     void Show(Form form) override { Forms.push_back(form); }
     void End() override { Ended = true; }
     void SetWaitCursor(bool) override {}
 
 private:
     std::string folder;
+    FontCheck hasFont;
 };
 
 class NoPrinter : public Printer {
@@ -102,7 +111,10 @@ public:
 
 /// All of the above; `get()` is what the core is made with.
 struct ScriptedPlatform {
-    explicit ScriptedPlatform(std::string programFolder) : system(std::move(programFolder)) {}
+    explicit ScriptedPlatform(std::string programFolder, FontCheck hasFont = nullptr)
+        : system(std::move(programFolder), std::move(hasFont))
+    {
+    }
 
     ScriptedDialogs dialogs;
     MemorySettings settings;

@@ -1,0 +1,35 @@
+// Pages as PDF, SVG and PNG, and MIDI files as sound: what the export command needs a toolkit for.
+
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+class Drawing;
+class TextMetrics;
+
+class Renderer {
+public:
+    virtual ~Renderer() = default;
+
+    /// The real fonts' metrics.
+    virtual const TextMetrics& Metrics() const = 0;
+
+    virtual bool HasFont(const std::string& name) const = 0;
+
+    // The bytes of a file. Pages are drawn in twips, on Letter paper. With the environment's
+    // SOURCE_DATE_EPOCH (seconds since 1970) as its date, a PDF is the same bytes each time.
+    virtual std::string Pdf(const std::vector<Drawing>& pages, const std::string& title) const = 0;
+    virtual std::string Svg(const Drawing& page) const = 0;
+    virtual std::string Png(const Drawing& page) const = 0;  // as the window shows it at 96 dpi
+
+    /// Writes a WAV file. `progress` hears the part done, 0..1. A std::runtime_error on failure,
+    /// which leaves no file.
+    virtual void Wav(const std::string& midiBytes, const std::string& path,
+                     const std::function<void(double)>& progress) const = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,181 @@
+#include "qt/svg.h"
+
+#include "notation/page_view.h"
+#include "notation/signs.h"
+#include "qt/font_metrics.h"
+#include "qt/text.h"
+
+#include <QFontMetricsF>
+#include <QPainterPath>
+
+#include <cmath>
+#include <map>
+
+namespace quillon {
+
+namespace {
+
+constexpr double kDot = 15;        // a pen's dot in twips, that of a 96 dpi screen
+constexpr double kGlyphEm = 1000;  // size at which the notation glyphs are given
+
+std::string Number(double value)
+{
+    return QString::number(std::round(value * 10) / 10, 'g', 9).toStdString();
+}
+
+std::string Attribute(const char* name, double value)
+{
+    return std::string(" ") + name + "=\"" + Number(value) + "\"";
+}
+
+bool IsNotation(const Typeface& font)
+{
+    return QString::fromStdString(font.Name).compare(kTabFont, Qt::CaseInsensitive) == 0;
+}
+
+std::string PathData(const QPainterPath& path)
+{
+    std::string data;
+    const auto point = [&](int i) {
+        const QPainterPath::Element e = path.elementAt(i);
+        return Number(e.x) + " " + Number(e.y);
+    };
+    for (int i = 0; i < path.elementCount(); ++i) {
+        switch (path.elementAt(i).type) {
+        case QPainterPath::MoveToElement:
+            data += (data.empty() ? "M" : "ZM") + point(i);
+            break;
+        case QPainterPath::LineToElement:
+            data += "L" + point(i);
+            break;
+        case QPainterPath::CurveToElement:
+            data += "C" + point(i) + " " + point(i + 1) + " " + point(i + 2);
+            i += 2;
+            break;
+        case QPainterPath::CurveToDataElement:
+            break;
+        }
+    }
+    return data + "Z";
+}
+
+class SvgWriter {
+public:
+    std::string Write(const Drawing& page)
+    {
+        for (const Operation& op : page.Operations())
+            if (op.Mode == PenMode::Plain && std::isfinite(op.X1) && std::isfinite(op.Y1))
+                Add(op);
+        std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"8.5in\" "
+                          "height=\"11in\" viewBox=\"0 0 12240 15840\">\n"
+                          "<rect width=\"12240\" height=\"15840\" fill=\"#fff\"/>\n";
+        if (!glyphs.empty()) {
+            svg += "<defs>\n";
+            for (const auto& [name, outline] : glyphs)
+                svg += "<path id=\"" + name + "\" d=\"" + outline + "\"/>\n";
+            svg += "</defs>\n";
+        }
+        return svg + "<g stroke=\"#000\" fill=\"none\">\n" + shapes + "</g>\n" + "<g>\n" + texts +
+               "</g>\n</svg>\n";
+    }
+
+private:
+    void Add(const Operation& op)
+    {
+        switch (op.Kind) {
+        case Shape::Line:
+            shapes += "<path d=\"M" + Number(op.X1) + " " + Number(op.Y1) + "L" + Number(op.X2) +
+                      " " + Number(op.Y2) + "\"" + Pen(op) + "/>\n";
+            break;
+        case Shape::Box:
+            shapes += "<rect" + Attribute("x", std::min(op.X1, op.X2)) +
+                      Attribute("y", std::min(op.Y1, op.Y2)) +
+                      Attribute("width", std::abs(op.X2 - op.X1)) +
+                      Attribute("height", std::abs(op.Y2 - op.Y1)) + Pen(op) + "/>\n";
+            break;
+        case Shape::Circle:
+            if (op.Radius > 0)
+                shapes += "<circle" + Attribute("cx", op.X1) + Attribute("cy", op.Y1) +
+                          Attribute("r", op.Radius) + (op.Filled ? " fill=\"#000\"" : "") +
+                          Pen(op) + "/>\n";
+            break;
+        case Shape::Arc:
+            if (op.Radius > 0)
+                AddArc(op);
+            break;
+        case Shape::Text:
+            if (IsNotation(op.TextFont))
+                AddGlyphs(op);
+            else
+                AddText(op);
+            break;
+        }
+    }
+
+    static std::string Pen(const Operation& op)
+    {
+        return Attribute("stroke-width", op.Width * kDot);
+    }
+
+    void AddArc(const Operation& op)
+    {
+        const double ry = op.Radius * op.Aspect;
+        const auto at = [&](double angle) {
+            return Number(op.X1 + op.Radius * std::cos(angle)) + " " +
+                   Number(op.Y1 - ry * std::sin(angle));
+        };
+        const bool large = op.End - op.Start > std::acos(-1.0);
+        shapes += "<path d=\"M" + at(op.Start) + "A" + Number(op.Radius) + " " + Number(ry) +
+                  " 0 " + (large ? "1" : "0") + " 0 " + at(op.End) + "\"" + Pen(op) + "/>\n";
+    }
+
+    void AddText(const Operation& op)
+    {
+        const QFontMetricsF metrics(FontInTwips(op.TextFont));
+        const QString text = ToUnicode(op.Text);
+        const QString family = ToUnicode(op.TextFont.Name);
+        texts += "<text" + Attribute("x", op.X1) + Attribute("y", op.Y1 + metrics.ascent()) +
+                 Attribute("font-size", op.TextFont.Size * kTwips) + " font-family=\"" +
+                 family.toHtmlEscaped().toStdString() + ",Liberation Sans,sans-serif\"" +
+                 (op.TextFont.Bold ? " font-weight=\"bold\"" : "") + " xml:space=\"preserve\">" +
+                 text.toHtmlEscaped().toStdString() + "</text>\n";
+    }
+
+    /// Notation signs, as uses of outlines that stand in the file once each.
+    void AddGlyphs(const Operation& op)
+    {
+        const QFont font = FontInTwips(op.TextFont);
+        const double baseline = op.Y1 + QFontMetricsF(font).ascent();
+        double x = op.X1;
+        for (const QChar c : ToUnicode(op.Text)) {
+            const std::string name = "g" + std::to_string(c.unicode());
+            if (!glyphs.contains(name))
+                glyphs[name] = Outline(c);
+            texts += "<use href=\"#" + name + "\" transform=\"translate(" + Number(x) + " " +
+                     Number(baseline) + ") scale(" +
+                     QString::number(op.TextFont.Size * kTwips / kGlyphEm, 'g', 5).toStdString() +
+                     ")\"/>\n";
+            x += QFontMetricsF(font).horizontalAdvance(c);
+        }
+    }
+
+    static std::string Outline(QChar c)
+    {
+        QPainterPath path;
+        path.addText(0, 0, FontInTwips({kTabFont, kGlyphEm / kTwips}), QString(c));
+        return PathData(path);
+    }
+
+    std::map<std::string, std::string> glyphs;  // outline by name
+    std::string shapes;
+    std::string texts;
+};
+
+}  // namespace
+
+std::string SvgPage(const Drawing& page)
+{
+    return SvgWriter().Write(page);
+}
+
+}  // namespace quillon
