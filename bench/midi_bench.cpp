@@ -69,3 +69,5 @@ BENCHMARK(BuildAndWrite)->Arg(150)->Arg(kLastRecord)->Unit(benchmark::kMicroseco
 
 }  // namespace
 }  // namespace quillon
+
+BENCHMARK_MAIN();

@@ -1,0 +1,72 @@
+// Playing MIDI files with a software synthesizer, and rendering them as sound files.
+//
+// The sound device is driven by a thread of the synthesizer's. It tells the end of a tune with a
+// queued call, so that the window hears of it between other events of its own thread.
+
+#pragma once
+
+#include "platform/player.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <fluidsynth.h>
+#include <functional>
+#include <memory>
+
+namespace quillon {
+
+/// Deletes what the synthesizer's library has made.
+struct FluidDelete {
+    void operator()(fluid_settings_t* settings) const { delete_fluid_settings(settings); }
+    void operator()(fluid_synth_t* synth) const { delete_fluid_synth(synth); }
+    void operator()(fluid_player_t* player) const { delete_fluid_player(player); }
+    void operator()(fluid_audio_driver_t* driver) const { delete_fluid_audio_driver(driver); }
+    void operator()(fluid_file_renderer_t* renderer) const { delete_fluid_file_renderer(renderer); }
+};
+
+template <typename T> using FluidPtr = std::unique_ptr<T, FluidDelete>;
+
+/// Environment: QUILLON_AUDIO_DRIVER names the sound driver ("pulseaudio", "alsa", "file", ...;
+/// without it the first two are tried in this order), QUILLON_AUDIO_FILE the sound file that the
+/// driver "file" writes in real time, QUILLON_SOUNDFONT the SoundFont. An empty name is none.
+class FluidPlayer : public Player {
+public:
+    ~FluidPlayer() override { Close(); }
+
+    bool Init() override;
+    void Close() override;
+    void Load(const std::string& path) override;
+    bool HasTune() const override { return player != nullptr; }
+    void Play(bool forEver) override;
+    void Stop() override;
+    void SetTempoFactor(double factor) override;
+    void SetVolume(int hundredthsOfDecibel) override;
+
+private:
+    bool OpenDriver();
+    void Ended(int playNumber);
+    static int OnTick(void* self, int tick);
+
+    FluidPtr<fluid_settings_t> settings;
+    FluidPtr<fluid_synth_t> synth;
+    FluidPtr<fluid_player_t> player;
+    FluidPtr<fluid_audio_driver_t> driver;  // goes first, see Load
+
+    double tempoFactor = 1;
+    bool playing = false;  // from Play to Stop or the end, also while it stands still
+    int plays = 0;         // numbers them, so that a late end is told from the present play's
+
+    /// Number of the play whose end is to be told, 0 for none. Shared with the sound thread.
+    std::atomic<int> watchedPlay = 0;
+
+    QObject receiver;  // of queued calls; those that are still under way go with it
+};
+
+/// Renders a MIDI file as a 16-bit stereo WAV file, faster than real time. `progress` hears the
+/// part done, 0..1. A std::runtime_error with the reason if it cannot be done; no file is left
+/// then.
+void RenderWav(const std::string& midiBytes, const std::string& wavPath,
+               const std::function<void(double)>& progress = {});
+
+}  // namespace quillon

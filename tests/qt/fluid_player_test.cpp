@@ -1,0 +1,297 @@
+// Playing and rendering with the real synthesizer, into sound files. The driver "file" plays in
+// real time, so the tunes are short.
+
+#include "qt/fluid_player.h"
+
+#include "midi/performance.h"
+#include "qt/midi_ports.h"
+#include "store/item_file.h"
+#include "support/faults.h"
+#include "support/temporary_directory.h"
+#include "support/tunes.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <cmath>
+#include <cstdlib>
+
+namespace quillon {
+namespace {
+
+/// Quarters of 0.2 seconds on the string of a guitar's concert A.
+std::string Midi(int quarters)
+{
+    Tune tune;
+    AddMeasure(tune);
+    for (int i = 0; i < quarters; ++i)
+        AddNote(tune, 7, 1, "5");
+    Sound sound{
+        300, 25, {64, 59, 55, 50, 45, 40}
+    };
+    MidiFileWriter writer;
+    BuildMidiFile(tune, sound, writer);
+    return writer.Bytes();
+}
+
+void Wait(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+/// The samples of the left channel, between -1 and 1. The header takes 44 bytes.
+std::vector<double> Samples(const std::string& wav)
+{
+    std::vector<double> samples;
+    for (std::size_t i = 44; i + 3 < wav.size(); i += 4) {
+        const int low = static_cast<unsigned char>(wav[i]);
+        samples.push_back((low | static_cast<signed char>(wav[i + 1]) * 256) / 32768.0);
+    }
+    return samples;
+}
+
+double Peak(const std::vector<double>& samples)
+{
+    double peak = 0;
+    for (const double sample : samples)
+        peak = std::max(peak, std::fabs(sample));
+    return peak;
+}
+
+class FluidPlayerTest : public testing::Test {
+protected:
+    FluidPlayerTest()
+    {
+        qputenv("QUILLON_AUDIO_DRIVER", "file");
+        qputenv("QUILLON_AUDIO_FILE", "played.wav");
+        player.OnEnd = [this] {
+            ++ends;
+            listener = QThread::currentThread();
+        };
+    }
+
+    void Load(int quarters)
+    {
+        WriteFileBytes("tune.mid", Midi(quarters));
+        player.Load("tune.mid");
+    }
+
+    /// Milliseconds until the end is told, at most `atMost`.
+    qint64 TimeToEnd(int atMost)
+    {
+        const int before = ends;
+        QElapsedTimer timer;
+        timer.start();
+        while (ends == before && timer.elapsed() < atMost)
+            Wait(10);
+        return timer.elapsed();
+    }
+
+    TemporaryDirectory folder;
+    FluidPlayer player;
+    int ends = 0;
+    QThread* listener = nullptr;
+};
+
+TEST_F(FluidPlayerTest, TellsTheEndOfATuneOnTheWindowsThread)
+{
+    ASSERT_TRUE(player.Init());
+    EXPECT_FALSE(player.HasTune());
+    Load(2);
+    EXPECT_TRUE(player.HasTune());
+    player.Play(false);
+    const qint64 time = TimeToEnd(3000);
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(listener, QThread::currentThread());
+    EXPECT_GE(time, 300);
+    EXPECT_LE(time, 1500);
+}
+
+TEST_F(FluidPlayerTest, PlaysAgainAtOnceAfterTheEnd)
+{
+    ASSERT_TRUE(player.Init());
+    Load(1);
+    for (int i = 1; i <= 3; ++i) {
+        player.Play(false);
+        TimeToEnd(2000);
+        EXPECT_EQ(ends, i);
+    }
+}
+
+TEST_F(FluidPlayerTest, StartsAgainWhileItPlays)
+{
+    ASSERT_TRUE(player.Init());
+    Load(2);
+    player.Play(false);
+    Wait(200);
+    player.Stop();
+    player.Play(false);
+    EXPECT_GE(TimeToEnd(2000), 300);
+    Wait(300);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(FluidPlayerTest, TellsNothingAfterStopOrWhenItPlaysForEver)
+{
+    ASSERT_TRUE(player.Init());
+    Load(1);
+    player.Play(false);
+    player.Stop();
+    Wait(400);
+    player.Play(true);
+    Wait(700);
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(FluidPlayerTest, TempoFactorActsAtOnceAnd0StandsStill)
+{
+    ASSERT_TRUE(player.Init());
+    Load(2);
+    player.Play(false);
+    player.SetTempoFactor(0);
+    Wait(800);
+    EXPECT_EQ(ends, 0);
+    player.SetTempoFactor(3);
+    TimeToEnd(1000);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(FluidPlayerTest, TheLowestVolumeIsFaintButNotSilent)
+{
+    ASSERT_TRUE(player.Init());
+    Load(2);
+    player.SetVolume(-2500);
+    player.Play(false);
+    TimeToEnd(2000);
+    player.Close();
+    const double peak = Peak(Samples(ReadFileBytes("played.wav")));
+    EXPECT_GT(peak, 0.0005);
+    EXPECT_LT(peak, 0.02);
+}
+
+TEST_F(FluidPlayerTest, TunesCanBeLoadedOneAfterTheOtherWhilePlaying)
+{
+    ASSERT_TRUE(player.Init());
+    for (int i = 0; i < 50; ++i) {
+        Load(1);
+        player.Play(true);
+    }
+    player.Close();
+    EXPECT_FALSE(player.HasTune());
+    EXPECT_TRUE(player.Init());
+}
+
+TEST_F(FluidPlayerTest, WithoutASoundDeviceThereIsNoPlayer)
+{
+    qputenv("QUILLON_AUDIO_DRIVER", "none");
+    EXPECT_FALSE(player.Init());
+}
+
+TEST_F(FluidPlayerTest, WithoutASoundFontThereIsNoPlayer)
+{
+    qputenv("QUILLON_SOUNDFONT", "missing.sf2");
+    EXPECT_FALSE(player.Init());
+    EXPECT_THROW(RenderWav(Midi(1), "out.wav"), std::runtime_error);
+    qunsetenv("QUILLON_SOUNDFONT");
+    EXPECT_FALSE(std::filesystem::exists("out.wav"));
+    EXPECT_FALSE(std::filesystem::exists("out.wav.part"));
+}
+
+TEST_F(FluidPlayerTest, ASoundDeviceThatIsGoneIsTold)
+{
+    int failures = 0;
+    player.OnFailure = [&] { ++failures; };
+    ASSERT_TRUE(player.Init());
+    qputenv("QUILLON_AUDIO_DRIVER", "none");
+    Load(1);
+    player.Play(false);
+    EXPECT_EQ(failures, 0);
+    Wait(10);
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(FluidPlayerTest, AFileThatIsNoMidiFileIsAFault)
+{
+    ASSERT_TRUE(player.Init());
+    EXPECT_FAULT(player.Load("missing.mid"), FileNotFound);
+    WriteFileBytes("text.mid", "a tune");
+    EXPECT_FAULT(player.Load("text.mid"), PathFileAccess);
+    EXPECT_FALSE(player.HasTune());
+}
+
+TEST_F(FluidPlayerTest, NothingHappensBeforeInit)
+{
+    player.Play(false);
+    player.Stop();
+    player.SetTempoFactor(0);
+    player.SetVolume(-2500);
+    EXPECT_FALSE(player.HasTune());
+}
+
+/// The pitch in Hz around 440, by the distance at which the sound is most like itself.
+double Pitch(const std::vector<double>& samples, std::size_t from)
+{
+    double best = 0;
+    std::size_t bestLag = 1;
+    for (std::size_t lag = 90; lag <= 110; ++lag) {
+        double sum = 0;
+        for (std::size_t i = from; i < from + 4000; ++i)
+            sum += samples.at(i) * samples.at(i + lag);
+        if (sum > best) {
+            best = sum;
+            bestLag = lag;
+        }
+    }
+    return 44100.0 / static_cast<double>(bestLag);
+}
+
+TEST(RenderWav, RendersTheTuneWithItsPitchAndTime)
+{
+    const TemporaryDirectory folder;
+    double done = 0;
+    RenderWav(Midi(10), "out.wav", [&](double part) {
+        EXPECT_GE(part, done);
+        done = part;
+    });
+    EXPECT_EQ(done, 1);
+    const std::string wav = ReadFileBytes("out.wav");
+    EXPECT_EQ(wav.substr(0, 4), "RIFF");
+    const std::vector<double> samples = Samples(wav);
+    EXPECT_GE(samples.size(), 2u * 44100u);  // and a tail, in which the last note dies away
+    EXPECT_LE(samples.size(), 5u * 44100u);
+    EXPECT_GT(Peak(samples), 0.02);
+    EXPECT_LT(Peak(samples), 0.95);
+    EXPECT_NEAR(Pitch(samples, 44100 / 20), 440, 5);
+    EXPECT_FALSE(std::filesystem::exists("out.wav.part"));
+}
+
+TEST(RenderWav, LeavesNoFileWhereItFails)
+{
+    const TemporaryDirectory folder;
+    EXPECT_THROW(RenderWav("a tune", "out.wav"), std::runtime_error);
+    EXPECT_THROW(RenderWav(Midi(1), "missing/out.wav"), std::runtime_error);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+TEST(RtMidiPorts, AlwaysNamesTheDefaultDevice)
+{
+    const RtMidiPorts ports;
+    EXPECT_GE(ports.Count(), 0);
+    EXPECT_FALSE(ports.Name(-1).empty());
+}
+
+}  // namespace
+}  // namespace quillon
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
