@@ -1,0 +1,19 @@
+// The desktop's clipboard.
+
+#pragma once
+
+#include "platform/clipboard.h"
+#include "qt/paint.h"
+
+namespace quillon {
+
+class QtClipboard : public Clipboard {
+public:
+    double TwipsPerPixelX() const override { return kScreenDot; }
+    double TwipsPerPixelY() const override { return kScreenDot; }
+
+    /// A part of no size only clears the clipboard.
+    void SetPicture(const Drawing& page, double x, double y, double width, double height) override;
+};
+
+}  // namespace quillon

@@ -1,0 +1,166 @@
+#include "qt/dialogs.h"
+
+#include "qt/text.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFontDialog>
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPointer>
+#include <QRegularExpression>
+
+namespace quillon {
+
+namespace {
+
+QMessageBox::Icon BoxIcon(Icon icon)
+{
+    switch (icon) {
+    case Icon::Stop:
+        return QMessageBox::Critical;
+    case Icon::Question:
+        return QMessageBox::Question;
+    case Icon::Information:
+        return QMessageBox::Information;
+    case Icon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+/// The window that a dialog belongs to. It becomes the active one again also where no window
+/// manager sees to that.
+class Owner {
+public:
+    Owner() : window(QApplication::activeWindow()) {}
+    ~Owner()
+    {
+        if (window)
+            window->activateWindow();
+    }
+    operator QWidget*() const { return window; }  // NOLINT: meant to convert
+
+private:
+    QPointer<QWidget> window;
+};
+
+/// A question of Yes and No that wants an answer: "No" may throw work away, so neither Escape nor
+/// the close button stands for it.
+class Question : public QMessageBox {
+public:
+    using QMessageBox::QMessageBox;
+
+private:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() != Qt::Key_Escape)
+            QMessageBox::keyPressEvent(event);
+    }
+
+    void closeEvent(QCloseEvent* event) override { event->ignore(); }
+};
+
+}  // namespace
+
+void QtDialogs::Message(Icon icon, const std::string& title, const std::string& text)
+{
+    runner.ShowForm();
+    const Owner owner;
+    QMessageBox box(BoxIcon(icon), ToUnicode(title), BoxText(text), QMessageBox::Ok, owner);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+bool QtDialogs::Ask(const std::string& title, const std::string& text)
+{
+    runner.ShowForm();
+    const Owner owner;
+    Question box(QMessageBox::Question, ToUnicode(title), BoxText(text),
+                 QMessageBox::Yes | QMessageBox::No, owner);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Yes);
+    return box.exec() == QMessageBox::Yes;
+}
+
+std::optional<std::string> QtDialogs::Prompt(const std::string& prompt, const std::string& offered)
+{
+    runner.ShowForm();
+    const Owner owner;
+    bool accepted = false;
+    const QString answer =
+        QInputDialog::getText(owner, QApplication::applicationDisplayName(), BoxText(prompt),
+                              QLineEdit::Normal, ToUnicode(offered), &accepted);
+    return accepted ? std::optional(FromUnicode(answer)) : std::nullopt;
+}
+
+QString FileFilters(const QString& filter)
+{
+    static const QRegularExpression shownPattern(R"(\s*\([^()]*\)$)");
+    const QStringList parts = filter.split('|');
+    QStringList filters;
+    for (qsizetype i = 0; i < parts.size(); i += 2) {
+        const bool bare = i + 1 == parts.size();
+        const QString pattern = bare ? "*." + parts[i] : parts[i + 1];
+        const QString label = bare ? parts[i].toUpper() : QString(parts[i]).remove(shownPattern);
+        filters += label + " (" + (pattern == "*.*" ? "*" : pattern) + ')';
+    }
+    return filters.join(";;");
+}
+
+std::optional<std::string> QtDialogs::RunFileDialog(QFileDialog& dialog)
+{
+    runner.ShowForm();
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    const QString path = dialog.selectedFiles().first();
+    lastFolder = QFileInfo(path).absolutePath();
+    return PathToBytes(path);
+}
+
+std::optional<std::string> QtDialogs::OpenFile(const std::string& filter,
+                                               const std::string& defaultExtension)
+{
+    const QString folder = lastFolder.isEmpty() ? QDir::currentPath() : lastFolder;
+    const Owner owner;
+    QFileDialog dialog(owner, "Open", folder, FileFilters(ToUnicode(filter)));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(ToUnicode(defaultExtension));
+    return RunFileDialog(dialog);
+}
+
+std::optional<std::string> QtDialogs::SaveFile(const std::string& initialName,
+                                               const std::string& filter,
+                                               const std::string& defaultExtension)
+{
+    const QFileInfo initial(PathFromBytes(initialName));
+    const QString folder = !initialName.empty()   ? initial.absolutePath()
+                           : lastFolder.isEmpty() ? QDir::currentPath()
+                                                  : lastFolder;
+    const Owner owner;
+    QFileDialog dialog(owner, "Save As", folder, FileFilters(ToUnicode(filter)));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(ToUnicode(defaultExtension));
+    if (!initialName.empty())
+        dialog.selectFile(initial.fileName());
+    return RunFileDialog(dialog);
+}
+
+std::optional<FontChoice> QtDialogs::ChooseFont(const FontChoice& current)
+{
+    runner.ShowForm();
+    const Owner owner;
+    QFont font(ToUnicode(current.Name));
+    font.setPointSizeF(current.Size > 0 ? double{current.Size} : 1.0);
+    bool accepted = false;
+    font = QFontDialog::getFont(&accepted, font, owner);
+    if (!accepted)
+        return {};
+    return FontChoice{FromUnicode(font.family()), static_cast<float>(font.pointSizeF())};
+}
+
+}  // namespace quillon

@@ -1,0 +1,40 @@
+// Boxes and dialogs of the desktop.
+
+#pragma once
+
+#include "platform/dialogs.h"
+#include "qt/runner.h"
+
+#include <QString>
+
+class QFileDialog;
+
+namespace quillon {
+
+/// Each shows what has changed in the form before it opens, and belongs to the active window.
+class QtDialogs : public Dialogs {
+public:
+    explicit QtDialogs(Runner& theRunner) : runner(theRunner) {}
+
+    void Message(Icon icon, const std::string& title, const std::string& text) override;
+    bool Ask(const std::string& title, const std::string& text) override;
+    std::optional<std::string> Prompt(const std::string& prompt,
+                                      const std::string& offered) override;
+    std::optional<std::string> OpenFile(const std::string& filter,
+                                        const std::string& defaultExtension) override;
+    std::optional<std::string> SaveFile(const std::string& initialName, const std::string& filter,
+                                        const std::string& defaultExtension) override;
+    std::optional<FontChoice> ChooseFont(const FontChoice& current) override;
+
+private:
+    std::optional<std::string> RunFileDialog(QFileDialog& dialog);
+
+    Runner& runner;
+    QString lastFolder;  // of the file that was chosen last; "" before the first
+};
+
+/// "Label|pattern|Label|pattern" as the toolkit's filters. A part without a pattern is a bare
+/// extension.
+QString FileFilters(const QString& filter);
+
+}  // namespace quillon

@@ -1,0 +1,31 @@
+// The real fonts: loading the notation font, and how wide texts are.
+//
+// A font is made with its size in twips as its pixel size and without hinting. Widths are then
+// linear, and the same on every screen and printer.
+
+#pragma once
+
+#include "notation/draw_surface.h"
+
+#include <QFont>
+
+namespace quillon {
+
+/// Takes the notation font from the program's own font folder, or from the build tree's. A font
+/// that is installed in the system needs no loading.
+void LoadNotationFont();
+
+/// Whether a font of this name can be selected. Names know no case; a metric-compatible font
+/// serves for Arial.
+bool FontAvailable(const QString& name);
+
+/// The font for painting and measuring in twips. Sizes are held to 1..20000 twips.
+QFont FontInTwips(const Typeface& typeface);
+
+class FontMetrics : public TextMetrics {
+public:
+    double Width(std::string_view text, const Typeface& font) const override;
+    double LineHeight(const Typeface& font) const override;
+};
+
+}  // namespace quillon

@@ -1,0 +1,275 @@
+#include "qt/main_window.h"
+
+#include "qt/paint.h"
+#include "qt/text.h"
+#include "shell/menus.h"
+#include "ui_main_win.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QScopedValueRollback>
+
+namespace quillon {
+
+namespace {
+
+constexpr int kTimer1Milliseconds = 500;
+constexpr QRectF kBracketText(12, 9, 72, 17);  // on StaffBox, in points: below the bracket's line
+
+/// Writes a text only if it differs, so that nothing is laid out anew for no reason.
+template <typename Widget> void SetText(Widget* widget, const std::string& text)
+{
+    const QString unicode = ToUnicode(text);
+    if (widget->text() != unicode)
+        widget->setText(unicode);
+}
+
+/// A label that is as wide as its longest text does not move its neighbours.
+void KeepWidth(QWidget* widget, const QString& longest)
+{
+    widget->setMinimumWidth(widget->fontMetrics().horizontalAdvance(longest));
+}
+
+}  // namespace
+
+MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
+                       std::string theCommandLine)
+    : win(mainWin), system(theSystem), runner(theRunner), commandLine(std::move(theCommandLine)),
+      ui(std::make_unique<Ui::MainWin>()), otherForms(*this, win, runner)
+{
+    ui->setupUi(this);
+    txtRptBracket = new QLineEdit(ui->StaffBox);
+    txtRptBracket->setObjectName("txtRptBracket");
+    txtRptBracket->setAccessibleName("Repeat bracket");
+    txtRptBracket->setToolTip("Text of the repeat bracket, such as 1; Enter ends it");
+    txtRptBracket->hide();
+    QFont large = font();
+    large.setPointSizeF(large.pointSizeF() * 2);
+    large.setBold(true);
+    ui->lblMeasNum->setFont(large);
+    KeepWidth(ui->lblLastNote, "0000");
+    KeepWidth(ui->hdbkbox, "Line Break");
+    Timer1.setInterval(kTimer1Milliseconds);
+    menus = std::make_unique<MenuBar>(*ui->menuBar, win, runner);
+    ConnectControls();
+    ui->picPage->Connect(win.pages, runner, *ui->vsbPage);
+    runner.ShowForm = [this] { ShowForm(); };
+    system.OnShow = [this](Form form) { otherForms.Open(form); };
+    system.OnEnd = [this] { End(); };
+    resize(1000, 700);
+    ShowForm();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::ConnectControls()
+{
+    Editor& editor = win.editor;
+    const auto click = [this](QPushButton* button, auto handler) {
+        button->installEventFilter(this);
+        connect(button, &QPushButton::clicked, this,
+                [this, button, handler] { runner.Run(button->accessibleName(), handler); });
+    };
+    ui->cmdNext->setAccessibleName("Next");
+    ui->cmdPrevious->setAccessibleName("Previous");
+    click(ui->cmdNext, [&] { editor.cmdNext(); });
+    click(ui->cmdPrevious, [&] { editor.cmdPrevious(); });
+    click(ui->cmdRest, [&] { editor.cmdRest(); });
+    click(ui->cmdRefresh, [this] { win.cmdRefresh(); });
+    click(ui->lblMeasNum, [&] { editor.lblMeasNum(); });
+
+    ui->Toolbar1->installEventFilter(this);
+    connect(ui->Toolbar1, &NoteBar::Clicked, this,
+            [&](int button) { runner.Run("Note value", [&] { editor.Toolbar1(button); }); });
+    ui->StaffBox->installEventFilter(this);
+    connect(ui->StaffBox, &StaffView::KeyDown, this, [&](int keyCode) {
+        runner.Run("Key on the staff", [&] { editor.StaffBoxKeyDown(keyCode); });
+    });
+    connect(ui->StaffBox, &StaffView::KeyPress, this, [&](char character) {
+        runner.Run("Key on the staff", [&] { editor.StaffBoxKeyPress(character); });
+    });
+    connect(ui->StaffBox, &StaffView::MouseDown, this, [&](double x, double y) {
+        runner.Run("Click on the staff", [&] { editor.StaffBoxMouseDown(x, y); });
+    });
+    txtRptBracket->installEventFilter(this);
+    connect(txtRptBracket, &QLineEdit::textEdited, this,
+            [this](const QString& text) { win.form.txtRptBracket.Text = FromUnicode(text); });
+    connect(txtRptBracket, &QLineEdit::returnPressed, this,
+            [&] { runner.Run("Repeat bracket", [&] { editor.txtRptBracketEnter(); }); });
+    connect(&Timer1, &QTimer::timeout, this,
+            [&] { runner.Run("Cursor", [&] { editor.Timer1(); }); });
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    if (!activated)
+        QTimer::singleShot(0, this, &MainWindow::FirstActivate);
+}
+
+void MainWindow::FirstActivate()
+{
+    if (std::exchange(activated, true))
+        return;
+    runner.Run("Start", [this] { win.FirstActivate(commandLine); });
+}
+
+// The system closes the form: the save question is asked, but the form is not held back.
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!ended && (!win.form.FormEnabled || runner.Busy())) {
+        event->ignore();
+        return;
+    }
+    if (!ended)
+        runner.Run("Close", [this] { win.Unload(); });
+    End();
+}
+
+void MainWindow::End()
+{
+    ended = true;
+    Timer1.stop();
+    hide();
+    QMetaObject::invokeMethod(
+        qApp, [] { QApplication::exit(); }, Qt::QueuedConnection);
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && activated &&
+        otherForms.TakeWasActive())
+        runner.Run("Return to the main form", [this] { win.editor.Activate(); });
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    if (!win.pages.LargeView)
+        win.pages.SizePages(height() * kScreenDot);
+    FitStaff();
+    ShowForm();
+}
+
+/// The largest scale, in quarter steps, that leaves the page half of the window's height.
+void MainWindow::FitStaff()
+{
+    const QSize margins(24 + 12, 28);
+    const QSize room(width() - ui->fraMeasure->sizeHint().width() - margins.width(),
+                     height() / 2 - ui->picTools->sizeHint().height() - margins.height());
+    double scale = 1;
+    while (scale < 2 && StaffView::SizeAt(scale + .25).width() <= room.width() &&
+           StaffView::SizeAt(scale + .25).height() <= room.height())
+        scale += .25;
+    ui->StaffBox->SetScale(scale);
+    txtRptBracket->setGeometry(ui->StaffBox->PlaceOf(kBracketText));
+}
+
+// What no control takes scrolls the page.
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_PageUp)
+        ui->vsbPage->triggerAction(QScrollBar::SliderPageStepSub);
+    else if (event->key() == Qt::Key_PageDown)
+        ui->vsbPage->triggerAction(QScrollBar::SliderPageStepAdd);
+    else
+        QMainWindow::keyPressEvent(event);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::FocusIn && !showing && activated) {
+        const Control control = ControlOf(watched);
+        if (control != win.form.Focus)
+            runner.Run("Change of the focus", [&] { win.editor.SetFocus(control); });
+    }
+    // A menu's shortcut is the menu's, though a text box would take Ctrl+C.
+    if (watched == txtRptBracket && event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const QString keys = QKeySequence(key->keyCombination()).toString();
+        return FindShortcut(keys.toStdString()) != nullptr;
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+QWidget* MainWindow::WidgetOf(Control control) const
+{
+    switch (control) {
+    case Control::StaffBox:
+        return ui->StaffBox;
+    case Control::cmdNext:
+        return ui->cmdNext;
+    case Control::cmdPrevious:
+        return ui->cmdPrevious;
+    case Control::cmdRefresh:
+        return ui->cmdRefresh;
+    case Control::cmdRest:
+        return ui->cmdRest;
+    case Control::txtRptBracket:
+        return txtRptBracket;
+    default:
+        return nullptr;
+    }
+}
+
+Control MainWindow::ControlOf(const QObject* widget) const
+{
+    for (Control control : {Control::StaffBox, Control::cmdNext, Control::cmdPrevious,
+                            Control::cmdRefresh, Control::cmdRest, Control::txtRptBracket})
+        if (WidgetOf(control) == widget)
+            return control;
+    return Control::None;
+}
+
+void MainWindow::ShowForm()
+{
+    const QScopedValueRollback guard(showing, true);
+    setWindowTitle(ToUnicode(win.form.Caption));
+    setEnabled(win.form.FormEnabled);
+    ShowTools();
+    menus->ShowEnabled();
+    ui->StaffBox->Show(win.view.StaffBox.Picture(), win.form.Line1Visible);
+    ui->picPage->Show();
+    ShowFocus();
+    ShowControls();
+    if (win.form.Timer1Enabled != Timer1.isActive())
+        win.form.Timer1Enabled ? Timer1.start() : Timer1.stop();
+}
+
+void MainWindow::ShowTools()
+{
+    ui->work->setVisible(win.form.ToolsVisible);
+    SetText(ui->cmdNext, win.form.cmdNextCaption);
+    SetText(ui->cmdPrevious, win.form.cmdPreviousCaption);
+    SetText(ui->lblMeasNum, win.form.lblMeasNum);
+    SetText(ui->lblLastNote, win.form.lblLastNote);
+    SetText(ui->hdbkbox, win.form.hdbkbox);
+    ui->lblMeasNum->setAccessibleName("Measure " + ui->lblMeasNum->text());
+    ui->Toolbar1->SetDown(win.form.Toolbar1);
+    SetText(txtRptBracket, win.form.txtRptBracket.Text);
+}
+
+/// What gets the focus must be there before, and what loses it may go only afterwards.
+void MainWindow::ShowFocus()
+{
+    const auto& bracket = win.form.txtRptBracket;
+    if (bracket.Visible && bracket.Enabled) {
+        txtRptBracket->setEnabled(true);
+        txtRptBracket->show();
+    }
+    QWidget* widget = WidgetOf(win.form.Focus);
+    if (widget && focusWidget() != widget)
+        widget->setFocus(Qt::OtherFocusReason);
+}
+
+void MainWindow::ShowControls()
+{
+    txtRptBracket->setEnabled(win.form.txtRptBracket.Enabled);
+    txtRptBracket->setVisible(win.form.txtRptBracket.Visible);
+    ui->cmdRefresh->setEnabled(win.form.cmdRefreshEnabled);
+}
+
+}  // namespace quillon

@@ -1,0 +1,69 @@
+// The main form on the screen.
+//
+// It turns events into calls of handlers, and after each event copies the form's values to the
+// controls. What a handler does, and everything about music, is the core's.
+
+#pragma once
+
+#include "qt/menu_bar.h"
+#include "qt/other_forms.h"
+#include "qt/runner.h"
+#include "qt/system.h"
+#include "shell/main_win.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+#include <memory>
+
+class QLineEdit;
+namespace Ui {
+class MainWin;
+}
+
+namespace quillon {
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    /// All three must outlive the window. `theCommandLine` is the text after the program's name.
+    MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
+               std::string theCommandLine);
+    ~MainWindow() override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void ConnectControls();
+    void FitStaff();
+    void FirstActivate();
+    void End();
+    void ShowForm();
+    void ShowControls();
+    void ShowTools();
+    void ShowFocus();
+    QWidget* WidgetOf(Control control) const;
+    Control ControlOf(const QObject* widget) const;
+
+    MainWin& win;
+    QtSystem& system;
+    Runner& runner;
+    std::string commandLine;
+    std::unique_ptr<Ui::MainWin> ui;
+    QLineEdit* txtRptBracket;
+    QTimer Timer1;
+    std::unique_ptr<MenuBar> menus;
+    OtherForms otherForms;
+    bool activated = false;  // the first activation has been
+    bool showing = false;    // ShowForm moves the focus, not the user
+    bool ended = false;
+};
+
+}  // namespace quillon

@@ -1,0 +1,185 @@
+#include "qt/paint.h"
+
+#include "notation/draw_surface.h"
+#include "qt/font_metrics.h"
+#include "qt/text.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <numbers>
+
+namespace quillon {
+
+namespace {
+
+/// Far outside every surface, and near enough for the painter's arithmetic.
+constexpr double kFarTwips = 500000;
+
+bool AllFinite(std::initializer_list<double> values)
+{
+    return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
+}
+
+bool CanBePainted(const Operation& op)
+{
+    if (!AllFinite({op.X1, op.Y1}))
+        return false;
+    switch (op.Kind) {
+    case Shape::Line:
+    case Shape::Box:
+        return AllFinite({op.X2, op.Y2});
+    case Shape::Circle:
+        return std::isfinite(op.Radius) && op.Radius > 0;
+    case Shape::Arc:
+        return AllFinite({op.Radius, op.Start, op.End, op.Aspect}) && op.Radius > 0 &&
+               op.Aspect > 0;
+    case Shape::Text:
+        return true;
+    }
+    return false;
+}
+
+/// One operation, its lengths in twips.
+class OperationPainter {
+public:
+    OperationPainter(QPainter& thePainter, const Operation& operation, const PaintStyle& paintStyle)
+        : painter(thePainter), op(operation), style(paintStyle),
+          scale(kTwips / paintStyle.UnitsPerPoint)
+    {
+    }
+
+    void Paint() const
+    {
+        painter.setPen(Pen());
+        painter.setBrush(op.Filled ? QBrush(Qt::black) : QBrush(Qt::NoBrush));
+        switch (op.Kind) {
+        case Shape::Line:
+            Line();
+            break;
+        case Shape::Box:
+            painter.drawRect(QRectF(From(), To()).normalized());
+            break;
+        case Shape::Circle:
+            painter.drawEllipse(From(), Twips(op.Radius), Twips(op.Radius));
+            break;
+        case Shape::Arc:
+            Arc();
+            break;
+        case Shape::Text:
+            Text();
+            break;
+        }
+    }
+
+private:
+    double Twips(double length) const { return std::clamp(length * scale, -kFarTwips, kFarTwips); }
+    QPointF From() const { return {Twips(op.X1), Twips(op.Y1)}; }
+    QPointF To() const { return {Twips(op.X2), Twips(op.Y2)}; }
+    double PenWidth() const { return std::max(op.Width, 1) * style.Dot; }
+
+    QPen Pen() const
+    {
+        const Qt::PenStyle line = op.Style == PenStyle::Dotted ? Qt::DotLine : Qt::SolidLine;
+        return QPen(Qt::black, PenWidth(), line, Qt::FlatCap, Qt::MiterJoin);
+    }
+
+    void Line() const
+    {
+        const QPointF from = From();
+        const QPointF to = To();
+        const bool straight = from.x() == to.x() || from.y() == to.y();
+        if (style.Crisp && straight && op.Style == PenStyle::Solid) {
+            PaintCrispLine(painter, from.x(), from.y(), to.x(), to.y(), PenWidth());
+        } else if (from == to) {
+            const double half = PenWidth() / 2;  // a flat line without length would show nothing
+            painter.fillRect(QRectF(from.x() - half, from.y() - half, 2 * half, 2 * half),
+                             Qt::black);
+        } else {
+            painter.drawLine(from, to);
+        }
+    }
+
+    void Arc() const
+    {
+        const double rx = Twips(op.Radius);
+        const double ry = Twips(op.Radius * op.Aspect);
+        const QRectF ellipse(Twips(op.X1) - rx, Twips(op.Y1) - ry, 2 * rx, 2 * ry);
+        constexpr double kDegrees = 180 / std::numbers::pi;
+        const double start = std::fmod(op.Start * kDegrees, 360);
+        double span = std::fmod(op.End * kDegrees - start, 360);
+        if (span <= 0)
+            span += 360;
+        QPainterPath path;
+        path.arcMoveTo(ellipse, start);
+        path.arcTo(ellipse, start, span);
+        painter.strokePath(path, Pen());
+    }
+
+    void Text() const
+    {
+        const QFont font = FontInTwips(op.TextFont);
+        const QPointF baseline = From() + QPointF(0, QFontMetricsF(font).ascent());
+        if (style.Outlines) {
+            QPainterPath path;
+            path.addText(baseline, font, ToUnicode(op.Text));
+            path.setFillRule(Qt::WindingFill);  // contours that overlap leave no holes
+            painter.fillPath(path, Qt::black);
+        } else {
+            painter.setFont(font);
+            painter.drawText(baseline, ToUnicode(op.Text));
+        }
+    }
+
+    QPainter& painter;
+    const Operation& op;
+    const PaintStyle& style;
+    double scale;  // twips to a unit of the drawing
+};
+
+}  // namespace
+
+void PaintCrispLine(QPainter& painter, double x1, double y1, double x2, double y2, double width)
+{
+    const QTransform toPixels = painter.deviceTransform();
+    const QPointF from = toPixels.map(QPointF(std::min(x1, x2), std::min(y1, y2)));
+    const QPointF to = toPixels.map(QPointF(std::max(x1, x2), std::max(y1, y2)));
+    const double thickness = std::max(1.0, std::round(width * toPixels.m11()));
+    QRectF pixels(QPointF(std::round(from.x()), std::round(from.y())),
+                  QPointF(std::round(to.x()), std::round(to.y())));
+    if (pixels.width() < 1) {
+        pixels.setLeft(std::round(from.x() - thickness / 2));
+        pixels.setWidth(thickness);
+    }
+    if (pixels.height() < 1) {
+        pixels.setTop(std::round(from.y() - thickness / 2));
+        pixels.setHeight(thickness);
+    }
+    const bool smooth = painter.testRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(toPixels.inverted().mapRect(pixels), painter.pen().color());
+    painter.setRenderHint(QPainter::Antialiasing, smooth);
+}
+
+void Paint(QPainter& painter, const Drawing& drawing, const PaintStyle& style)
+{
+    painter.save();
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    for (const Operation& op : drawing.Operations())
+        if (op.Mode == PenMode::Plain && CanBePainted(op))
+            OperationPainter(painter, op, style).Paint();
+    // Both modes turn what is below to its opposite. Being painted from the list each time, they
+    // leave nothing behind when they have gone from it.
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setCompositionMode(QPainter::RasterOp_NotSourceXorDestination);
+    for (const Operation& op : drawing.Operations())
+        if (op.Mode != PenMode::Plain && CanBePainted(op))
+            OperationPainter(painter, op, style).Paint();
+    painter.restore();
+}
+
+}  // namespace quillon

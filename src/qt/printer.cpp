@@ -1,0 +1,77 @@
+#include "qt/printer.h"
+
+#include "notation/page_view.h"
+#include "qt/paint.h"
+#include "qt/text.h"
+#include "store/fault.h"
+
+#include <QApplication>
+#include <QPageSize>
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
+
+namespace quillon {
+
+namespace {
+
+constexpr int kResolution = 600;  // fixed, so that a PDF file is the same on every machine
+
+}  // namespace
+
+QtPrinter::QtPrinter(Runner& theRunner) : runner(theRunner) {}
+
+QtPrinter::~QtPrinter() = default;
+
+QPrinter& QtPrinter::Device() const
+{
+    if (!device) {
+        device = std::make_unique<QPrinter>();
+        device->setResolution(kResolution);
+        device->setPageSize(QPageSize(QPageSize::Letter));
+        device->setFullPage(true);
+    }
+    return *device;
+}
+
+std::optional<int> QtPrinter::ShowDialog()
+{
+    runner.ShowForm();
+    Device().setCopyCount(copies);
+    QPrintDialog dialog(&Device(), QApplication::activeWindow());
+    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
+    if (dialog.exec() != QDialog::Accepted)
+        return {};
+    copies = Device().copyCount();
+    Device().setCopyCount(1);  // each copy is a job of its own
+    Device().setFullPage(true);
+    return copies;
+}
+
+double QtPrinter::Width() const
+{
+    return Device().pageLayout().fullRectPoints().width() * kTwips;
+}
+
+double QtPrinter::Height() const
+{
+    return Device().pageLayout().fullRectPoints().height() * kTwips;
+}
+
+void QtPrinter::Print(const std::vector<Drawing>& pages, const std::string& jobName)
+{
+    Device().setDocName(BoxText(jobName));
+    QPainter painter;
+    if (!painter.begin(&Device()))
+        throw Fault(Error::PathFileAccess);
+    painter.scale(Device().resolution() / kTwipsPerInch, Device().resolution() / kTwipsPerInch);
+    bool first = true;
+    for (const Drawing& page : pages) {
+        if (!first)
+            Device().newPage();
+        first = false;
+        Paint(painter, page, {.UnitsPerPoint = kTwips, .Dot = kPrinterDot});
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,35 @@
+// Printers of the desktop, or a PDF file where there is none.
+
+#pragma once
+
+#include "platform/printer.h"
+#include "qt/runner.h"
+
+#include <memory>
+
+class QPrinter;
+
+namespace quillon {
+
+class QtPrinter : public Printer {
+public:
+    explicit QtPrinter(Runner& theRunner);
+    ~QtPrinter() override;
+
+    std::optional<int> ShowDialog() override;
+    void SetCopies(int count) override { copies = count; }
+    double Width() const override;
+    double Height() const override;
+
+    /// A printer or file that refuses the job is a path/file-access Fault.
+    void Print(const std::vector<Drawing>& pages, const std::string& jobName) override;
+
+private:
+    QPrinter& Device() const;
+
+    Runner& runner;
+    int copies = 1;
+    mutable std::unique_ptr<QPrinter> device;  // made on first use: asking for printers takes time
+};
+
+}  // namespace quillon

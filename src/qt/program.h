@@ -1,0 +1,46 @@
+// The whole editor as it runs on the desktop: the core, the platform made real, and the window.
+
+#pragma once
+
+#include "qt/clipboard.h"
+#include "qt/dialogs.h"
+#include "qt/fluid_player.h"
+#include "qt/font_metrics.h"
+#include "qt/main_window.h"
+#include "qt/midi_ports.h"
+#include "qt/printer.h"
+#include "qt/runner.h"
+#include "qt/settings.h"
+#include "qt/system.h"
+
+namespace quillon {
+
+/// Needs a QApplication.
+class Program {
+public:
+    explicit Program(std::string commandLine);
+
+    /// False when the program cannot start; a box has said why.
+    bool Start();
+
+    // A member may use those before it.
+    Runner runner;
+    QtSettings settings;
+    QtDialogs dialogs{runner};
+    QtSystem system;
+    QtPrinter printer{runner};
+    QtClipboard clipboard;
+    FluidPlayer player;
+    RtMidiPorts midiPorts;
+    FontMetrics metrics;
+    MainWin win{
+        {dialogs, settings, system, printer, clipboard, player, midiPorts},
+        metrics
+    };
+    std::unique_ptr<MainWindow> window;
+
+private:
+    std::string commandLine;
+};
+
+}  // namespace quillon

@@ -1,0 +1,52 @@
+#include "qt/runner.h"
+
+#include "qt/text.h"
+#include "store/fault.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+#include <cstdlib>
+#include <exception>
+
+namespace quillon {
+
+bool Runner::Run(const QString& doing, const std::function<void()>& handler)
+{
+    if (busy)
+        return false;
+    busy = true;
+    try {
+        handler();
+    } catch (const Fault& fault) {
+        EndWithFault(doing, fault.what(), fault.Explanation());
+    } catch (const std::exception& error) {
+        EndWithFault(doing, error.what(), {});
+    }
+    busy = false;
+    ShowForm();
+    return true;
+}
+
+void Runner::EndWithFault(const QString& doing, const std::string& error,
+                          const std::string& explanation)
+{
+    const std::string rescued = Rescue();
+    ShowForm();
+    QString text = ToUnicode(error);
+    text.replace(0, 1, text.left(1).toUpper());
+    if (!explanation.empty())
+        text += '\n' + ToUnicode(explanation);
+    text += "\nIt happened at: " + doing;
+    if (!rescued.empty())
+        text += "\nYour work was kept in " + PathFromBytes(rescued);
+    QMessageBox box(QMessageBox::Critical, "Run-time error", text, QMessageBox::Ok,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    QApplication::restoreOverrideCursor();
+    box.exec();
+    // The program's state is not to be trusted: nothing else of it runs.
+    std::_Exit(EXIT_FAILURE);
+}
+
+}  // namespace quillon

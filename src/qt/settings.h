@@ -1,0 +1,23 @@
+// The user's settings, in an INI file.
+
+#pragma once
+
+#include "platform/settings.h"
+
+#include <QSettings>
+
+namespace quillon {
+
+/// A store that cannot be read gives the defaults; one that cannot be written keeps what was set
+/// until the end of the run.
+class QtSettings : public Settings {
+public:
+    std::string Get(const std::string& section, const std::string& key,
+                    const std::string& byDefault) const override;
+    void Set(const std::string& section, const std::string& key, const std::string& value) override;
+
+private:
+    QSettings store{QSettings::IniFormat, QSettings::UserScope, "Quillon"};
+};
+
+}  // namespace quillon

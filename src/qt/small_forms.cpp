@@ -1,0 +1,162 @@
+#include "qt/small_forms.h"
+
+#include "qt/font_metrics.h"
+#include "qt/text.h"
+#include "ui_about.h"
+#include "ui_copy_box.h"
+#include "ui_splash.h"
+
+#include <QCloseEvent>
+#include <QPainter>
+#include <QShortcut>
+
+namespace quillon {
+
+namespace {
+
+constexpr int kSplashMilliseconds = 5000;
+
+/// A window of its own that stays above the main one.
+void MakeForm(QWidget& form)
+{
+    form.setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                        Qt::WindowCloseButtonHint);
+    form.setAttribute(Qt::WA_DeleteOnClose);
+}
+
+}  // namespace
+
+void SignPicture::paintEvent(QPaintEvent*)
+{
+    constexpr int kGap = 14;
+    constexpr int kTop = 24;
+    constexpr const char* kFigures[] = {"0", "2", "3", "0", "2", "3", "0"};
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    painter.drawRoundedRect(rect(), 4, 4);
+    painter.setPen(QPen(QColor(0x8c, 0x8c, 0x8c), 1));
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (int line = 0; line < 6; ++line)
+        painter.drawLine(20, kTop + kGap * line, width() - 20, kTop + kGap * line);
+    painter.fillRect(20, kTop, 2, 5 * kGap + 1, Qt::black);
+    painter.fillRect(width() - 24, kTop, 4, 5 * kGap + 1, Qt::black);
+    painter.fillRect(width() - 29, kTop, 2, 5 * kGap + 1, Qt::black);
+    QFont font("Arial");
+    font.setPixelSize(15);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(Qt::black);
+    int note = 0;
+    for (const char* figure : kFigures) {
+        const int x = 44 + 38 * note;
+        const int string = note < 4 ? 4 - note : note - 2;
+        painter.drawText(QRect(x - 12, kTop + kGap * string - 10, 24, 20), Qt::AlignCenter, figure);
+        painter.fillRect(x, kTop + 5 * kGap + 8, 1, 18, Qt::black);
+        ++note;
+    }
+    painter.fillRect(44, kTop + 5 * kGap + 23, 3 * 38 + 1, 3, Qt::black);
+    painter.fillRect(44 + 4 * 38, kTop + 5 * kGap + 23, 2 * 38 + 1, 3, Qt::black);
+}
+
+SplashForm::SplashForm(QWidget* mainWindow) : QWidget(mainWindow)
+{
+    MakeForm(*this);
+    Ui::Splash ui;
+    ui.setupUi(this);
+    connect(ui.Command1, &QPushButton::clicked, this, &QWidget::close);
+    auto* Timer1 = new QTimer(this);
+    Timer1->setObjectName("Timer1");
+    connect(Timer1, &QTimer::timeout, this, &QWidget::close);
+    Timer1->start(kSplashMilliseconds);
+}
+
+AboutForm::AboutForm(QWidget* mainWindow) : QWidget(mainWindow)
+{
+    MakeForm(*this);
+    Ui::frmAbout().setupUi(this);
+}
+
+CopyBox::CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Runner& theRunner)
+    : QWidget(mainWindow), editor(theEditor), form(mainForm), runner(theRunner)
+{
+    MakeForm(*this);
+    Ui::FrmCopyBox ui;
+    ui.setupUi(this);
+    Text1 = ui.Text1;
+    Text2 = ui.Text2;
+    for (QLineEdit* box : {Text1, Text2}) {
+        box->installEventFilter(this);
+        connect(box, &QLineEdit::textEdited, this, [this] {
+            form.FrmCopyBox = {FromUnicode(Text1->text()), FromUnicode(Text2->text())};
+        });
+    }
+    connect(Text1, &QLineEdit::returnPressed, this,
+            [this] { Handle([this] { editor.CopyBoxEnter(Control::Text1); }); });
+    connect(Text2, &QLineEdit::returnPressed, this,
+            [this] { Handle([this] { editor.CopyBoxEnter(Control::Text2); }); });
+    connect(ui.cmdCopyMeasure, &QPushButton::clicked, this,
+            [this] { Handle([this] { editor.cmdCopyMeasure(); }); });
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
+    ShowTexts();
+}
+
+/// The form goes away when a handler has given the focus back to StaffBox.
+void CopyBox::Handle(const std::function<void()>& handler)
+{
+    if (!runner.Run("Copy", handler))
+        return;
+    ShowTexts();
+    if (form.Focus == Control::Text2)
+        Text2->setFocus();
+    copied = form.Focus == Control::StaffBox;
+    if (copied)
+        close();
+}
+
+void CopyBox::ShowTexts()
+{
+    const auto show = [](QLineEdit* box, const QString& text) {
+        if (box->text() == text)
+            return;
+        box->setText(text);
+        box->setCursorPosition(0);
+    };
+    show(Text1, ToUnicode(form.FrmCopyBox.Text1));
+    show(Text2, ToUnicode(form.FrmCopyBox.Text2));
+}
+
+bool CopyBox::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowActivate) {
+        form.FrmCopyBox = {" ", " "};
+        ShowTexts();
+    }
+    return QWidget::event(event);
+}
+
+/// A box that gets the focus keeps its caret where it was, instead of marking the blank, which
+/// typing would then replace.
+bool CopyBox::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* box = qobject_cast<QLineEdit*>(watched);
+    if (box && event->type() == QEvent::FocusIn) {
+        form.Focus = box == Text1 ? Control::Text1 : Control::Text2;
+        const int caret = box->cursorPosition();
+        QTimer::singleShot(0, box, [box, caret] {
+            box->deselect();
+            box->setCursorPosition(caret);
+        });
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void CopyBox::closeEvent(QCloseEvent* event)
+{
+    QWidget::closeEvent(event);
+    if (!copied)
+        runner.Run("Copy", [this] { editor.CopyBoxClosed(); });
+}
+
+}  // namespace quillon

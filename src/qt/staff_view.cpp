@@ -1,0 +1,184 @@
+#include "qt/staff_view.h"
+
+#include "editor/editor.h"
+#include "qt/paint.h"
+#include "qt/text.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <cmath>
+
+namespace quillon {
+
+namespace {
+
+constexpr int kFrame = 4;  // pixels around the card
+constexpr int kStaffStartX = 6;
+
+int KeyCode(int key)
+{
+    switch (key) {
+    case Qt::Key_Backspace:
+        return kKeyBackspace;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return kKeyEnter;
+    case Qt::Key_Left:
+        return kKeyLeft;
+    case Qt::Key_Up:
+        return kKeyUp;
+    case Qt::Key_Right:
+        return kKeyRight;
+    case Qt::Key_Down:
+        return kKeyDown;
+    case Qt::Key_Delete:
+        return kKeyDelete;
+    default:
+        return 0;
+    }
+}
+
+/// What a key types. The control characters are named keys only: Ctrl with a letter types
+/// nothing, though the toolkit has a text for it.
+QString TypedText(const QKeyEvent& event)
+{
+    switch (event.key()) {
+    case Qt::Key_Backspace:
+        return "\b";
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return "\r";
+    case Qt::Key_Escape:
+        return "\x1b";
+    default:
+        break;
+    }
+    const QString text = event.text();
+    return !text.isEmpty() && text[0] >= ' ' && text[0] != QChar(127) ? text : QString();
+}
+
+}  // namespace
+
+StaffView::StaffView(QWidget* parent) : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setCursor(Qt::CrossCursor);
+    SetScale(1);
+}
+
+QSize StaffView::SizeAt(double scale)
+{
+    const double pixels = scale * 96 / 72;
+    return {static_cast<int>(std::lround(kStaffBoxWidth * pixels)) + 2 * kFrame,
+            static_cast<int>(std::lround(kStaffBoxHeight * pixels)) + 2 * kFrame};
+}
+
+void StaffView::SetScale(double newScale)
+{
+    scale = newScale;
+    setFixedSize(SizeAt(scale));
+}
+
+void StaffView::Show(const Drawing& picture, const std::array<bool, 6>& staffLines)
+{
+    if (drawing == &picture && revision == picture.Revision() && lines == staffLines)
+        return;
+    drawing = &picture;
+    revision = picture.Revision();
+    lines = staffLines;
+    update();
+}
+
+QRect StaffView::PlaceOf(const QRectF& points) const
+{
+    const double pixels = PixelsPerPoint();
+    return QRectF(kFrame + points.x() * pixels, kFrame + points.y() * pixels,
+                  points.width() * pixels, points.height() * pixels)
+        .toRect();
+}
+
+void StaffView::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QRect card = rect().adjusted(kFrame, kFrame, -kFrame, -kFrame);
+    if (hasFocus()) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(palette().highlight());
+        painter.drawRoundedRect(card.adjusted(-3, -3, 3, 3), 3, 3);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+    } else {
+        painter.fillRect(card.adjusted(-1, -1, 1, 1), palette().dark());
+    }
+    painter.fillRect(card, Qt::white);
+    painter.setClipRect(card);
+    painter.translate(card.topLeft());
+    painter.scale(PixelsPerPoint() / kTwips, PixelsPerPoint() / kTwips);
+    PaintCard(painter);
+}
+
+/// The staff lines stand under the drawing, paler than it, so that the figures on them read well.
+void StaffView::PaintCard(QPainter& painter)
+{
+    painter.setPen(QColor(0x8c, 0x8c, 0x8c));
+    for (int i = 0; i < 6; ++i) {
+        const double y = StringY(i + 1) * kTwips;
+        if (lines[static_cast<std::size_t>(i)])
+            PaintCrispLine(painter, kStaffStartX * kTwips, y, kStaffEndX * kTwips, y, kScreenDot);
+    }
+    if (drawing)
+        Paint(painter, *drawing, {.UnitsPerPoint = kPoints, .Crisp = true});
+}
+
+void StaffView::keyPressEvent(QKeyEvent* event)
+{
+    const int code = KeyCode(event->key());
+    const QString text = TypedText(*event);
+    emit KeyDown(code);
+    TypeText(text);
+    event->setAccepted(code != 0 || !text.isEmpty());
+}
+
+// Dead keys, compose sequences and input methods hand over finished text here.
+void StaffView::inputMethodEvent(QInputMethodEvent* event)
+{
+    for (QChar character : event->commitString()) {
+        emit KeyDown(0);
+        TypeText(character);
+    }
+    event->accept();
+}
+
+QVariant StaffView::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    if (query == Qt::ImHints)
+        return int(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+    return QWidget::inputMethodQuery(query);
+}
+
+void StaffView::TypeText(const QString& text)
+{
+    for (char character : FromUnicode(text))
+        emit KeyPress(character);
+}
+
+void StaffView::mousePressEvent(QMouseEvent* event)
+{
+    const QPointF place = (event->position() - QPointF(kFrame, kFrame)) / PixelsPerPoint();
+    emit MouseDown(place.x(), place.y());
+}
+
+void StaffView::focusInEvent(QFocusEvent*)
+{
+    update();
+}
+
+void StaffView::focusOutEvent(QFocusEvent*)
+{
+    update();
+}
+
+}  // namespace quillon

@@ -1,0 +1,57 @@
+// StaffBox on the screen: the measure as a white card, and the keys and clicks on it.
+
+#pragma once
+
+#include "notation/measure_view.h"
+
+#include <QWidget>
+
+#include <array>
+
+namespace quillon {
+
+class StaffView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StaffView(QWidget* parent = nullptr);
+
+    /// Scale 1 shows a point as 1/72 inch of the screen.
+    void SetScale(double newScale);
+
+    /// Size of the widget at a scale: the card and the room for the focus frame around it.
+    static QSize SizeAt(double scale);
+
+    /// Shows the drawing and the staff lines; paints only if either has changed. Both are kept
+    /// by reference.
+    void Show(const Drawing& picture, const std::array<bool, 6>& staffLines);
+
+    /// The part of the widget that a rectangle of the card, in points, takes.
+    QRect PlaceOf(const QRectF& points) const;
+
+signals:
+    void KeyDown(int keyCode);           // 0 for a key that no handler knows
+    void KeyPress(char character);       // of Windows-1252
+    void MouseDown(double x, double y);  // points
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void PaintCard(QPainter& painter);
+    void TypeText(const QString& text);
+    double PixelsPerPoint() const { return scale * 96 / 72; }
+
+    double scale = 1;
+    const Drawing* drawing = nullptr;
+    unsigned revision = 0;
+    std::array<bool, 6> lines{};
+};
+
+}  // namespace quillon

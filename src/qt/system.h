@@ -1,0 +1,28 @@
+// What the desktop offers around the program: its folder, fonts, forms, the end of the run.
+
+#pragma once
+
+#include "platform/system.h"
+
+#include <functional>
+
+namespace quillon {
+
+class QtSystem : public System {
+public:
+    /// Who shows a form and who ends the run; the main window sets them.
+    std::function<void(Form)> OnShow = [](Form) {};
+    std::function<void()> OnEnd = [] {};
+
+    std::string ProgramFolder() const override;  // made on first use
+    bool HasFont(const std::string& name) const override;
+    void Show(Form form) override { OnShow(form); }
+    void End() override { OnEnd(); }
+    void SetWaitCursor(bool on) override;
+};
+
+/// Scratch files lie in the current directory. One that cannot be written gives way to the
+/// user's home. Returns `path`, which still means the same file.
+std::string EnsureWritableFolder(const std::string& path);
+
+}  // namespace quillon

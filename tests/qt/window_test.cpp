@@ -1,0 +1,406 @@
+// The window: menus from their table, typing, stepping, going to a measure, sharp pictures.
+
+#include "qt/paint.h"
+#include "qt/program.h"
+#include "qt/text.h"
+#include "scratch_user.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QInputDialog>
+#include <QInputMethodEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace quillon;
+
+class WindowTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<Program> program;
+
+    MainWindow& Window() { return *program->window; }
+    MainWin& Core() { return program->win; }
+    QWidget* Staff() { return Window().findChild<QWidget*>("StaffBox"); }
+    QPushButton* Button(const char* name) { return Window().findChild<QPushButton*>(name); }
+    QWidget* FormNamed(const char* name) { return Window().findChild<QWidget*>(name); }
+
+    /// Types notes of a whole measure on the lowest string.
+    void TypeMeasure()
+    {
+        for (const char* fret : {"0", "2", "3", "5"}) {
+            QTest::keyClicks(Staff(), fret);
+            QTest::keyClick(Staff(), Qt::Key_Return);
+        }
+    }
+
+    /// Presses a key in the next dialog, as soon as it is there.
+    template <typename Dialog, typename Action> static void InDialog(Action action)
+    {
+        auto* waiting = new QTimer(qApp);
+        connect(waiting, &QTimer::timeout, waiting, [waiting, action] {
+            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
+                waiting->deleteLater();
+                action(dialog);
+            }
+        });
+        waiting->start(10);
+    }
+
+private slots:
+    void init()
+    {
+        program = std::make_unique<Program>("");
+        QVERIFY(program->Start());
+        QTRY_VERIFY(FormNamed("Splash"));
+        QTRY_VERIFY(FormNamed("Splash")->isVisible());
+        FormNamed("Splash")->close();
+        QTRY_VERIFY(!FormNamed("Splash"));
+        Window().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&Window()));
+        QTRY_VERIFY(Staff()->hasFocus());
+        QCOMPARE(Core().form.Focus, Control::StaffBox);
+    }
+
+    void cleanup()
+    {
+        Core().form.Saved = 1;
+        program.reset();
+    }
+
+    void MenuBarIsTheTable()
+    {
+        const auto menus = Window().menuBar()->actions();
+        QCOMPARE(std::size_t(menus.size()), Menus().size());
+        for (std::size_t m = 0; m < Menus().size(); ++m) {
+            const Menu& menu = Menus()[m];
+            QCOMPARE(menus[int(m)]->text(), QString(menu.Caption));
+            const auto entries = menus[int(m)]->menu()->actions();
+            QCOMPARE(std::size_t(entries.size()), menu.Entries.size());
+            for (std::size_t e = 0; e < menu.Entries.size(); ++e) {
+                const MenuEntry& entry = menu.Entries[e];
+                const QAction* action = entries[int(e)];
+                QCOMPARE(action->isSeparator(), entry.Name == nullptr);
+                if (!entry.Name)
+                    continue;
+                QCOMPARE(action->text(), QString(entry.Caption));
+                QCOMPARE(action->objectName(), QString(entry.Name));
+                QCOMPARE(action->shortcut(), QKeySequence(entry.Shortcut));
+                QCOMPARE(action->isEnabled(), IsEnabled(entry, Core()));
+            }
+        }
+    }
+
+    void TypedMeasureGivesNextTheFocus()
+    {
+        TypeMeasure();
+        QVERIFY(Button("cmdNext")->hasFocus());
+        QCOMPARE(int{Core().tune.LastNote}, 5);
+        QTest::keyClick(Button("cmdNext"), Qt::Key_Enter, Qt::KeypadModifier);
+        QVERIFY(Staff()->hasFocus());
+        QCOMPARE(Button("lblMeasNum")->text(), QString("2"));
+        QCOMPARE(int{Core().tune.CurMeas}, 2);
+    }
+
+    void NextAndPreviousStep()
+    {
+        TypeMeasure();
+        QTest::keyClick(Button("cmdNext"), Qt::Key_Space);
+        TypeMeasure();
+        QTest::mouseClick(Button("cmdPrevious"), Qt::LeftButton);
+        QCOMPARE(Button("lblMeasNum")->text(), QString("1"));
+        QVERIFY(Staff()->hasFocus());
+        QTest::mouseClick(Button("cmdNext"), Qt::LeftButton);
+        QCOMPARE(Button("lblMeasNum")->text(), QString("2"));
+    }
+
+    void GotoIsReachedByTab()
+    {
+        TypeMeasure();
+        QTest::keyClick(Button("cmdNext"), Qt::Key_Return);
+        TypeMeasure();
+        QVERIFY(Button("cmdNext")->hasFocus());
+        QTest::keyClick(Button("cmdNext"), Qt::Key_Tab);
+        QTest::keyClick(Button("cmdPrevious"), Qt::Key_Tab);
+        QVERIFY(Button("lblMeasNum")->hasFocus());
+        InDialog<QInputDialog>([](QInputDialog* prompt) {
+            QCOMPARE(prompt->textValue(), QString("2"));
+            prompt->setTextValue("1");
+            prompt->accept();
+        });
+        QTest::keyClick(Button("lblMeasNum"), Qt::Key_Return);
+        QCOMPARE(Button("lblMeasNum")->text(), QString("1"));
+        QTRY_VERIFY(Staff()->hasFocus());
+    }
+
+    void ControlsOfTabOrderTellTheCore()
+    {
+        QTest::keyClick(Staff(), Qt::Key_Tab);
+        QCOMPARE(Core().form.Focus, Control::cmdNext);
+        QTest::keyClick(Button("cmdNext"), Qt::Key_Backtab);
+        QCOMPARE(Core().form.Focus, Control::StaffBox);
+    }
+
+    void ShortcutsReachNoKeyHandler()
+    {
+        QTest::keyClicks(Staff(), "5");
+        QTest::keyClick(Staff(), Qt::Key_Return);
+        QTest::keyClick(Staff(), Qt::Key_H, Qt::ControlModifier);  // a half rest, no Backspace
+        QCOMPARE(int{Core().tune.LastNote}, 3);
+        QCOMPARE(int{Core().tune[3].NoteCode}, 92);
+        QTest::keyClick(Staff(), Qt::Key_F8, Qt::ShiftModifier);
+        QCOMPARE(Core().tune[1].Slot(1), std::string("81"));
+    }
+
+    void ShortcutsWorkInTheBracketBox()
+    {
+        QTest::keyClick(Staff(), Qt::Key_F7);
+        auto* bracket = Window().findChild<QLineEdit*>("txtRptBracket");
+        QVERIFY(bracket->isVisible() && bracket->hasFocus());
+        QTest::keyClicks(bracket, "1.");
+        QTest::keyClick(bracket, Qt::Key_C, Qt::ControlModifier);
+        QTRY_VERIFY(FormNamed("FrmCopyBox"));
+        FormNamed("FrmCopyBox")->close();
+        QTRY_VERIFY(!FormNamed("FrmCopyBox"));
+        bracket->setFocus();
+        QTest::keyClick(bracket, Qt::Key_Return);
+        QVERIFY(!bracket->isVisible());
+        QCOMPARE(Core().tune[1].Slot(2), std::string("1."));
+        QVERIFY(Staff()->hasFocus());
+    }
+
+    void CharacterDecidesNotTheKey()
+    {
+        QTest::keyClick(Staff(), Qt::Key_7, Qt::KeypadModifier);
+        QTest::sendKeyEvent(QTest::Click, Staff(), Qt::Key_unknown, QString("x"), Qt::NoModifier);
+        QInputMethodEvent composed;
+        composed.setCommitString("3");
+        QApplication::sendEvent(Staff(), &composed);
+        QCOMPARE(Core().tune[2].Slot(6), std::string("7x3"));
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(Core().tune[2].Slot(6), std::string("7x3"));
+    }
+
+    void ClicksAreInPoints()
+    {
+        // The upper figure of the time signature goes from 4 to 5.
+        const double pixels = (Staff()->width() - 8) / 360.0;
+        QTest::mouseClick(Staff(), Qt::LeftButton, {},
+                          QPoint(int(4 + 8 * pixels), int(4 + 45 * pixels)));
+        QCOMPARE(int{Core().form.CurBeats}, 5);
+    }
+
+    void NoteBarIsWorkedByMouseAndKeys()
+    {
+        auto* half = Window().findChild<QWidget*>("Toolbar1_9");
+        QTest::mouseClick(half, Qt::LeftButton);
+        QCOMPARE(int{Core().form.CurValue}, 9);
+        QVERIFY(Staff()->hasFocus());
+        auto* bar = Window().findChild<QWidget*>("Toolbar1");
+        bar->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(bar, Qt::Key_Right);
+        QTest::keyClick(bar, Qt::Key_Space);
+        QCOMPARE(int{Core().form.CurValue}, 10);
+    }
+
+    void CopyBoxKeepsItsBlankBehindTheCaret()
+    {
+        TypeMeasure();
+        QTest::keyClick(Button("cmdNext"), Qt::Key_C, Qt::ControlModifier);
+        QTRY_VERIFY(FormNamed("FrmCopyBox"));
+        QWidget* box = FormNamed("FrmCopyBox");
+        QVERIFY(QTest::qWaitForWindowActive(box));
+        auto* Text1 = box->findChild<QLineEdit*>("Text1");
+        auto* Text2 = box->findChild<QLineEdit*>("Text2");
+        QCOMPARE(Text1->text(), QString(" "));
+        QTRY_COMPARE(QApplication::focusWidget(), Text1);
+        QTest::qWait(20);
+        QTest::keyClicks(Text1, "1");
+        QCOMPARE(Text1->text(), QString("1 "));
+        QTest::keyClick(Text1, Qt::Key_Return);
+        QCOMPARE(Text1->text(), QString("1"));
+        QTRY_COMPARE(QApplication::focusWidget(), Text2);
+        QTest::qWait(20);
+        QTest::keyClicks(Text2, "1");
+        QTest::keyClick(Text2, Qt::Key_Return);
+        QTRY_VERIFY(!FormNamed("FrmCopyBox"));
+        QVERIFY(Core().form.mnuPasteEnabled);
+        QVERIFY(Window().findChild<QAction*>("mnuPaste")->isEnabled());
+        QVERIFY(QFile::exists("CopyBuff.Dat"));
+        QCOMPARE(Core().form.Focus, Control::StaffBox);
+    }
+
+    void PageKeysScrollThePage()
+    {
+        auto* vsbPage = Window().findChild<QScrollBar*>("vsbPage");
+        QTest::keyClick(Staff(), Qt::Key_PageDown);
+        QVERIFY(vsbPage->value() > 0);
+        QCOMPARE(Core().pages.Page(0).Top, -double(vsbPage->value()));
+        QTest::keyClick(Staff(), Qt::Key_PageUp);
+        QCOMPARE(vsbPage->value(), 0);
+    }
+
+    void LargeViewGivesThePageTheRoom()
+    {
+        Window().findChild<QAction*>("mnuLargeview")->trigger();
+        QVERIFY(!Staff()->isVisible());
+        Window().findChild<QAction*>("mnuSmallView")->trigger();
+        QVERIFY(Staff()->isVisible() && Staff()->hasFocus());
+    }
+
+    void EverythingFitsASmallScreen()
+    {
+        Window().resize(1024, 740);
+        QCoreApplication::processEvents();
+        QCOMPARE(Window().size(), QSize(1024, 740));
+        for (const char* name :
+             {"StaffBox", "cmdNext", "cmdPrevious", "lblMeasNum", "lblLastNote", "hdbkbox",
+              "Toolbar1", "cmdRest", "cmdRefresh", "picPage", "vsbPage"}) {
+            auto* widget = Window().findChild<QWidget*>(name);
+            const QRect place(widget->mapTo(&Window(), QPoint()), widget->size());
+            QVERIFY2(Window().rect().contains(place), name);
+            QVERIFY2(!widget->accessibleName().isEmpty() || qobject_cast<QLabel*>(widget), name);
+        }
+    }
+
+    void TextsMoveNothing()
+    {
+        const QRect before = Staff()->geometry();
+        const QRect next = Button("cmdNext")->geometry();
+        Core().form.lblMeasNum = "1234";
+        Core().form.hdbkbox = "Line Break";
+        Core().form.cmdNextCaption = "OK";
+        program->runner.ShowForm();
+        QCoreApplication::processEvents();
+        QCOMPARE(Staff()->geometry(), before);
+        QCOMPARE(Button("cmdNext")->geometry(), next);
+    }
+
+    /// A staff line is black or grey on whole pixels, with white above and below, at any density.
+    void StaffLinesAreSharp()
+    {
+        const QImage picture = Staff()->grab().toImage();
+        const double ratio = picture.devicePixelRatio();
+        QCOMPARE(ratio, qApp->devicePixelRatio());
+        const int x = int((4 + 200 * (Staff()->width() - 8) / 360.0) * ratio);
+        int grey = 0;
+        for (int y = int(8 * ratio); y < picture.height() - int(8 * ratio); ++y) {
+            const QColor color = picture.pixelColor(x, y);
+            QVERIFY(color == QColor(Qt::white) || color == QColor(0x8c, 0x8c, 0x8c));
+            grey += color != QColor(Qt::white);
+        }
+        QVERIFY(grey >= 6 * int(ratio));
+        QCOMPARE(grey % 6, 0);
+    }
+
+    void CursorIsTakenOffWithoutATrace()
+    {
+        const QImage before = Staff()->grab().toImage();
+        Core().editor.Timer1();
+        program->runner.ShowForm();
+        QVERIFY(Staff()->grab().toImage() != before);
+        Core().editor.HideCaret();
+        program->runner.ShowForm();
+        QCOMPARE(Staff()->grab().toImage(), before);
+    }
+
+    void AnyDrawingCanBePainted()
+    {
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        Drawing drawing;
+        for (Shape shape : {Shape::Line, Shape::Box, Shape::Circle, Shape::Arc, Shape::Text})
+            for (double number : {0.0, -5.0, 1e300, -1e300, nan, double(INFINITY)})
+                for (PenMode mode : {PenMode::Plain, PenMode::Xor, PenMode::Invert}) {
+                    Operation op;
+                    op.Kind = shape;
+                    op.X1 = op.Y2 = op.Radius = op.Start = op.Aspect = number;
+                    op.Mode = mode;
+                    op.Text = "\x80x";
+                    op.TextFont = {"Tab", number, true};
+                    drawing.Add(op);
+                }
+        for (bool outlines : {false, true}) {
+            QImage image(100, 100, QImage::Format_RGB32);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            Paint(painter, drawing, {.UnitsPerPoint = 1, .Crisp = true, .Outlines = outlines});
+        }
+    }
+
+    void ClipboardPictureIsInPixels()
+    {
+        Drawing page;
+        Operation line;
+        line.X1 = 0;
+        line.X2 = 3000;
+        line.Y1 = line.Y2 = 450;
+        page.Add(line);
+        program->clipboard.SetPicture(page, 10, 20, 100, 50);
+        const QImage picture = QGuiApplication::clipboard()->image();
+        const double ratio = qApp->devicePixelRatio();
+        QCOMPARE(picture.size(), QSize(100, 50) * ratio);
+        QCOMPARE(picture.pixelColor(int(50 * ratio), int(10 * ratio)), QColor(Qt::black));
+        QCOMPARE(picture.pixelColor(int(50 * ratio), int(20 * ratio)), QColor(Qt::white));
+    }
+
+    void SettingsAreTexts()
+    {
+        for (const char* value :
+             {".75", "-1", "True", "", " a ", "1,5", "a;b", "50%", "\xe9\x80"}) {
+            program->settings.Set("Prefs", "PageTop", value);
+            QCOMPARE(QtSettings().Get("Prefs", "PageTop", "x"), std::string(value));
+        }
+        QCOMPARE(program->settings.Get("Prefs", "Absent", "x"), std::string("x"));
+    }
+
+    void EveryByteComesBackFromUnicode()
+    {
+        std::string bytes;
+        for (int byte = 0; byte < 256; ++byte)
+            bytes += static_cast<char>(byte);
+        QCOMPARE(FromUnicode(ToUnicode(bytes)), bytes);
+        QCOMPARE(FromUnicode(QString::fromUtf8("e\u0301\u20ac\u4e2d")), std::string("\xe9\x80?"));
+    }
+
+    void FileFiltersOfTheToolkit()
+    {
+        QCOMPARE(FileFilters("Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*"),
+                 QString("Guitar Files (*.gui);;All Files (*)"));
+        QCOMPARE(FileFilters("gui"), QString("GUI (*.gui)"));
+    }
+
+    void SaveQuestionWantsAnAnswer()
+    {
+        QTest::keyClicks(Staff(), "1");
+        InDialog<QMessageBox>([](QMessageBox* box) {
+            QTest::keyClick(box, Qt::Key_Escape);
+            box->close();
+            QVERIFY(box->isVisible());
+            QTest::keyClick(box, Qt::Key_N, Qt::AltModifier);
+        });
+        Window().findChild<QAction*>("mnuNew")->trigger();
+        QCOMPARE(int{Core().form.Saved}, 1);
+    }
+};
+
+int main(int argc, char** argv)
+{
+    ScratchUser user;
+    QApplication application(argc, argv);
+    WindowTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "window_test.moc"
