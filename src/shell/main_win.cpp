@@ -166,12 +166,14 @@ void MainWin::Unload()
 
 void MainWin::AskToSave()
 {
-    if (!platform.dialogs.Ask("", kSaveQuestion))
+    if (!platform.dialogs.Ask("", kSaveQuestion)) {
         form.Saved = 1;
-    else if (tune.FileName > " ")
+        form.Discarded = true;
+    } else if (tune.FileName > " ") {
         mnuSave();
-    else
+    } else {
         mnuSaveAs();
+    }
 }
 
 void MainWin::mnuNew()

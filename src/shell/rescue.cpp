@@ -1,14 +1,18 @@
-// The rescue copy: unsaved work outlives a run-time error.
+#include "shell/rescue.h"
 
-#include "shell/main_win.h"
 #include "store/tune_file.h"
 
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 
 namespace quillon {
 
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kPrefix = "Rescue-";
 
 /// Appends the parked records that are not back in the table yet. Their measures go on counting
 /// from `measure`, the last one in the table.
@@ -37,7 +41,29 @@ std::string TimeStamp()
     return text;
 }
 
+/// A path that is free, named for the present time.
+std::string NewPath(const MainWin& win, const std::string& folder)
+{
+    const std::string extension = std::string(".") + FindMode(win.tune.NumStrings)->Extension;
+    const std::string stem = folder + "/" + std::string(kPrefix) + TimeStamp();
+    std::string free = stem + extension;
+    for (int n = 2; fs::exists(free); ++n)
+        free = stem + '-' + std::to_string(n).append(extension);
+    return free;
+}
+
 }  // namespace
+
+std::string WriteRescueCopy(const MainWin& win, const std::string& folder)
+{
+    try {
+        const std::string path = NewPath(win, folder);
+        WriteFileBytes(path, RescueBytes(win));
+        return path;
+    } catch (const std::exception&) {
+        return {};
+    }
+}
 
 std::string RescueBytes(const MainWin& win)
 {
@@ -47,18 +73,67 @@ std::string RescueBytes(const MainWin& win)
     return bytes;
 }
 
-std::string WriteRescueCopy(const MainWin& win, const std::string& folder)
+std::vector<std::string> RescueCopiesIn(const std::string& folder)
 {
-    const std::string extension = std::string(".") + FindMode(win.tune.NumStrings)->Extension;
-    const std::string stem = folder + "/Rescue-" + TimeStamp();
-    std::string path = stem + extension;
-    for (int n = 2; std::filesystem::exists(path); ++n)
-        path = stem + '-' + std::to_string(n).append(extension);
+    std::vector<std::string> names;
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(folder, ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with(kPrefix) && name.find(".part") == std::string::npos)
+            names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Whether the tail that was parked at the last refresh is neither parked nor in the table now, or
+/// the tune counts as saved without it.
+bool RescueCopy::TailWasLost() const
+{
+    if (parked.empty() || win.form.Discarded)
+        return false;
+    if (win.form.Saved != 0)
+        return true;
+    const ParkedTail& now = win.form.Parked;
+    if (now.Bytes.empty())
+        return false;  // read back
+    return now.Bytes != parked || (now.RecordsBack == 0 && win.form.InputMode != kInsertMode);
+}
+
+void RescueCopy::Write(const std::string& bytes)
+{
+    if (path.empty())
+        path = NewPath(win, folder);
+    const std::string aside = path + ".part";
     try {
-        WriteFileBytes(path, RescueBytes(win));
-        return path;
-    } catch (const Fault&) {
-        return {};
+        WriteFileBytes(aside, bytes);
+        fs::rename(aside, path);
+        written = bytes;
+    } catch (const std::exception&) {
+        std::error_code ignored;
+        fs::remove(aside, ignored);
+        if (!fs::exists(path, ignored))
+            path.clear();
+    }
+}
+
+void RescueCopy::Refresh()
+{
+    if (TailWasLost()) {
+        path.clear();  // that copy stays
+        written.clear();
+    }
+    parked = win.form.Parked.Bytes;
+    win.form.Discarded = false;
+    if (win.form.Saved == 0) {
+        std::string bytes = RescueBytes(win);
+        if (bytes != written)
+            Write(bytes);
+    } else if (!path.empty()) {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+        path.clear();
+        written.clear();
     }
 }
 

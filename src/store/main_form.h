@@ -73,6 +73,7 @@ struct MainForm {
     int Saved = 65535;  // 0 unsaved changes, 1 nothing to save, 65535 before the first tune
     bool FirstActivation = false;
     ParkedTail Parked;
+    bool Discarded = false;  // No was the answer to the save question
 
     // Controls
     Control Focus = Control::None;

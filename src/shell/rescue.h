@@ -1,0 +1,46 @@
+// The rescue copy: unsaved work outlives a run-time error, a kill and a power cut.
+//
+// After each event that left the tune changed and unsaved, the tune as it stands, with a tail that
+// is parked for the moment, is in a file of this run in the program's own folder. The file is
+// written aside and renamed, so it is whole at every moment.
+
+#pragma once
+
+#include "shell/main_win.h"
+
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+/// The rescue copies of earlier runs that lie in a folder, as file names.
+std::vector<std::string> RescueCopiesIn(const std::string& folder);
+
+class RescueCopy {
+public:
+    /// The copies of this run go into `programFolder`.
+    RescueCopy(MainWin& mainWin, std::string programFolder)
+        : win(mainWin), folder(std::move(programFolder))
+    {
+    }
+
+    /// After an event: brings the copy up to date, or removes it when the tune is saved or the user
+    /// has discarded it. A command that threw a parked tail away, or saved the tune without it,
+    /// leaves the copy behind, and the next one gets another name. Failures to write are silent.
+    void Refresh();
+
+    /// Path of the copy, "" if there is none.
+    const std::string& Path() const { return path; }
+
+private:
+    bool TailWasLost() const;
+    void Write(const std::string& bytes);
+
+    MainWin& win;
+    std::string folder;
+    std::string path;     // "" until a copy was written
+    std::string written;  // what it holds
+    std::string parked;   // the parked tail at the last refresh
+};
+
+}  // namespace quillon

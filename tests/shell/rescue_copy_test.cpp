@@ -1,0 +1,141 @@
+#include "shell/rescue.h"
+#include "shell/scenario.h"
+#include "store/tune_file.h"
+#include "support/temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace quillon {
+namespace {
+
+/// A scripted window; after each line the copy is refreshed, as after each event in the window.
+class FreshRescueCopy : public testing::Test {
+protected:
+    void Play(const std::string& script)
+    {
+        std::istringstream lines(script);
+        for (std::string line; std::getline(lines, line);) {
+            scenario.Play(line);
+            copy.Refresh();
+        }
+    }
+
+    std::size_t Copies() const { return RescueCopiesIn(folder.Path()).size(); }
+
+    /// Two full measures of quarters on string 1.
+    void TypeTwoMeasures()
+    {
+        for (int measure = 0; measure < 2; ++measure) {
+            for (const char* fret : {"0", "2", "3", "5"})
+                Play(std::string("type ") + fret + "\nkey Enter");
+            Play("key Enter");
+        }
+    }
+
+    TemporaryDirectory folder;
+    std::ostringstream output;
+    Scenario scenario{folder.Path(), output};
+    RescueCopy copy{scenario.Window(), folder.Path()};
+};
+
+TEST_F(FreshRescueCopy, IsThereAfterTheFirstKeyAndHoldsEveryLaterOne)
+{
+    Play("");
+    EXPECT_EQ(Copies(), 0U);
+    Play("type 3");
+    ASSERT_EQ(Copies(), 1U);
+    EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(scenario.Window().tune));
+    Play("key Enter\ntype 5\nkey Enter");
+    ASSERT_EQ(Copies(), 1U);
+    EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(scenario.Window().tune));
+}
+
+TEST_F(FreshRescueCopy, GoesWhenTheTuneIsSaved)
+{
+    Play("type 3\nkey Enter\ndialog tune.gui\nmenu mnuSaveAs");
+    EXPECT_EQ(Copies(), 0U);
+    EXPECT_EQ(copy.Path(), "");
+}
+
+TEST_F(FreshRescueCopy, GoesWithTheUsersOwnNo)
+{
+    Play("type 3\nkey Enter\nask no\nmenu mnuNew");
+    EXPECT_EQ(Copies(), 0U);
+}
+
+TEST_F(FreshRescueCopy, StaysWhenSaveAsIsCancelled)
+{
+    Play("type 3\nkey Enter\nask yes\ndialog cancel\nmenu mnuNew");
+    EXPECT_EQ(Copies(), 1U);
+}
+
+TEST_F(FreshRescueCopy, HoldsTheParkedTailDuringAnInsertion)
+{
+    TypeTwoMeasures();
+    Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\nkey Enter");
+    Tune tune;
+    ItemReader reader(ReadFileBytes(copy.Path()));
+    ReadTune(reader, tune);
+    EXPECT_EQ(tune.LastMeas, 3);
+    EXPECT_EQ(tune[2].Slot(6), "7");
+    Play("press cmdNext");
+    EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(scenario.Window().tune));
+    EXPECT_EQ(Copies(), 1U);
+}
+
+TEST_F(FreshRescueCopy, OfATailThatASecondInsertionThrowsAwayIsKept)
+{
+    TypeTwoMeasures();
+    Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\nkey Enter");
+    const std::string first = copy.Path();
+    const std::string held = ReadFileBytes(first);
+    Play("menu mnuInsMeas");
+    EXPECT_EQ(ReadFileBytes(first), held);
+    EXPECT_NE(copy.Path(), first);
+}
+
+TEST_F(FreshRescueCopy, OfATailThatMnuAppendLeavesBehindIsKept)
+{
+    TypeTwoMeasures();
+    Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\nkey Enter");
+    const std::string first = copy.Path();
+    const std::string held = ReadFileBytes(first);
+    Play("menu mnuAppend\ntype 5\nkey Enter");
+    EXPECT_EQ(ReadFileBytes(first), held);
+    EXPECT_NE(copy.Path(), first);
+}
+
+TEST_F(FreshRescueCopy, OfATuneThatIsSavedWithoutItsTailIsKept)
+{
+    TypeTwoMeasures();
+    Play("dialog tune.gui\nmenu mnuSaveAs\nprompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7");
+    const std::string first = copy.Path();
+    const std::string held = ReadFileBytes(first);
+    Play("menu mnuSave");
+    EXPECT_EQ(ReadFileBytes(first), held);
+}
+
+TEST_F(FreshRescueCopy, SurvivesARunTimeFault)
+{
+    TypeTwoMeasures();
+    const std::string held = ReadFileBytes(copy.Path());
+    Play("menu mnuCopy\nkey Escape");
+    scenario.Window().form.mnuPasteEnabled = true;
+    std::remove("CopyBuff.Dat");
+    Play("menu mnuPaste");
+    EXPECT_EQ(scenario.Status(), 1);
+    EXPECT_EQ(ReadFileBytes(copy.Path()), held);
+}
+
+TEST_F(FreshRescueCopy, InAFolderThatCannotBeWrittenIsSimplyNotThere)
+{
+    RescueCopy elsewhere(scenario.Window(), folder.Path("missing"));
+    Play("type 3");
+    elsewhere.Refresh();
+    EXPECT_EQ(elsewhere.Path(), "");
+}
+
+}  // namespace
+}  // namespace quillon
