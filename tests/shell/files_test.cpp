@@ -1,0 +1,464 @@
+#include "store/tune_file.h"
+#include "support/desk.h"
+
+#include <algorithm>
+
+namespace quillon {
+namespace {
+
+const char* const kIncompatible =
+    "File is incompatible.  See the trouble shooting \r\n"
+    "section in your manual for possible solutions\r\n"
+    "\r\n"
+    "You may need to eliminate the use of quote marks in your title or remarks.";
+
+class Files : public Desk {
+protected:
+    Files() { Start(); }
+
+    /// Writes a tune of `measures` full measures.
+    std::string WriteTune(const std::string& name, int measures)
+    {
+        Tune tune;
+        AddFullMeasures(tune, measures);
+        WriteFileBytes(folder.Path(name), TuneBytes(tune));
+        return folder.Path(name);
+    }
+
+    /// Opening the file shows the incompatible-file box and ends the program.
+    void ExpectIncompatible(const std::string& bytes)
+    {
+        const std::string path = folder.Path("broken.gui");
+        WriteFileBytes(path, bytes);
+        dialogs.Shown.clear();
+        EXPECT_FAULT(Open(path), ObjectRequired);
+        ASSERT_EQ(dialogs.Shown.size(), 1U);
+        EXPECT_EQ(dialogs.Shown[0].Icon, Icon::Stop);
+        EXPECT_EQ(dialogs.Shown[0].Title, "");
+        EXPECT_EQ(dialogs.Shown[0].Text, kIncompatible);
+    }
+
+    static std::string FullTableBytes()
+    {
+        Tune tune;
+        AddFullMeasures(tune, 300);
+        return TuneBytes(tune);
+    }
+
+    static std::string RecordBytesOf(const Tune& tune, int i) { return RecordBytes(tune, i, i); }
+};
+
+TEST_F(Files, AnEmptyTuneSavesAsExactlyTheNineLinesOfTheHeader)
+{
+    SaveAs(folder.Path("empty.gui"));
+    EXPECT_EQ(ReadFileBytes(folder.Path("empty.gui")), TuneBytes(Tune()));
+    EXPECT_EQ(ReadFileBytes(folder.Path("empty.gui")).size(), TuneBytes(Tune()).size());
+}
+
+TEST_F(Files, OpenShowsMeasure1AndLaysThePagesOut)
+{
+    Open(WriteTune("tune.gui", 3));
+    EXPECT_EQ(win.tune.LastNote, 15);
+    EXPECT_EQ(win.tune.LastMeas, 3);
+    EXPECT_EQ(win.tune.CurMeas, 1);
+    EXPECT_EQ(win.tune.CurNote, 2);
+    EXPECT_EQ(win.form.EntryState, kReviewState);
+    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_TRUE(win.form.mnuSaveEnabled);
+    EXPECT_FALSE(system.WaitCursor);
+    EXPECT_TRUE(win.pages.Page(0).Visible);
+    EXPECT_FALSE(win.pages.Page(0).Surface.Picture().Operations().empty());
+    EXPECT_EQ(win.form.Focus, Control::StaffBox);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
+TEST_F(Files, TheOpenDialogFollowsTheInstrument)
+{
+    win.mnuOpen();
+    win.mnuBanjo();
+    win.mnuOpen();
+    win.mnuMandolin();
+    win.mnuOpen();
+    EXPECT_EQ(dialogs.FileDialogs,
+              (std::vector<std::string>{
+                  "open|Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*|gui",
+                  "open|Banjo Files (*.bjo)|*.bjo|All Files (*.*)|*.*|bjo",
+                  "open|Bass Files (*.bss)|*.bss|All Files (*.*)|*.*|bss"}));
+}
+
+TEST_F(Files, TheSaveDialogOffersTheNameAndTheBareExtensionAsItsFilter)
+{
+    SaveAs(folder.Path("a.gui"));
+    win.mnuSaveAs();
+    EXPECT_EQ(dialogs.FileDialogs,
+              (std::vector<std::string>{"save||gui|gui", "save|" + folder.Path("a.gui") +
+                                                             "|gui|gui"}));
+}
+
+TEST_F(Files, OpenThenSaveGivesTheSameBytesForAThousandTunes)
+{
+    std::mt19937 random(7);
+    const int codes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 92, 93, 94, 95, 96, 97, 98, 99};
+    const char* texts[] = {"0", "12", "5>", "7^", "3-5", "x", "/"};
+    const std::string path = folder.Path("tune.gui");
+    for (int i = 0; i < 1000; ++i) {
+        Tune tune;
+        tune[0].ChordText = "Title, of tune";
+        for (auto m = 1 + random() % 3; m > 0; --m) {
+            AddMeasure(tune, 2 + static_cast<int>(random() % 3), random() % 2 ? 4 : 8);
+            tune[tune.LastNote].Slot(3) = random() % 4 ? "" : "Slowly, now";
+            for (auto n = 1 + random() % 5; n > 0; --n) {
+                const int code = codes[random() % std::size(codes)];
+                NoteRecord& note = AddNote(tune, code);
+                if (code < 12)
+                    note.Slot(1 + static_cast<int>(random() % 6)) = texts[random() % 7];
+            }
+        }
+        WriteFileBytes(path, TuneBytes(tune));
+        Open(path);  // derives the fields of measure 1
+        win.mnuSave();
+        const std::string bytes = ReadFileBytes(path);
+        Open(path);
+        win.mnuSave();
+        ASSERT_EQ(ReadFileBytes(path), bytes) << "tune " << i;
+    }
+}
+
+TEST_F(Files, ATuneShownOnceIsSavedByteForByteAsItWasOpened)
+{
+    const std::string path = WriteTune("tune.gui", 5);
+    const std::string bytes = ReadFileBytes(path);
+    Open(path);
+    win.mnuSave();
+    EXPECT_EQ(ReadFileBytes(path), bytes);
+}
+
+TEST_F(Files, ABanjoFileOpenedInGuitarModeLoadsUnchanged)
+{
+    const std::string path = WriteTune("tune.bjo", 2);
+    Open(path);
+    EXPECT_EQ(win.tune.NumStrings, 6);
+    EXPECT_EQ(win.tune.LastMeas, 2);
+    EXPECT_EQ(win.form.Caption, "LYRANO Tablature Editor for Guitar");
+}
+
+TEST_F(Files, SlotsAboveTheInstrumentAreKeptThroughASave)
+{
+    Tune tune;
+    AddMeasure(tune);
+    AddNote(tune, 11, 6, "3").Slot(5) = "2";
+    const std::string path = folder.Path("six.gui");
+    WriteFileBytes(path, TuneBytes(tune));
+    win.mnuMandolin();
+    Open(path);
+    win.mnuSave();
+    EXPECT_NE(ReadFileBytes(path).find("\"2\"\r\n\"3\"\r\n"), std::string::npos);
+}
+
+TEST_F(Files, ATitleWithAQuoteSavesWithoutComplaintAndComesBackShortened)
+{
+    Type("1\r");
+    win.tune[0].ChordText = "The \"old\" tune";
+    SaveAs(folder.Path("tune.gui"));
+    EXPECT_TRUE(dialogs.Shown.empty());
+    EXPECT_EQ(win.form.Saved, 1);
+    Open(folder.Path("tune.gui"));
+    EXPECT_EQ(win.tune[0].ChordText, "The ");
+}
+
+TEST_F(Files, ATitleWithAQuoteAndACommaSavesWithoutComplaintAndFailsOnLoading)
+{
+    Type("1\r");
+    win.tune[0].ChordText = "The \"old, tune";
+    SaveAs(folder.Path("tune.gui"));
+    EXPECT_EQ(win.form.Saved, 1);
+    ExpectIncompatible(ReadFileBytes(folder.Path("tune.gui")));
+}
+
+TEST_F(Files, AQuotedTextWhereANumberIsDueReadsAs0AndTheLoadGoesOn)
+{
+    const std::string path = WriteTune("tune.gui", 2);
+    std::string bytes = ReadFileBytes(path);
+    bytes.replace(bytes.find("1,7,48"), 6, "1,7,\"48\"");
+    bytes.replace(bytes.rfind("0,4,4,4"), 7, "\"0\",4,4,4");
+    WriteFileBytes(path, bytes);
+    Open(path);
+    EXPECT_EQ(win.tune.LastNote, 10);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
+TEST_F(Files, ARecordWithMeasure0IsLostOnSavingAndTheNextLoadClosesTheGap)
+{
+    const std::string path = WriteTune("tune.gui", 2);
+    Open(path);
+    win.tune[3].Measure = 0;
+    win.mnuSave();
+    Open(path);
+    EXPECT_EQ(win.tune.LastNote, 9);
+    EXPECT_EQ(win.tune[4].Slot(2), "1");
+    EXPECT_TRUE(win.tune[5].IsHead());
+}
+
+TEST_F(Files, AFileEndingAfterLine5OfARecordIsIncompatibleAndNoPartialTune)
+{
+    const std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1));
+    std::size_t end = 0;
+    for (int line = 0; line < 9 + 5; ++line)
+        end = bytes.find('\n', end) + 1;
+    ExpectIncompatible(bytes.substr(0, end));
+}
+
+TEST_F(Files, TheLastLineMayOrMayNotEndInCrLf)
+{
+    const std::string path = WriteTune("tune.gui", 2);
+    std::string bytes = ReadFileBytes(path);
+    bytes.resize(bytes.size() - 2);
+    WriteFileBytes(path, bytes);
+    Open(path);
+    EXPECT_EQ(win.tune.LastNote, 10);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
+TEST_F(Files, EveryTruncationOpensOrIsIncompatible)
+{
+    const std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1)).substr(0, 260);
+    const std::string path = folder.Path("cut.gui");
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        WriteFileBytes(path, bytes.substr(0, length));
+        win.form.Saved = 1;
+        dialogs.Shown.clear();
+        try {
+            Open(path);
+            EXPECT_TRUE(dialogs.Shown.empty()) << length;
+        } catch (const Fault& fault) {
+            EXPECT_EQ(fault.Number(), Error::ObjectRequired) << length;
+            ASSERT_EQ(dialogs.Shown.size(), 1U) << length;
+            EXPECT_EQ(dialogs.Shown[0].Text, kIncompatible);
+        }
+    }
+}
+
+TEST_F(Files, The1502ndRecordIsIncompatible)
+{
+    const std::string bytes = FullTableBytes();
+    EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\n'), 1501 * 9);
+    const std::string path = folder.Path("full.gui");
+    WriteFileBytes(path, bytes);
+    Open(path);
+    EXPECT_EQ(win.tune.LastNote, 1500);
+    EXPECT_EQ(win.tune.LastMeas, 300);
+    ExpectIncompatible(bytes + RecordBytesOf(win.tune, 1500));
+}
+
+TEST_F(Files, ANumberPast16BitsIsIncompatible)
+{
+    std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1));
+    bytes.replace(bytes.find("1,7,48"), 6, "1,7,40000");
+    ExpectIncompatible(bytes);
+}
+
+TEST_F(Files, AnIncompatibleFileLeavesThisState)
+{
+    Type("1\r1\r");
+    win.form.Saved = 1;
+    win.form.CurValue = 4;
+    const std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1));
+    ExpectIncompatible(bytes.substr(0, bytes.size() - 10));
+    EXPECT_EQ(win.tune.CurMeas, 1);
+    EXPECT_EQ(win.tune.LastMeas, 0);
+    EXPECT_EQ(win.tune.CurNote, 2);
+    EXPECT_EQ(win.tune.LastNote, 0);
+    EXPECT_EQ(win.form.MeasHead, 1);
+    EXPECT_EQ(win.form.MeasEnd, 0);
+    EXPECT_EQ(win.form.CurValue, 7);
+    EXPECT_EQ(win.form.Toolbar1, 7);
+    EXPECT_EQ(win.form.MeasCapacity, 48);
+    EXPECT_EQ(win.form.MeasFill, 0);
+    EXPECT_EQ(win.form.EntryState, kAppendState);
+    EXPECT_EQ(win.form.InputMode, kFretMode);
+    EXPECT_EQ(win.form.CursorX, 48);
+    EXPECT_EQ(win.form.CursorY, 84) << "not 76";
+    EXPECT_EQ(win.tune[2].Slot(2), "1") << "what was read stays";
+    EXPECT_EQ(win.tune.FileName, folder.Path("broken.gui"));
+}
+
+TEST_F(Files, AnIncompatibleFileOfFiveStringsPutsTheCursorAt74)
+{
+    win.mnuBanjo();
+    ExpectIncompatible("1");
+    EXPECT_EQ(win.form.CursorY, 74);
+}
+
+TEST_F(Files, ADirectoryOrAFileThatCannotBeReadIsNotFound)
+{
+    std::vector<std::string> paths{folder.Path(), folder.Path("missing"), "/proc/self/mem", ""};
+    for (const std::string& path : paths) {
+        dialogs.Shown.clear();
+        Open(path);
+        ASSERT_EQ(dialogs.Shown.size(), 1U) << path;
+        EXPECT_EQ(dialogs.Shown[0].Icon, Icon::Stop);
+        EXPECT_EQ(dialogs.Shown[0].Title, "");
+        EXPECT_EQ(dialogs.Shown[0].Text, "File Not Found");
+        EXPECT_EQ(win.tune.FileName, path) << "holds the bad path already";
+    }
+}
+
+TEST_F(Files, AMissingFileLeavesTheTuneInPlaceButMarkedAsSaved)
+{
+    Type("1\r");
+    dialogs.YesNo = {false};
+    const std::string table = Table();
+    Open(folder.Path("missing.gui"));
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(win.form.Saved, 1);
+}
+
+TEST_F(Files, ACancelledOpenLeavesTableAndNameAndUnsavedEditsMarkedAsSaved)
+{
+    SaveAs(folder.Path("a.gui"));
+    Type("1\r");
+    EXPECT_EQ(win.form.Saved, 0);
+    const std::string table = Table();
+    win.mnuOpen();  // No to the question, then cancel
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(win.tune.FileName, folder.Path("a.gui"));
+    EXPECT_EQ(win.form.Saved, 1);
+}
+
+TEST_F(Files, OpenEndsTheInsertedMeasuresCaptions)
+{
+    Type("1\r");
+    win.editor.mnuInsMeas();
+    win.form.Saved = 1;
+    win.mnuOpen();
+    EXPECT_EQ(win.form.cmdNextCaption, "Next");
+    EXPECT_EQ(win.form.cmdPreviousCaption, "Previous");
+}
+
+TEST_F(Files, AnEmptyFileOpensAsATuneWithoutMeasures)
+{
+    WriteFileBytes(folder.Path("empty.gui"), "");
+    Open(folder.Path("empty.gui"));
+    EXPECT_EQ(win.tune.LastNote, 0);
+    EXPECT_EQ(win.tune.CurNote, 2);
+    EXPECT_EQ(win.form.EntryState, kAppendState);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
+TEST_F(Files, FontsComeFromTheHeaderWhereItHasThem)
+{
+    Tune tune;
+    AddFullMeasures(tune, 1);
+    tune[0].NoteCode = 28;
+    tune[0].Slot(3) = "Courier";
+    tune[0].Slot(5) = "14.5";
+    tune[0].Slot(6) = "Times";
+    WriteFileBytes("a.gui", TuneBytes(tune));
+    Open("a.gui");
+    EXPECT_EQ(win.page.BodyFontName, "Times");
+    EXPECT_EQ(win.page.BodyFontSize, 14.5F);
+    EXPECT_EQ(win.page.TitleFontName, "Courier");
+    EXPECT_EQ(win.page.TitleFontSize, 28);
+    Open(WriteTune("plain.gui", 1));
+    EXPECT_EQ(win.page.BodyFontName, "Times") << "an empty field leaves what is in force";
+    EXPECT_EQ(win.page.TitleFontSize, 28);
+}
+
+TEST_F(Files, AFontThatCannotBeSetFallsBackToArialWithoutAMessage)
+{
+    system.MissingFonts = {"Nowhere", "Nothing"};
+    Tune tune;
+    AddFullMeasures(tune, 1);
+    tune[0].Slot(3) = "Nowhere";
+    tune[0].Slot(6) = "Nothing";
+    WriteFileBytes("a.gui", TuneBytes(tune));
+    win.page.BodyFontName = win.page.TitleFontName = "Times";
+    Open("a.gui");
+    EXPECT_EQ(win.tune[0].Slot(6), "Arial");
+    EXPECT_EQ(win.page.BodyFontName, "Arial");
+    EXPECT_EQ(win.tune[0].Slot(3), "Arial");
+    EXPECT_EQ(win.page.TitleFontName, "Arial");
+    EXPECT_EQ(win.tune.LastMeas, 1);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
+TEST_F(Files, SaveDuringAnInsertionWritesOnlyTheRecordsInTheTable)
+{
+    const std::string path = WriteTune("tune.gui", 3);
+    Open(path);
+    win.editor.cmdNext();
+    win.editor.mnuInsMeas();
+    win.mnuSave();
+    EXPECT_EQ(win.form.Saved, 1);
+    const std::string bytes = ReadFileBytes(path);
+    EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\n'), (1 + 5) * 9);
+}
+
+TEST_F(Files, SaveAsDoesNothingAtAllWhileAMeasureIsInserted)
+{
+    Type("1\r");
+    win.editor.mnuInsMeas();
+    const std::string state = State();
+    SaveAs(folder.Path("a.gui"));
+    EXPECT_TRUE(dialogs.FileDialogs.empty());
+    EXPECT_EQ(State(), state);
+    EXPECT_FALSE(std::filesystem::exists(folder.Path("a.gui")));
+}
+
+TEST_F(Files, SaveThatFailsIsARunTimeError)
+{
+    Open(WriteTune("tune.gui", 1));
+    win.form.Saved = 0;
+    win.tune.FileName = folder.Path("missing/tune.gui");
+    EXPECT_FAULT(win.mnuSave(), PathFileAccess);
+    EXPECT_EQ(win.form.Saved, 0);
+}
+
+TEST_F(Files, SaveAsThatFailsEndsSilently)
+{
+    Type("1\r");
+    SaveAs(folder.Path("missing/tune.gui"));
+    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_FALSE(win.form.mnuSaveEnabled);
+    EXPECT_TRUE(dialogs.Shown.empty());
+    EXPECT_EQ(win.tune.FileName, folder.Path("missing/tune.gui"));
+}
+
+TEST_F(Files, SaveAsThatIsCancelledLeavesEverything)
+{
+    Type("1\r");
+    const std::string state = State();
+    win.mnuSaveAs();
+    EXPECT_EQ(State(), state);
+    EXPECT_FALSE(win.form.mnuSaveEnabled);
+}
+
+TEST_F(Files, SaveAsUnderNoNameWritesNoFileAndCountsAsSaved)
+{
+    Type("1\r");
+    SaveAs("");
+    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_TRUE(win.form.mnuSaveEnabled);
+}
+
+TEST_F(Files, NewDisablesSaveAndForgetsTheName)
+{
+    SaveAs(folder.Path("a.gui"));
+    EXPECT_TRUE(win.form.mnuSaveEnabled);
+    win.mnuNew();
+    EXPECT_FALSE(win.form.mnuSaveEnabled);
+    EXPECT_EQ(win.tune.FileName, "");
+    EXPECT_TRUE(win.pages.Page(0).Surface.Picture().Operations().empty());
+}
+
+TEST_F(Files, AppendIsNoFileOperation)
+{
+    Open(WriteTune("tune.gui", 2));
+    win.editor.mnuAppend();
+    EXPECT_EQ(win.tune.CurMeas, 3);
+    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(dialogs.FileDialogs.size(), 1U);
+}
+
+}  // namespace
+}  // namespace quillon

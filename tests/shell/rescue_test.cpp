@@ -1,0 +1,106 @@
+#include "store/tune_file.h"
+#include "support/desk.h"
+
+#include <regex>
+
+namespace quillon {
+namespace {
+
+class Rescue : public Desk {
+protected:
+    Rescue() { Start(); }
+
+    void OpenFullMeasures(int count)
+    {
+        Tune tune;
+        AddFullMeasures(tune, count);
+        WriteFileBytes("tune.gui", TuneBytes(tune));
+        Open("tune.gui");
+        win.editor.cmdNext();
+    }
+
+    /// What is read back from the rescue copy.
+    Tune Rescued()
+    {
+        const std::string path = WriteRescueCopy(win, folder.Path());
+        Tune tune;
+        ItemReader reader(ReadFileBytes(path));
+        ReadTune(reader, tune);
+        return tune;
+    }
+
+    /// The fret of each measure's first note, in order.
+    static std::string Frets(const Tune& tune)
+    {
+        std::string frets;
+        for (int i = 1; i < tune.LastNote; ++i)
+            if (tune[i].IsHead())
+                frets += std::to_string(int{tune[i].Measure}) + ":" + tune[i + 1].Slot(2) + " ";
+        return frets;
+    }
+};
+
+TEST_F(Rescue, CopyIsNamedByTheTimeAndTheInstrument)
+{
+    Type("1\r");
+    const std::string path = WriteRescueCopy(win, folder.Path());
+    const std::string name = path.substr(folder.Path().size() + 1);
+    EXPECT_TRUE(std::regex_match(name, std::regex("Rescue-[-0-9]+\\.gui"))) << name;
+    EXPECT_EQ(ReadFileBytes(path), TuneBytes(win.tune));
+}
+
+TEST_F(Rescue, CopyNeverReplacesAnother)
+{
+    EXPECT_NE(WriteRescueCopy(win, folder.Path()), WriteRescueCopy(win, folder.Path()));
+}
+
+TEST_F(Rescue, CopyThatCannotBeWrittenHasNoName)
+{
+    EXPECT_EQ(WriteRescueCopy(win, folder.Path("missing")), "");
+}
+
+TEST_F(Rescue, CopyHoldsTheTailThatAnInsertionHasParked)
+{
+    OpenFullMeasures(3);
+    win.editor.mnuInsMeas();
+    Type("9\r");
+    const Tune tune = Rescued();
+    EXPECT_EQ(Frets(tune), "1:1 2:9 3:2 4:3 ");
+    EXPECT_EQ(tune.LastNote, 5 + 2 + 10);
+}
+
+TEST_F(Rescue, CopyHoldsTheParkedTailThoughItsScratchFileHasGone)
+{
+    OpenFullMeasures(3);
+    win.editor.mnuInsMeas();
+    std::filesystem::remove(kInsertScratch);
+    EXPECT_FAULT(win.editor.cmdNext(), FileNotFound);
+    EXPECT_EQ(Frets(Rescued()), "1:1 2:2 3:3 ");
+}
+
+TEST_F(Rescue, CopyHoldsEveryMeasureOfAPasteThatRanPastTheTable)
+{
+    OpenFullMeasures(299);
+    win.editor.mnuCopy();
+    win.form.FrmCopyBox = {"1", "2"};
+    win.editor.cmdCopyMeasure();
+    EXPECT_FAULT(win.editor.mnuPaste(), SubscriptOutOfRange);
+    const std::string bytes = RescueBytes(win);
+    for (int fret = 1; fret <= 299; ++fret)
+        ASSERT_NE(bytes.find("\"" + std::to_string(fret) + "\""), std::string::npos) << fret;
+}
+
+TEST_F(Rescue, CopyHoldsNoTailOnceItIsBack)
+{
+    OpenFullMeasures(3);
+    win.editor.mnuInsMeas();
+    win.editor.cmdPrevious();
+    EXPECT_EQ(RescueBytes(win), TuneBytes(win.tune));
+    win.editor.mnuInsMeas();
+    Type("9\r");
+    win.editor.cmdNext();
+    EXPECT_EQ(RescueBytes(win), TuneBytes(win.tune));
+}
+
+}  // namespace
+}  // namespace quillon
