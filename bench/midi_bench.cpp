@@ -69,5 +69,3 @@ BENCHMARK(BuildAndWrite)->Arg(150)->Arg(kLastRecord)->Unit(benchmark::kMicroseco
 
 }  // namespace
 }  // namespace quillon
-
-BENCHMARK_MAIN();

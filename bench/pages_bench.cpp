@@ -64,5 +64,3 @@ BENCHMARK(Print)->Arg(150)->Arg(kLastRecord)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace quillon
-
-BENCHMARK_MAIN();
