@@ -9,10 +9,14 @@ namespace quillon {
 
 const char* const kExportHelp =
     "usage: quillon-export [options] TUNE... -o OUT\n"
+    "       quillon-export [options] --check TUNE...\n"
+    "       quillon-export [options] --order TUNE...\n"
     "\n"
     "Makes something else of tunes. OUT is a file, - for standard output, or a folder\n"
     "when there are several tunes.\n"
     "\n"
+    "  --check           tells what is wrong with each tune, a line each\n"
+    "  --order           tells in which order its measures are played\n"
     "  --format F        pdf, svg, png, mid, wav, tune, measure-log, page-log or\n"
     "                    print-log; without it, OUT's extension decides\n"
     "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"
@@ -124,6 +128,10 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
             command.Help = true;
             return command;
         }
+        if (argument == "--check" || argument == "--order") {
+            (argument == "--check" ? command.Check : command.Order) = true;
+            continue;
+        }
         std::string value;
         const std::size_t equals = argument.find('=');
         if (argument.starts_with("--") && equals != std::string::npos) {
@@ -146,6 +154,13 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
     }
     if (command.Tunes.empty())
         Bad("no tune is named");
+    if (command.Check || command.Order) {
+        if (command.Check && command.Order)
+            Bad("--check and --order do not go together");
+        if (!command.Output.empty() || !command.Format.empty())
+            Bad("--check and --order have no output but the standard one");
+        return command;
+    }
     if (command.Output.empty())
         Bad("no output is named; give one with -o");
     if (command.Format.empty())

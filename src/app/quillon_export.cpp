@@ -117,25 +117,25 @@ void Export(const ExportCommand& command, const std::string& path, const std::st
         WriteWav(files.front(), scratch);
         const std::string wav = ReadFileBytes(scratch);
         fs::remove(scratch);
-        std::cout << wav << std::flush;
+        std::cout << wav;
     } else if (output == "-") {
         for (const std::string& file : files)
             std::cout << file;
-        std::cout << std::flush;
     } else if (command.Format == "wav") {
         WriteWav(files.front(), output);
     } else {
         for (std::size_t i = 0; i < files.size(); ++i)
             WriteFile(PageFile(output, static_cast<int>(i) + 1), files[i]);
     }
-    if (!std::cout)
-        throw ExportError("standard output cannot be written");
 }
 
-bool Try(const ExportCommand& command, const std::string& path, const std::string& output)
+/// Runs what is done with one tune. A failure is told on standard error.
+template <typename Work> bool Try(const std::string& path, Work work)
 {
     try {
-        Export(command, path, output);
+        work();
+        if (!std::cout.flush())
+            throw ExportError("standard output cannot be written");
         return true;
     } catch (const Fault& fault) {
         std::cerr << "quillon-export: " << path << ": " << fault.what();
@@ -168,12 +168,78 @@ bool ExportAll(const ExportCommand& command)
             std::cerr << "\r\x1b[K" << i + 1 << "/" << command.Tunes.size() << " " << tune.string()
                       << std::flush;
         const fs::path name = tune.stem().string() + ExtensionOf(command, tune);
-        allDone =
-            Try(command, tune.string(), (fs::path(command.Output) / name).string()) && allDone;
+        const std::string output = (fs::path(command.Output) / name).string();
+        allDone = Try(tune.string(), [&] { Export(command, tune.string(), output); }) && allDone;
     }
     if (progress)
         std::cerr << "\r\x1b[K" << std::flush;
     return allDone;
+}
+
+ExportedTune Load(const ExportCommand& command, const std::string& path)
+{
+    static const FixedTextMetrics metrics;
+    return ExportedTune(path, command.Options, metrics);
+}
+
+/// "" of a file that cannot be read.
+std::string BytesOf(const std::string& path)
+{
+    try {
+        return ReadFileBytes(path);
+    } catch (const Fault&) {
+        return {};
+    }
+}
+
+/// Prints what is wrong with each tune. False when there is anything.
+bool CheckAll(const ExportCommand& command)
+{
+    bool clean = true;
+    for (const std::string& path : command.Tunes) {
+        const auto print = [&](const std::vector<Finding>& findings) {
+            for (const Finding& finding : findings)
+                std::cout << path << ": " << finding.Text() << '\n';
+            clean = clean && findings.empty();
+        };
+        // The texts come first: they are what most often makes a tune unreadable.
+        const bool read = Try(path, [&] {
+            print(CheckTexts(BytesOf(path)));
+            print(Load(command, path).Check());
+        });
+        clean = clean && read;
+    }
+    return clean;
+}
+
+/// Prints in which order the measures of each tune are played, a line each.
+bool OrderAll(const ExportCommand& command)
+{
+    bool allDone = true;
+    for (const std::string& path : command.Tunes)
+        allDone = Try(path, [&] { std::cout << Load(command, path).Order() << '\n'; }) && allDone;
+    return allDone;
+}
+
+bool ExportOne(const ExportCommand& command)
+{
+    const std::string& path = command.Tunes.front();
+    return Try(path, [&] { Export(command, path, command.Output); });
+}
+
+bool WantsFolder(const ExportCommand& command)
+{
+    return command.Output != "-" && (command.Tunes.size() > 1 || command.Output.ends_with('/') ||
+                                     fs::is_directory(command.Output));
+}
+
+bool Run(const ExportCommand& command)
+{
+    if (command.Check)
+        return CheckAll(command);
+    if (command.Order)
+        return OrderAll(command);
+    return WantsFolder(command) ? ExportAll(command) : ExportOne(command);
 }
 
 }  // namespace
@@ -187,11 +253,7 @@ int main(int argc, char** argv)
             std::cout << kExportHelp;
             return 0;
         }
-        const bool intoFolder =
-            command.Output != "-" && (command.Tunes.size() > 1 || command.Output.ends_with('/') ||
-                                      fs::is_directory(command.Output));
-        const bool done =
-            intoFolder ? ExportAll(command) : Try(command, command.Tunes.front(), command.Output);
+        const bool done = Run(command);
         renderer.reset();
         return done ? 0 : 1;
     } catch (const std::invalid_argument& usage) {

@@ -104,11 +104,22 @@ void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
 void Performance::BuildStringTrack()
 {
     writer.WriteEvent(kProgramChange + TrackString, sound.Instrument, 0, 0);
-    way = {};
-    arrivals.clear();
     RestTicks = 0;
     NoteTicks = 0;
     Velocity = 100;
+    Walk([this] { TakeRecord(); });
+}
+
+void Performance::WalkSilently()
+{
+    Walk([] {});
+}
+
+void Performance::Walk(const std::function<void()>& takeRecord)
+{
+    way = {};
+    arrivals.clear();
+    played.clear();
     int previous = -1;
     for (tune.CurNote = 0; tune.CurNote <= tune.LastNote;) {
         NoteArrival(std::exchange(previous, tune.CurNote));
@@ -116,7 +127,9 @@ void Performance::BuildStringTrack()
             ++tune.CurNote;  // once; what follows is taken as it is
         if (Record().IsHead() && !TakeHead())
             return;
-        TakeRecord();
+        if (Record().IsHead())
+            played.push_back({tune.CurNote});
+        takeRecord();
         ++tune.CurNote;
         if (tune.CurNote > tune.LastNote)
             ReturnFromEnd();
@@ -137,7 +150,8 @@ bool Performance::TakeHead()
     TakePendingJumps();
     if (way.FinePending)
         return false;
-    if (std::exchange(way.CodaPending, false))
+    const bool fromCoda = std::exchange(way.CodaPending, false);
+    if (fromCoda)
         SkipToCoda();
     RepeatAgain();
     if (Record().BarCode == "98" && tune.CurNote > way.RepeatStart) {
@@ -145,6 +159,7 @@ bool Performance::TakeHead()
         way.EndingNumber = way.PassNumber = 1;
     }
     TakeEndings();
+    played.push_back({tune.CurNote, way.PassNumber, fromCoda, way.FineMode});
     if (Record().BarCode == "99") {
         if (way.PassNumber == way.EndingNumber)
             way.RepeatPending = true;

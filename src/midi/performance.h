@@ -11,8 +11,10 @@
 #include "midi/sound.h"
 #include "store/tune.h"
 
+#include <functional>
 #include <set>
 #include <stdexcept>
+#include <vector>
 
 namespace quillon {
 
@@ -20,6 +22,14 @@ namespace quillon {
 class NeverEnding : public std::runtime_error {
 public:
     NeverEnding();
+};
+
+/// A measure that the walk enters.
+struct PlayedMeasure {
+    int Head;               // its head record
+    int Pass = 0;           // through the present repeat; 0 if its signs are passed over unread
+    bool FromCoda = false;  // the jump to the Coda was taken at this head
+    bool FineMode = false;  // a Fine here ends the performance
 };
 
 class Performance {
@@ -35,6 +45,12 @@ public:
     /// Writes the events of one string. The tune's CurNote does the walking and stays where the
     /// walk ended. A search for an ending or a Coda that is not there: a subscript Fault.
     void BuildStringTrack();
+
+    /// The same walk without sound.
+    void WalkSilently();
+
+    /// What the last walk has entered, in order; after a failure, what it had entered by then.
+    const std::vector<PlayedMeasure>& Played() const { return played; }
 
 private:
     /// Everything that decides where the walk goes next, but for its position.
@@ -57,6 +73,7 @@ private:
     NoteRecord& Record() { return tune[tune.CurNote]; }
     const std::string& Cell(int index) const { return tune[index].Slot(TrackString); }
 
+    void Walk(const std::function<void()>& takeRecord);
     void NoteArrival(int previous);
     bool TakeHead();
     void TakePendingJumps();
@@ -80,6 +97,8 @@ private:
 
     /// Where the walk went back to, and in which state.
     std::set<std::pair<int, Journey>> arrivals;
+
+    std::vector<PlayedMeasure> played;
 
     int RestTicks = 0;   // silence since the track's last event
     int NoteTicks = 0;   // length of the note being built

@@ -168,4 +168,21 @@ std::string ExportedTune::MidiFile(const ExportOptions& options)
                          choices);
 }
 
+std::vector<Finding> ExportedTune::Check()
+{
+    std::vector<Finding> findings = CheckRecords(win.tune);
+    for (const auto& more : {CheckSigns(win.tune), CheckPerformance(win.tune),
+                             CheckPages(win.tune, win.page, win.pages, metrics)})
+        findings.insert(findings.end(), more.begin(), more.end());
+    return findings;
+}
+
+std::string ExportedTune::Order()
+{
+    std::string line;
+    for (int measure : MeasureOrder(win.tune))
+        line += (line.empty() ? "" : " ") + std::to_string(measure);
+    return line;
+}
+
 }  // namespace quillon

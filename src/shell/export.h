@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "shell/check.h"
 #include "shell/main_win.h"
 #include "shell/scripted_platform.h"
 
@@ -64,6 +65,13 @@ public:
     /// The bytes of the tune's MIDI file. A tune that cannot be performed: a Fault, or another
     /// exception that says why.
     std::string MidiFile(const ExportOptions& options);
+
+    /// What is wrong with the tune, but for CheckTexts.
+    std::vector<Finding> Check();
+
+    /// The measures in the order in which they are played, separated by blanks. A tune that cannot
+    /// be performed: as MidiFile.
+    std::string Order();
 
 private:
     void ApplyOptions(const ExportOptions& options);

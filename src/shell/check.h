@@ -1,0 +1,55 @@
+// What is wrong with a tune: what its file cannot hold, what its measures do not add up to, what
+// its repeats and signs never reach, and what fits no page.
+//
+// None of it hinders a tune from being opened. A check finds what the eye and the ear would find
+// later, and changes nothing but the tune's CurNote and the pages.
+
+#pragma once
+
+#include "notation/draw_surface.h"
+#include "notation/page_view.h"
+#include "store/page_settings.h"
+#include "store/tune.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillon {
+
+/// Frets above this one are taken for typing errors: the longest necks have 24.
+constexpr int kHighestFret = 24;
+
+struct Finding {
+    int Measure = 0;  // 0: the whole tune
+    std::string Reason;
+
+    /// "measure N: reason", or the reason alone.
+    std::string Text() const;
+};
+
+/// Texts with a double quote, found in the bytes of the tune's file: nothing escapes them there, so
+/// what was read of them is not what was written.
+std::vector<Finding> CheckTexts(std::string_view fileBytes);
+
+/// Records out of order, measures that do not add up to their time signature (the last may be
+/// short), strings and frets that the instrument has not.
+std::vector<Finding> CheckRecords(const Tune& tune);
+
+/// Repeats without a partner, D.S. without a Sign. A repeat sign before any repeat start has the
+/// tune's beginning for a partner.
+std::vector<Finding> CheckSigns(const Tune& tune);
+
+/// Endings, Codas and Fines that the performance does not reach, and what stops it or keeps it from
+/// coming to an end.
+std::vector<Finding> CheckPerformance(Tune& tune);
+
+/// A measure that is too wide for a line (the first one, on screen and on paper), too many pages.
+std::vector<Finding> CheckPages(const Tune& tune, PageSettings& page, PageView& pages,
+                                const TextMetrics& metrics);
+
+/// The measures in the order in which the tune is played. One that cannot be performed is a Fault
+/// or a NeverEnding.
+std::vector<int> MeasureOrder(Tune& tune);
+
+}  // namespace quillon

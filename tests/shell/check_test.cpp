@@ -1,0 +1,476 @@
+#include "shell/check.h"
+
+#include "midi/performance.h"
+#include "notation/signs.h"
+#include "shell/export.h"
+#include "store/tune_file.h"
+#include "support/faults.h"
+#include "support/tunes.h"
+
+#include <filesystem>
+
+namespace quillon {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines Texts(const std::vector<Finding>& findings)
+{
+    Lines lines;
+    for (const Finding& finding : findings)
+        lines.push_back(finding.Text());
+    return lines;
+}
+
+class CheckTest : public testing::Test {
+protected:
+    Tune tune;
+
+    NoteRecord& Head(int measure)
+    {
+        for (int i = 1; i <= tune.LastNote; ++i)
+            if (tune[i].Measure == measure && tune[i].IsHead())
+                return tune[i];
+        throw std::out_of_range("no such measure");
+    }
+
+    /// Codes of BarCode, Slot(1) and so on of a measure's head.
+    void Bar(int measure, std::string_view code) { Head(measure).BarCode = code; }
+    void Sign(int measure, std::string_view code) { Head(measure).Slot(1) = code; }
+    void Bracket(int measure, const std::string& text) { Head(measure).Slot(2) = text; }
+    void Remark(int measure, const std::string& text) { Head(measure).Slot(3) = text; }
+
+    Lines FileTexts() { return Texts(CheckTexts(TuneBytes(tune))); }
+    Lines Records() { return Texts(CheckRecords(tune)); }
+    Lines Signs() { return Texts(CheckSigns(tune)); }
+    Lines Performance() { return Texts(CheckPerformance(tune)); }
+
+    Lines Pages()
+    {
+        PageSettings page;
+        MainForm form;
+        FixedTextMetrics metrics;
+        PageView pages(form, metrics);
+        return Texts(CheckPages(tune, page, pages, metrics));
+    }
+
+    /// Every check but the file's.
+    Lines All()
+    {
+        Lines all;
+        for (const Lines& part : {Records(), Signs(), Performance(), Pages()})
+            all.insert(all.end(), part.begin(), part.end());
+        return all;
+    }
+};
+
+using Order = std::vector<int>;
+
+// Clean tunes
+
+TEST_F(CheckTest, AnEmptyTuneIsClean)
+{
+    EXPECT_EQ(All(), Lines());
+    EXPECT_EQ(FileTexts(), Lines());
+}
+
+TEST_F(CheckTest, FullMeasuresAreClean)
+{
+    AddFullMeasures(tune, 20);
+    EXPECT_EQ(All(), Lines());
+    EXPECT_EQ(FileTexts(), Lines());
+}
+
+TEST_F(CheckTest, TheExamplesAreClean)
+{
+    const auto folder = std::filesystem::path(__FILE__).parent_path() / "../../examples";
+    const FixedTextMetrics metrics;
+    int count = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        const std::string extension = file.path().extension().string();
+        if (extension != ".gui" && extension != ".bjo" && extension != ".bss")
+            continue;
+        SCOPED_TRACE(file.path().string());
+        EXPECT_EQ(Texts(CheckTexts(ReadFileBytes(file.path().string()))), Lines());
+        EXPECT_EQ(Texts(ExportedTune(file.path().string(), {}, metrics).Check()), Lines());
+        ++count;
+    }
+    EXPECT_GE(count, 7);
+}
+
+// Texts
+
+TEST_F(CheckTest, ADoubleQuoteInATextIsFoundWhereverItStands)
+{
+    for (const char* text : {"a \"b\" c", "\"", "\"a", "a\"", "\"a\"", "a\",\"b", "a\", b", ",\"",
+                             "\",", " \"", "\"\""}) {
+        SCOPED_TRACE(text);
+        tune = {};
+        AddFullMeasures(tune, 3);
+        Remark(2, text);
+        EXPECT_EQ(FileTexts(), Lines{"measure 2: a text holds a double quote"});
+        Remark(2, "");
+        tune[0].ChordText = text;
+        EXPECT_EQ(FileTexts(), Lines{"the title, a credit or a font holds a double quote"});
+        tune[0].ChordText.clear();
+        tune[12].ChordText = text;
+        EXPECT_EQ(FileTexts(), Lines{"measure 3: a text holds a double quote"});
+    }
+}
+
+TEST_F(CheckTest, ADoubleQuoteForAHandIsFound)
+{
+    AddFullMeasures(tune, 1);
+    tune[3].RightHand = '"';
+    EXPECT_EQ(FileTexts(), Lines{"measure 1: a text holds a double quote"});
+}
+
+TEST_F(CheckTest, OtherCharactersAreNoMatter)
+{
+    AddFullMeasures(tune, 2);
+    Remark(1, "a, 'b', c;\\ ,");
+    tune[0].ChordText = ", ";
+    tune[3].RightHand = ',';
+    EXPECT_EQ(FileTexts(), Lines());
+}
+
+TEST(CheckTexts, AFileThatEndsWithoutALineEndIsClean)
+{
+    Tune tune;
+    AddFullMeasures(tune, 1);
+    const std::string bytes = TuneBytes(tune);
+    EXPECT_EQ(CheckTexts(bytes.substr(0, bytes.size() - 2)).size(), 0U);
+    EXPECT_EQ(CheckTexts(bytes.substr(0, bytes.size() - 3)).size(), 0U);
+}
+
+TEST(CheckTexts, LineEndsMayBeAnyOfThree)
+{
+    EXPECT_EQ(CheckTexts("0,0,0\n0,0,0,0\r0,\"\",\" \",\" \",\"x\"\r\n\"\"\n").size(), 0U);
+    EXPECT_EQ(CheckTexts("0,0,0\n0,0,0,0\r0,\"\",\" \",\" \",\"x\"\"\r\n\"\"\n").size(), 1U);
+}
+
+// Records
+
+TEST_F(CheckTest, AMeasureThatIsMissingIsFound)
+{
+    AddFullMeasures(tune, 2);
+    tune.LastMeas = 3;
+    AddFullMeasures(tune, 1);
+    EXPECT_EQ(Records(), Lines{"measure 4: stands behind measure 2"});
+}
+
+TEST_F(CheckTest, MeasuresThatStandTheWrongWayRoundAreFound)
+{
+    AddFullMeasures(tune, 3);
+    for (int i = 6; i <= 10; ++i)
+        std::swap(tune[i], tune[i + 5]);
+    EXPECT_EQ(Records(),
+              (Lines{"measure 3: stands behind measure 1", "measure 2: stands behind measure 3"}));
+}
+
+TEST_F(CheckTest, ATuneBeginsWithMeasure1)
+{
+    tune.LastMeas = 1;
+    AddFullMeasures(tune, 1);
+    EXPECT_EQ(Records(), Lines{"measure 2: stands first, where measure 1 belongs"});
+}
+
+TEST_F(CheckTest, AMeasureWithoutAHeadIsFound)
+{
+    AddFullMeasures(tune, 2);
+    tune[6].NoteCode = 7;
+    EXPECT_EQ(Records(), Lines{"measure 2: does not begin with a head record"});
+}
+
+TEST_F(CheckTest, ASecondHeadIsFound)
+{
+    AddFullMeasures(tune, 2);
+    tune[8].NoteCode = kHead;
+    EXPECT_EQ(Records(),
+              (Lines{"measure 2: has 1 beat instead of 4", "measure 2: has a second head record"}));
+}
+
+TEST_F(CheckTest, ARecordOfNoMeasureIsFound)
+{
+    AddFullMeasures(tune, 1);
+    tune[++tune.LastNote].NoteCode = 7;
+    AddFullMeasures(tune, 1);
+    EXPECT_EQ(Records(), Lines{"record 6 belongs to no measure"});
+}
+
+TEST_F(CheckTest, AMeasureThatDoesNotAddUpSaysHowManyBeatsItHas)
+{
+    AddFullMeasures(tune, 3);
+    tune[3].NoteCode = 8;
+    EXPECT_EQ(Records(), Lines{"measure 1: has 4.5 beats instead of 4"});
+    tune[3].NoteCode = 97;
+    EXPECT_EQ(Records(), Lines{"measure 1: has 3.5 beats instead of 4"});
+    tune[3].NoteCode = 6;
+    EXPECT_EQ(Records(), Lines{"measure 1: has 3.67 beats instead of 4"});
+    tune[3].NoteCode = 99;
+    EXPECT_EQ(Records(), Lines());
+}
+
+TEST_F(CheckTest, OnlyTheLastMeasureMayBeShort)
+{
+    AddFullMeasures(tune, 2);
+    --tune.LastNote;
+    EXPECT_EQ(Records(), Lines());
+    AddFullMeasures(tune, 1);
+    EXPECT_EQ(Records(), Lines{"measure 2: has 3 beats instead of 4"});
+}
+
+TEST_F(CheckTest, TheLastMeasureMayNotBeLong)
+{
+    AddFullMeasures(tune, 1);
+    AddNote(tune, 4, 1, "0");
+    EXPECT_EQ(Records(), Lines{"measure 1: has 4.5 beats instead of 4"});
+}
+
+TEST_F(CheckTest, ALowerFigureOtherThan4CountsAs8)
+{
+    for (int unit : {8, 2}) {
+        SCOPED_TRACE(unit);
+        tune = {};
+        AddMeasure(tune, 3, unit);
+        for (int i = 0; i < 3; ++i)
+            AddNote(tune, 4, 1, "0");
+        EXPECT_EQ(Records(), Lines());
+        AddNote(tune, 4, 1, "0");
+        EXPECT_EQ(Records(), Lines{"measure 1: has 4 beats instead of 3"});
+    }
+}
+
+TEST_F(CheckTest, AFretAboveTheHighestIsFound)
+{
+    AddFullMeasures(tune, 2);
+    for (const char* cell : {"24", "0", "x", "(12)", "1-2-4", "10-24", "024", "5^", "-", ">7<"}) {
+        SCOPED_TRACE(cell);
+        tune[8].Slot(4) = cell;
+        EXPECT_EQ(Records(), Lines());
+    }
+    for (const auto& [cell, fret] : std::map<std::string, std::string>{
+             {"25",   "25"  },
+             {"(30)", "30"  },
+             {"7-77", "77"  },
+             {"240",  "240" },
+             {"0025", "0025"}
+    }) {
+        tune[8].Slot(4) = cell;
+        EXPECT_EQ(Records(), Lines{"measure 2: fret " + fret + " on string 4 is above 24"});
+    }
+}
+
+TEST_F(CheckTest, AFretOfAnyLengthIsRead)
+{
+    AddFullMeasures(tune, 1);
+    tune[2].Slot(1) = std::string(500, '9');
+    EXPECT_EQ(Records().size(), 1U);
+}
+
+TEST_F(CheckTest, TwoWrongFretsInACellAreTwoFindings)
+{
+    AddFullMeasures(tune, 1);
+    tune[2].Slot(1) = "25-26";
+    EXPECT_EQ(Records(), (Lines{"measure 1: fret 25 on string 1 is above 24",
+                                "measure 1: fret 26 on string 1 is above 24"}));
+}
+
+TEST_F(CheckTest, AStringThatTheInstrumentHasNotIsFound)
+{
+    AddFullMeasures(tune, 1);
+    tune[2].Slot(5) = "3";
+    EXPECT_EQ(Records(), Lines());
+    tune.NumStrings = 4;
+    EXPECT_EQ(Records(), Lines{"measure 1: string 5 is not among the instrument's 4"});
+}
+
+TEST_F(CheckTest, TheTextsOfAHeadAreNoFrets)
+{
+    AddFullMeasures(tune, 1);
+    Sign(1, "87");
+    Remark(1, "As in 1999");
+    EXPECT_EQ(Records(), Lines());
+}
+
+// Repeats and signs
+
+TEST_F(CheckTest, ARepeatStartWantsARepeatSign)
+{
+    AddFullMeasures(tune, 6);
+    Bar(2, kRepeatStart);
+    EXPECT_EQ(Signs(), Lines{"measure 2: begins a repeat that no repeat sign ends"});
+    Bar(4, kRepeatStart);
+    Bar(5, kRepeatEnd);
+    EXPECT_EQ(Signs(), Lines{"measure 2: begins a repeat that no repeat sign ends"});
+    Bar(3, kRepeatEnd);
+    EXPECT_EQ(All(), Lines());
+}
+
+TEST_F(CheckTest, TheFirstRepeatMayBeginWithTheTune)
+{
+    AddFullMeasures(tune, 6);
+    Bar(3, kRepeatEnd);
+    EXPECT_EQ(All(), Lines());
+    Bar(5, kRepeatEnd);
+    EXPECT_EQ(Signs(), Lines{"measure 5: ends a repeat that no repeat start begins"});
+    Bar(4, kRepeatStart);
+    EXPECT_EQ(All(), Lines());
+}
+
+TEST_F(CheckTest, EndingsShareARepeatStart)
+{
+    AddFullMeasures(tune, 8);
+    Bar(2, kRepeatStart);
+    Bracket(4, "1.");
+    Bar(4, kRepeatEnd);
+    Bracket(5, "2.");
+    Bar(5, kRepeatEnd);
+    Bracket(6, "3.");
+    EXPECT_EQ(All(), Lines());
+    EXPECT_EQ(MeasureOrder(tune), (Order{1, 2, 3, 4, 2, 3, 5, 2, 3, 6, 7, 8}));
+}
+
+TEST_F(CheckTest, DsWantsASignBeforeIt)
+{
+    AddFullMeasures(tune, 8);
+    Sign(4, kDsAlFine);
+    Sign(3, kFine);
+    EXPECT_EQ(Signs(), Lines{"measure 4: has a D.S. but no Sign stands before it"});
+    Sign(5, kSign);
+    EXPECT_EQ(Signs(), Lines{"measure 4: has a D.S. but no Sign stands before it"});
+    Sign(2, kSign);
+    EXPECT_EQ(All(), Lines());
+}
+
+TEST_F(CheckTest, APlainDsWantsASignTooAndDcWantsNone)
+{
+    AddFullMeasures(tune, 3);
+    Sign(2, kDs);
+    EXPECT_EQ(Signs(), Lines{"measure 2: has a D.S. but no Sign stands before it"});
+    Sign(2, kDc);
+    EXPECT_EQ(Signs(), Lines());
+}
+
+// Performance
+
+TEST_F(CheckTest, ASecondEndingWithoutARepeatIsNeverReached)
+{
+    AddFullMeasures(tune, 4);
+    Bracket(2, "1");
+    Bracket(3, "2");
+    EXPECT_EQ(Performance(), Lines{"measure 3: ending 2 is never reached"});
+    Bar(2, kRepeatEnd);
+    EXPECT_EQ(All(), Lines());
+}
+
+TEST_F(CheckTest, AnEndingForAPassThatHasOneAlreadyIsNeverReached)
+{
+    AddFullMeasures(tune, 5);
+    Bracket(2, "1");
+    Bar(2, kRepeatEnd);
+    Bracket(3, "1");
+    Bracket(4, "2");
+    EXPECT_EQ(Performance(), Lines{"measure 3: ending 1 is never reached"});
+    EXPECT_EQ(MeasureOrder(tune), (Order{1, 2, 1, 4, 5}));
+}
+
+TEST_F(CheckTest, TheBracketOfAMeasureBehindAnEmptyOneIsNeverReached)
+{
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddFullMeasures(tune, 2);
+    Bracket(3, "1");
+    EXPECT_EQ(Performance(), Lines{"measure 3: ending 1 is never reached"});
+    EXPECT_EQ(MeasureOrder(tune), (Order{1, 2, 3, 4}));
+}
+
+TEST_F(CheckTest, ARepeatSignOnTheLastEndingStopsThePerformance)
+{
+    AddFullMeasures(tune, 4);
+    Bracket(2, "1");
+    Bar(2, kRepeatEnd);
+    Bracket(3, "2");
+    Bar(3, kRepeatEnd);
+    EXPECT_EQ(Performance(), Lines{"No ending for pass 3 follows measure 2."});
+    EXPECT_FAULT(MeasureOrder(tune), SubscriptOutOfRange);
+}
+
+TEST_F(CheckTest, ACodaIsReachedFromARemarkAtLeastAMeasureBeforeIt)
+{
+    AddFullMeasures(tune, 7);
+    Sign(6, kCoda);
+    EXPECT_EQ(Performance(), Lines{"measure 6: the Coda is never reached"});
+    Sign(4, kDcAlCoda);
+    Remark(2, "/To Coda");
+    EXPECT_EQ(All(), Lines());
+    EXPECT_EQ(MeasureOrder(tune), (Order{1, 2, 3, 4, 1, 2, 6, 7}));
+    Sign(6, "");
+    Sign(3, kCoda);
+    EXPECT_EQ(Performance(),
+              (Lines{"No Coda follows measure 3.", "measure 3: the Coda is never reached"}));
+}
+
+TEST_F(CheckTest, AFineIsReachedAfterASignAlFine)
+{
+    AddFullMeasures(tune, 5);
+    Sign(3, kFine);
+    EXPECT_EQ(Performance(), Lines{"measure 3: the Fine is never reached"});
+    Sign(5, kDcAlFine);
+    EXPECT_EQ(All(), Lines());
+    EXPECT_EQ(MeasureOrder(tune), (Order{1, 2, 3, 4, 5, 1, 2, 3}));
+    Sign(4, kFine);
+    EXPECT_EQ(Performance(), Lines{"measure 4: the Fine is never reached"});
+}
+
+TEST_F(CheckTest, AFineBehindTheJumpIsNeverReachedAndTheJumpNeverEnds)
+{
+    AddFullMeasures(tune, 5);
+    Sign(3, kDcAlFine);
+    Sign(4, kFine);
+    EXPECT_EQ(Performance(), (Lines{"The repeats and signs of this tune never come to an end.",
+                                    "measure 4: the Fine is never reached"}));
+    EXPECT_THROW(MeasureOrder(tune), NeverEnding);
+}
+
+TEST_F(CheckTest, AFretThatNoSoundHasDoesNotKeepTheOrderFromBeingTold)
+{
+    AddFullMeasures(tune, 2);
+    tune[2].Slot(1) = "99999";
+    EXPECT_EQ(Performance(), Lines());
+    EXPECT_EQ(MeasureOrder(tune), (Order{1, 2}));
+}
+
+TEST_F(CheckTest, ABracketPastAnyNumberIsAFindingAndNoMore)
+{
+    AddFullMeasures(tune, 2);
+    Bracket(1, "1e999");
+    EXPECT_EQ(Signs(), Lines{"the repeats cannot be read: run-time error 6: overflow"});
+    EXPECT_FALSE(Performance().empty());
+}
+
+// Pages
+
+TEST_F(CheckTest, AMeasureTooWideForALineIsFoundOnScreenAndPaper)
+{
+    AddFullMeasures(tune, 2);
+    AddMeasure(tune, 16);
+    for (int i = 0; i < 16; ++i)
+        AddNote(tune, 7, 1, "10-12-10");
+    EXPECT_EQ(Pages(), (Lines{"measure 3: is too wide for a line of the page view",
+                              "measure 3: is too wide for a printed line"}));
+    tune.LastNote = tune.LastNote - 8;
+    EXPECT_EQ(Pages(), Lines());
+}
+
+TEST_F(CheckTest, ATenthPageIsFound)
+{
+    AddFullMeasures(tune, 200);
+    EXPECT_EQ(Pages(), Lines());
+    for (int measure = 2; measure <= 200; ++measure)
+        Head(measure).Slot(6) = kLineBreak;
+    EXPECT_EQ(Pages(), Lines{"has more than nine pages"});
+}
+
+}  // namespace
+}  // namespace quillon
