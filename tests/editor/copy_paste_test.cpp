@@ -73,8 +73,17 @@ TEST_F(CopyPaste, WritesTheRecordsOfTheRange)
 TEST_F(CopyPaste, ARangeAboveLastMeasOrBackwardsIsRefusedSilently)
 {
     ShowFullMeasures(3);
-    for (const auto& [from, to] : {std::pair{"4", "4"}, {"2", "4"}, {"3", "2"}, {"0", "1"},
-                                   {"-1", "1"}, {"", ""}, {" ", " "}, {"x", "2"}, {"1", "x"}}) {
+    for (const auto& [from, to] : {
+             std::pair{"4",  "4"},
+             {"2",  "4"},
+             {"3",  "2"},
+             {"0",  "1"},
+             {"-1", "1"},
+             {"",   "" },
+             {" ",  " "},
+             {"x",  "2"},
+             {"1",  "x"}
+    }) {
         Copy(from, to);
         EXPECT_FALSE(Copied()) << from << " to " << to;
         EXPECT_FALSE(form.mnuPasteEnabled);

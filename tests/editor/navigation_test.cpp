@@ -20,7 +20,8 @@ TEST_F(Navigation, NextAfterAFullMeasureOpensANewOneBehindItsLastNote)
     EXPECT_EQ(tune.CurMeas, 2);
     EXPECT_EQ(form.MeasHead, 6);
     EXPECT_EQ(tune.CurNote, 7);
-    EXPECT_EQ(RecordText(tune[6]), "2 999 0 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"");
+    EXPECT_EQ(RecordText(tune[6]),
+              "2 999 0 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"");
     EXPECT_EQ(form.CursorX, 48);
     EXPECT_EQ(form.MeasFill, 0);
     EXPECT_EQ(form.Focus, Control::StaffBox);
@@ -240,8 +241,14 @@ TEST_F(Navigation, GotoOutsideTheTuneOrCancelledStaysAndGoesToTheFirstNote)
 TEST_F(Navigation, GotoWithAFractionRoundsTiesToEven)
 {
     ShowFullMeasures(4);
-    for (const auto& [answer, measure] :
-         {std::pair{"1.5", 2}, {"2.5", 2}, {"2.6", 3}, {"3.5", 4}, {"4.5", 4}, {"1.4", 1}}) {
+    for (const auto& [answer, measure] : {
+             std::pair{"1.5", 2},
+             {"2.5", 2},
+             {"2.6", 3},
+             {"3.5", 4},
+             {"4.5", 4},
+             {"1.4", 1}
+    }) {
         Goto(answer);
         EXPECT_EQ(tune.CurMeas, measure) << answer;
     }

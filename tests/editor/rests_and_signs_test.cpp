@@ -20,7 +20,8 @@ TEST_F(RestsAndSigns, ARestTypedAsTheLastValueThatFillsAMeasureSendsTheFocusToNe
 TEST_F(RestsAndSigns, ARestInAnUnfilledMeasureMovesOnBehindItself)
 {
     editor.mnuRest();
-    EXPECT_EQ(RecordText(tune[2]), "1 99 48 0 4 4 4 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"");
+    EXPECT_EQ(RecordText(tune[2]),
+              "1 99 48 0 4 4 4 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"");
     EXPECT_EQ(tune.CurNote, 3);
     EXPECT_EQ(tune.LastNote, 2);
     EXPECT_EQ(tune.LastMeas, 1);
@@ -181,9 +182,15 @@ TEST_F(RestsAndSigns, DcOnAMeasureWithTheSignReplacesIt)
 TEST_F(RestsAndSigns, EverySignTogglesItsOwnCode)
 {
     const std::pair<void (Editor::*)(), const char*> commands[] = {
-        {&Editor::mnuDS, "81"},     {&Editor::mnuDC, "82"},      {&Editor::mnuFine, "83"},
-        {&Editor::mnuCoda, "84"},   {&Editor::mnuDCcoda, "85"},  {&Editor::mnuDCfine, "86"},
-        {&Editor::mnuSign, "87"},   {&Editor::mnuDScoda, "88"},  {&Editor::mnuDSfine, "89"},
+        {&Editor::mnuDS,     "81"},
+        {&Editor::mnuDC,     "82"},
+        {&Editor::mnuFine,   "83"},
+        {&Editor::mnuCoda,   "84"},
+        {&Editor::mnuDCcoda, "85"},
+        {&Editor::mnuDCfine, "86"},
+        {&Editor::mnuSign,   "87"},
+        {&Editor::mnuDScoda, "88"},
+        {&Editor::mnuDSfine, "89"},
     };
     ShowFullMeasures(2);
     const std::string plain = Log();

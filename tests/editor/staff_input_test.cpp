@@ -264,7 +264,10 @@ TEST_F(StaffInput, ValueKeysStepDotAndMakeTriplets)
     const int triplet[] = {1, 1, 3, 3, 3, 6, 6, 6, 9, 10, 11};
     for (int value = 1; value <= 11; ++value) {
         const std::pair<const char*, int> keys[] = {
-            {"+", plus[value - 1]}, {".", dot[value - 1]}, {"*", triplet[value - 1]}};
+            {"+", plus[value - 1]   },
+            {".", dot[value - 1]    },
+            {"*", triplet[value - 1]}
+        };
         for (const auto& [key, result] : keys) {
             form.CurValue = value;
             form.Toolbar1 = value;
@@ -509,8 +512,18 @@ TEST_F(StaffInput, AClickStoresTheBracketAndEndsItsBoxWithoutHidingIt)
 TEST_F(StaffInput, AClickTakesTheLastNoteLeftOfItAndExactlyOnANoteTheOneBefore)
 {
     ShowFullMeasures(1);  // at 48, 72, 96, 120
-    for (const auto& [x, note] : {std::pair{50, 2}, {72, 2}, {73, 3}, {96, 3}, {97, 4}, {120, 4},
-                                  {121, 5}, {138, 5}, {200, 5}, {20, 2}}) {
+    for (const auto& [x, note] : {
+             std::pair{50,  2},
+             {72,  2},
+             {73,  3},
+             {96,  3},
+             {97,  4},
+             {120, 4},
+             {121, 5},
+             {138, 5},
+             {200, 5},
+             {20,  2}
+    }) {
         Click(x, 44);
         EXPECT_EQ(tune.CurNote, note) << x;
         EXPECT_EQ(form.CursorX, tune[note].XPos) << x;
@@ -558,9 +571,18 @@ TEST_F(StaffInput, AClickOnAFreeRecordTakesTheButtonThatIsDown)
 
 TEST_F(StaffInput, AClickSnapsToTheNextLineDown)
 {
-    for (const auto& [y, line] : {std::pair{-5.0, 36}, {36.0, 36}, {36.5, 44}, {44.0, 44},
-                                  {52.0, 52}, {53.0, 60}, {60.0, 60}, {68.0, 68}, {68.1, 76},
-                                  {140.0, 76}}) {
+    for (const auto& [y, line] : {
+             std::pair{-5.0,  36},
+             {36.0,  36},
+             {36.5,  44},
+             {44.0,  44},
+             {52.0,  52},
+             {53.0,  60},
+             {60.0,  60},
+             {68.0,  68},
+             {68.1,  76},
+             {140.0, 76}
+    }) {
         Click(100, y);
         EXPECT_EQ(form.CursorY, line) << y;
     }
@@ -593,7 +615,11 @@ TEST_F(StaffInput, TheFiguresReachFromTheirLowerBoundUpToTheirUpperOne)
     struct Row {
         int strings, upperFrom, upperTo, lowerFrom, lowerTo;
     };
-    for (const Row& row : {Row{4, 36, 46, 48, 59}, Row{5, 34, 49, 51, 65}, Row{6, 36, 54, 58, 75}}) {
+    for (const Row& row : {
+             Row{4, 36, 46, 48, 59},
+             Row{5, 34, 49, 51, 65},
+             Row{6, 36, 54, 58, 75}
+    }) {
         const auto hit = [&](double x, double y) {
             NewTune(row.strings);
             Click(x, y);

@@ -479,10 +479,14 @@ TEST_F(MeasureViewTest, SignsAreTextsOrGlyphs)
 {
     AddMeasure(tune);
     const std::pair<const char*, std::string> signs[] = {
-        {"81", Text("260 12", "D.S.")},         {"82", Text("260 12", "D.C.")},
-        {"83", Text("260 12", "Fine")},         {"84", Glyph("12 12", "@")},
-        {"85", Text("248 12", "D.C. al Coda")}, {"86", Text("248 12", "D.C. al Fine")},
-        {"87", Glyph("12 12", "$")},            {"88", Text("248 12", "D.S. al Coda")},
+        {"81", Text("260 12", "D.S.")        },
+        {"82", Text("260 12", "D.C.")        },
+        {"83", Text("260 12", "Fine")        },
+        {"84", Glyph("12 12", "@")           },
+        {"85", Text("248 12", "D.C. al Coda")},
+        {"86", Text("248 12", "D.C. al Fine")},
+        {"87", Glyph("12 12", "$")           },
+        {"88", Text("248 12", "D.S. al Coda")},
         {"89", Text("248 12", "D.S. al Fine")},
     };
     for (const auto& [code, line] : signs) {

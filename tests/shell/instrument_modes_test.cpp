@@ -67,9 +67,9 @@ TEST_F(InstrumentModes, EachHasItsStringsCaptionLinesAndSetting)
         const char* Caption;
     };
     const Row rows[] = {
-        {&MainWin::mnuBanjo, 5, "LYRANO Tablature Editor for Banjo"},
+        {&MainWin::mnuBanjo,    5, "LYRANO Tablature Editor for Banjo"        },
         {&MainWin::mnuMandolin, 4, "LYRANO Tablature Editor for Mandolin/Bass"},
-        {&MainWin::mnuGuitar, 6, "LYRANO Tablature Editor for Guitar"},
+        {&MainWin::mnuGuitar,   6, "LYRANO Tablature Editor for Guitar"       },
     };
     for (const Row& row : rows) {
         (win.*row.Command)();

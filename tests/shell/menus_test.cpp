@@ -20,21 +20,24 @@ std::string Names(const Menu& menu)
 
 TEST(Menus, StandInTheirOrderWithTheirSeparators)
 {
+    // clang-format off
     const std::pair<const char*, const char*> menus[] = {
-        {"mnuFile &File", "mnuNew mnuOpen mnuAppend ; mnuSave mnuSaveAs ; mnuPageSet mnuPrint ; "
-                          "mnuExit"},
-        {"mnuEdit &Edit", "mnuNoteBefore mnuInsNoteAfter mnuDelNote ; mnuClipbrd mnuCopy mnuPaste ; "
-                          "mnuInsMeas mnuDelMeas ; mnuChord mnuRemarks mnuRHEdit mnuLHEdit "
-                          "mnuHardBrk"},
-        {"mnuSymbols &Symbols", "mnuRest mnuHalfRest mnuWholeRest ; mnuRptSign mnuRptStart "
-                                "mnuDoubBar mnuBegDoubBar"},
-        {"mnuEndings E&ndings", "mnuSign mnuCoda mnuFine mnuDS mnuDC mnuDSfine mnuDCfine "
-                                "mnuDScoda mnuDCcoda mnuRepeatEnds"},
+        {"mnuFile &File",
+         "mnuNew mnuOpen mnuAppend ; mnuSave mnuSaveAs ; mnuPageSet mnuPrint ; mnuExit"},
+        {"mnuEdit &Edit",
+         "mnuNoteBefore mnuInsNoteAfter mnuDelNote ; mnuClipbrd mnuCopy mnuPaste ; "
+         "mnuInsMeas mnuDelMeas ; mnuChord mnuRemarks mnuRHEdit mnuLHEdit mnuHardBrk"},
+        {"mnuSymbols &Symbols",
+         "mnuRest mnuHalfRest mnuWholeRest ; mnuRptSign mnuRptStart mnuDoubBar mnuBegDoubBar"},
+        {"mnuEndings E&ndings",
+         "mnuSign mnuCoda mnuFine mnuDS mnuDC mnuDSfine mnuDCfine mnuDScoda mnuDCcoda "
+         "mnuRepeatEnds"},
         {"mnuInst &Instrument", "mnuGuitar mnuBanjo mnuMandolin"},
         {"mnuMIDI &MIDI", "mnuOpnMidi mnuSetup mnuTuning"},
         {"mnuPage &Page", "mnuLargeview mnuSmallView mnuPgDown"},
         {"mnuHelp &Help", "mnuAbout"},
     };
+    // clang-format on
     ASSERT_EQ(Menus().size(), std::size(menus));
     for (std::size_t i = 0; i < std::size(menus); ++i) {
         const Menu& menu = Menus()[i];
@@ -46,39 +49,39 @@ TEST(Menus, StandInTheirOrderWithTheirSeparators)
 TEST(Menus, HaveTheirCaptions)
 {
     const std::pair<const char*, const char*> captions[] = {
-        {"mnuNew", "&New"},
-        {"mnuAppend", "Appen&d"},
-        {"mnuSaveAs", "Save &As"},
-        {"mnuPageSet", "Page Setup"},
-        {"mnuExit", "E&xit"},
-        {"mnuNoteBefore", "Insert Note &Before"},
-        {"mnuInsNoteAfter", "Insert Note &After"},
-        {"mnuDelNote", "Delete Note"},
-        {"mnuClipbrd", "Copy to Clipboard"},
-        {"mnuInsMeas", "&Insert Measure"},
-        {"mnuDelMeas", "&Delete Measure"},
-        {"mnuRemarks", "Re&marks"},
-        {"mnuRHEdit", "&Right Hand Editing"},
-        {"mnuLHEdit", "&Left Hand Editing"},
-        {"mnuHardBrk", "&Hard Line Break"},
-        {"mnuRest", "Rest"},
-        {"mnuHalfRest", "&Half Rest"},
-        {"mnuWholeRest", "&Whole Rest"},
-        {"mnuRptSign", "&Repeat Sign"},
-        {"mnuRptStart", "Repeat &Start"},
-        {"mnuDoubBar", "&Double Bar"},
-        {"mnuBegDoubBar", "&Begin Double Bar"},
-        {"mnuFine", "fine"},
-        {"mnuDS", "D.S."},
-        {"mnuDCcoda", "D.C. al Coda"},
-        {"mnuRepeatEnds", "Repeat Brackets"},
-        {"mnuMandolin", "&Mandolin/Bass"},
-        {"mnuOpnMidi", "&Open MIDI"},
-        {"mnuSetup", "&Set up"},
-        {"mnuTuning", "&Tunings"},
-        {"mnuLargeview", "&Large View"},
-        {"mnuPgDown", "&Page Down"},
-        {"mnuAbout", "&About"},
+        {"mnuNew",          "&New"               },
+        {"mnuAppend",       "Appen&d"            },
+        {"mnuSaveAs",       "Save &As"           },
+        {"mnuPageSet",      "Page Setup"         },
+        {"mnuExit",         "E&xit"              },
+        {"mnuNoteBefore",   "Insert Note &Before"},
+        {"mnuInsNoteAfter", "Insert Note &After" },
+        {"mnuDelNote",      "Delete Note"        },
+        {"mnuClipbrd",      "Copy to Clipboard"  },
+        {"mnuInsMeas",      "&Insert Measure"    },
+        {"mnuDelMeas",      "&Delete Measure"    },
+        {"mnuRemarks",      "Re&marks"           },
+        {"mnuRHEdit",       "&Right Hand Editing"},
+        {"mnuLHEdit",       "&Left Hand Editing" },
+        {"mnuHardBrk",      "&Hard Line Break"   },
+        {"mnuRest",         "Rest"               },
+        {"mnuHalfRest",     "&Half Rest"         },
+        {"mnuWholeRest",    "&Whole Rest"        },
+        {"mnuRptSign",      "&Repeat Sign"       },
+        {"mnuRptStart",     "Repeat &Start"      },
+        {"mnuDoubBar",      "&Double Bar"        },
+        {"mnuBegDoubBar",   "&Begin Double Bar"  },
+        {"mnuFine",         "fine"               },
+        {"mnuDS",           "D.S."               },
+        {"mnuDCcoda",       "D.C. al Coda"       },
+        {"mnuRepeatEnds",   "Repeat Brackets"    },
+        {"mnuMandolin",     "&Mandolin/Bass"     },
+        {"mnuOpnMidi",      "&Open MIDI"         },
+        {"mnuSetup",        "&Set up"            },
+        {"mnuTuning",       "&Tunings"           },
+        {"mnuLargeview",    "&Large View"        },
+        {"mnuPgDown",       "&Page Down"         },
+        {"mnuAbout",        "&About"             },
     };
     for (const auto& [name, caption] : captions) {
         ASSERT_NE(FindMenuEntry(name), nullptr) << name;
@@ -89,14 +92,29 @@ TEST(Menus, HaveTheirCaptions)
 TEST(Menus, HaveTheirShortcutsAndNoOthers)
 {
     const std::pair<const char*, const char*> shortcuts[] = {
-        {"F1", "mnuChord"},          {"F2", "mnuRHEdit"},        {"F3", "mnuLHEdit"},
-        {"F4", "mnuRest"},           {"F6", "mnuRptSign"},       {"F7", "mnuRepeatEnds"},
-        {"F8", "mnuRptStart"},       {"F9", "mnuDoubBar"},       {"F12", "mnuBegDoubBar"},
-        {"Shift+F1", "mnuDSfine"},   {"Shift+F2", "mnuDCfine"},  {"Shift+F3", "mnuFine"},
-        {"Shift+F4", "mnuCoda"},     {"Shift+F5", "mnuSign"},    {"Shift+F6", "mnuDScoda"},
-        {"Shift+F7", "mnuDCcoda"},   {"Shift+F8", "mnuDS"},      {"Shift+F9", "mnuDC"},
-        {"Ctrl+C", "mnuCopy"},       {"Ctrl+P", "mnuPaste"},     {"Ctrl+N", "mnuHardBrk"},
-        {"Ctrl+H", "mnuHalfRest"},   {"Ctrl+W", "mnuWholeRest"},
+        {"F1",       "mnuChord"     },
+        {"F2",       "mnuRHEdit"    },
+        {"F3",       "mnuLHEdit"    },
+        {"F4",       "mnuRest"      },
+        {"F6",       "mnuRptSign"   },
+        {"F7",       "mnuRepeatEnds"},
+        {"F8",       "mnuRptStart"  },
+        {"F9",       "mnuDoubBar"   },
+        {"F12",      "mnuBegDoubBar"},
+        {"Shift+F1", "mnuDSfine"    },
+        {"Shift+F2", "mnuDCfine"    },
+        {"Shift+F3", "mnuFine"      },
+        {"Shift+F4", "mnuCoda"      },
+        {"Shift+F5", "mnuSign"      },
+        {"Shift+F6", "mnuDScoda"    },
+        {"Shift+F7", "mnuDCcoda"    },
+        {"Shift+F8", "mnuDS"        },
+        {"Shift+F9", "mnuDC"        },
+        {"Ctrl+C",   "mnuCopy"      },
+        {"Ctrl+P",   "mnuPaste"     },
+        {"Ctrl+N",   "mnuHardBrk"   },
+        {"Ctrl+H",   "mnuHalfRest"  },
+        {"Ctrl+W",   "mnuWholeRest" },
     };
     for (const auto& [shortcut, name] : shortcuts) {
         ASSERT_NE(FindShortcut(shortcut), nullptr) << shortcut;

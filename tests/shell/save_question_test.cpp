@@ -32,7 +32,7 @@ TEST_F(SaveQuestion, HasItsTextAQuestionIconAndNoTitle)
 TEST_F(SaveQuestion, IsAskedByAllItsCallersWhenThereAreUnsavedChangesAndNotOtherwise)
 {
     void (MainWin::*const callers[])() = {
-        &MainWin::mnuNew,    &MainWin::mnuOpen,     &MainWin::mnuGuitar, &MainWin::mnuBanjo,
+        &MainWin::mnuNew,      &MainWin::mnuOpen, &MainWin::mnuGuitar, &MainWin::mnuBanjo,
         &MainWin::mnuMandolin, &MainWin::mnuExit, &MainWin::Unload,
     };
     for (const auto caller : callers) {

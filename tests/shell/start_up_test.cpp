@@ -42,12 +42,17 @@ TEST_F(StartUp, WithoutSettingsTakesAllDefaultsWithoutAMessage)
 TEST_F(StartUp, ReadsTheLeadingNumberOfEachSetting)
 {
     settings.Values = {
-        {{"Prefs", "FontSize"}, "12.5 pt"},  {{"Prefs", "FontName"}, "Times"},
-        {{"Prefs", "TitleFont"}, "Courier"}, {{"Prefs", "TitleFontSize"}, "24"},
-        {{"Prefs", "PageLeft"}, ".5"},       {{"Prefs", "PageRight"}, "0.7"},
-        {{"Prefs", "PageTop"}, "2"},         {{"Prefs", "StaveSpace"}, "1.25"},
-        {{"Prefs", "NumStrings"}, "5"},      {{"Prefs", "MIDIDEVICE"}, "03"},
-        {{"Prefs", "TitleCentered"}, "False"},
+        {{"Prefs", "FontSize"},      "12.5 pt"},
+        {{"Prefs", "FontName"},      "Times"  },
+        {{"Prefs", "TitleFont"},     "Courier"},
+        {{"Prefs", "TitleFontSize"}, "24"     },
+        {{"Prefs", "PageLeft"},      ".5"     },
+        {{"Prefs", "PageRight"},     "0.7"    },
+        {{"Prefs", "PageTop"},       "2"      },
+        {{"Prefs", "StaveSpace"},    "1.25"   },
+        {{"Prefs", "NumStrings"},    "5"      },
+        {{"Prefs", "MIDIDEVICE"},    "03"     },
+        {{"Prefs", "TitleCentered"}, "False"  },
     };
     ASSERT_TRUE(win.Load());
     EXPECT_EQ(win.page.BodyFontSize, 12.5F);
@@ -65,7 +70,9 @@ TEST_F(StartUp, ReadsTheLeadingNumberOfEachSetting)
 
 TEST_F(StartUp, ReadsTheTitleSizeFromOneKeyAndNotFromTheOneThatIsWritten)
 {
-    settings.Values = {{{"Prefs", "TFontSize"}, "30"}};
+    settings.Values = {
+        {{"Prefs", "TFontSize"}, "30"}
+    };
     ASSERT_TRUE(win.Load());
     EXPECT_EQ(win.page.TitleFontSize, 20);
 }
@@ -96,8 +103,8 @@ TEST_F(StartUp, SetsTheTuneState)
 TEST_F(StartUp, CaptionAndStringLinesFollowTheInstrument)
 {
     const std::pair<const char*, const char*> captions[] = {
-        {"6", "LYRANO Tablature Editor for Guitar"},
-        {"5", "LYRANO Tablature Editor for Banjo"},
+        {"6", "LYRANO Tablature Editor for Guitar"       },
+        {"5", "LYRANO Tablature Editor for Banjo"        },
         {"4", "LYRANO Tablature Editor for Mandolin/Bass"},
     };
     for (const auto& [strings, caption] : captions) {
@@ -164,7 +171,8 @@ TEST_F(StartUp, ANewTuneHasItsFreshState)
     EXPECT_EQ(win.form.lblLastNote, "0");
     EXPECT_EQ(win.form.Toolbar1, 7);
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
-    EXPECT_EQ(Table(), "1: 1 999 0 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"\n");
+    EXPECT_EQ(Table(),
+              "1: 1 999 0 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"\n");
 }
 
 TEST_F(StartUp, AQuotedPathOfABanjoFileTakesMode5ForTheFirstTuneAlone)

@@ -81,8 +81,7 @@ TEST(ItemReader, EndsATextAtTheNextQuoteAndDropsTheRestOfTheItem)
 
 TEST(ItemReader, LetsTheRestBehindAnInnerQuoteAndACommaSlipIntoTheNextItem)
 {
-    EXPECT_EQ(Texts("\"say \"a, b\"\r\n\"c\""),
-              (std::vector<std::string>{"say ", " b\"", "c"}));
+    EXPECT_EQ(Texts("\"say \"a, b\"\r\n\"c\""), (std::vector<std::string>{"say ", " b\"", "c"}));
 }
 
 TEST(ItemReader, KeepsCommasAndLineEndsWithinAText)
@@ -133,12 +132,12 @@ TEST(ItemWriter, WritesAQuoteWithinATextAsItIs)
     EXPECT_EQ(writer.Bytes(), "\"say \"hi\"\"\r\n");
 }
 
-class Files : public testing::Test {
+class FileBytes : public testing::Test {
 protected:
     TemporaryDirectory folder;
 };
 
-TEST_F(Files, ComeBackByteForByte)
+TEST_F(FileBytes, ComeBackByteForByte)
 {
     const std::string bytes("a\0\r\n\xff\"", 6);
     WriteFileBytes("f", bytes);
@@ -147,25 +146,25 @@ TEST_F(Files, ComeBackByteForByte)
     EXPECT_EQ(ReadFileBytes("f"), "");
 }
 
-TEST_F(Files, AreNotFoundWhenMissing)
+TEST_F(FileBytes, AreNotFoundWhenMissing)
 {
     EXPECT_FAULT(ReadFileBytes("missing"), FileNotFound);
     EXPECT_FAULT(ReadFileBytes(""), FileNotFound);
     EXPECT_FAULT(ReadFileBytes("missing/f"), FileNotFound);
 }
 
-TEST_F(Files, ThatAreADirectoryAreAnAccessError)
+TEST_F(FileBytes, ThatAreADirectoryAreAnAccessError)
 {
     EXPECT_FAULT(ReadFileBytes(folder.Path()), PathFileAccess);
     EXPECT_FAULT(WriteFileBytes(folder.Path(), "x"), PathFileAccess);
 }
 
-TEST_F(Files, ThatOpenButCannotBeReadAreAnAccessError)
+TEST_F(FileBytes, ThatOpenButCannotBeReadAreAnAccessError)
 {
     EXPECT_FAULT(ReadFileBytes("/proc/self/mem"), PathFileAccess);
 }
 
-TEST_F(Files, WithoutPermissionAreAnAccessError)
+TEST_F(FileBytes, WithoutPermissionAreAnAccessError)
 {
     if (geteuid() == 0)
         GTEST_SKIP() << "everything is open to root";
@@ -175,7 +174,7 @@ TEST_F(Files, WithoutPermissionAreAnAccessError)
     EXPECT_FAULT(WriteFileBytes("f", "y"), PathFileAccess);
 }
 
-TEST_F(Files, ThatCannotBeWrittenAreAnAccessError)
+TEST_F(FileBytes, ThatCannotBeWrittenAreAnAccessError)
 {
     EXPECT_FAULT(WriteFileBytes("missing/f", "x"), PathFileAccess);
     EXPECT_FAULT(WriteFileBytes("", "x"), PathFileAccess);

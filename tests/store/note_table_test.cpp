@@ -134,7 +134,7 @@ TEST(NoteValues, ARestOfTheDottedQuarterCounts12TicksAndItsNote18)
     EXPECT_EQ(TicksOf(8), 18);
 }
 
-TEST(InstrumentModes, AreOfSixFiveAndFourStrings)
+TEST(ModeTable, AreOfSixFiveAndFourStrings)
 {
     EXPECT_STREQ(FindMode(6)->Extension, "gui");
     EXPECT_STREQ(FindMode(6)->FileFilter, "Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*");

@@ -105,7 +105,8 @@ TEST(Val, ReadsTheLeadingNumber)
 
 TEST(Val, IsZeroWithoutANumber)
 {
-    for (const char* text : {"", " ", "abc", "-", "+", ".", "-.", "--5", "x12", "e5", "\"5\"", "(3)"})
+    for (const char* text :
+         {"", " ", "abc", "-", "+", ".", "-.", "--5", "x12", "e5", "\"5\"", "(3)"})
         EXPECT_EQ(Val(text), 0) << text;
 }
 

@@ -48,11 +48,10 @@ TEST(TuneFile, WritesAHeadAndANoteAsEighteenLines)
     NoteRecord& note = AddNote(tune, 7, 2, "3");
     note.XPos = 48;
     note.Spacing = 4;
-    EXPECT_EQ(Bytes(tune[1]) + Bytes(tune[2]),
-              "1,999,0\r\n0,4,4,0\r\n0,\"\",\" \",\" \",\"\"\r\n"
-              "\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n"
-              "1,7,48\r\n0,4,4,4\r\n0,\"\",\" \",\" \",\"\"\r\n"
-              "\"\"\r\n\"3\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n");
+    EXPECT_EQ(Bytes(tune[1]) + Bytes(tune[2]), "1,999,0\r\n0,4,4,0\r\n0,\"\",\" \",\" \",\"\"\r\n"
+                                               "\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n"
+                                               "1,7,48\r\n0,4,4,4\r\n0,\"\",\" \",\" \",\"\"\r\n"
+                                               "\"\"\r\n\"3\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n\"\"\r\n");
 }
 
 TEST(TuneFile, WritesBeatUnitBeforeBeats)

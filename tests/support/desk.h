@@ -63,7 +63,10 @@ protected:
     FakePlayer player;
     FakeMidiPorts midiPorts;
     FixedTextMetrics metrics;
-    MainWin win{{dialogs, settings, system, printer, clipboard, player, midiPorts}, metrics};
+    MainWin win{
+        {dialogs, settings, system, printer, clipboard, player, midiPorts},
+        metrics
+    };
 };
 
 }  // namespace quillon

@@ -70,8 +70,7 @@ public:
     }
 
 private:
-    template <typename T>
-    static T Next(std::deque<T>& answers, T otherwise)
+    template <typename T> static T Next(std::deque<T>& answers, T otherwise)
     {
         if (answers.empty())
             return otherwise;
@@ -93,8 +92,7 @@ public:
         return found == Values.end() ? byDefault : found->second;
     }
 
-    void Set(const std::string& section, const std::string& key,
-             const std::string& value) override
+    void Set(const std::string& section, const std::string& key, const std::string& value) override
     {
         Values[{section, key}] = value;
         Written.push_back(section + "/" + key + "=" + value);

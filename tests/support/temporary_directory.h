@@ -13,8 +13,7 @@ namespace quillon {
 
 class TemporaryDirectory {
 public:
-    TemporaryDirectory()
-        : before(std::filesystem::current_path())
+    TemporaryDirectory() : before(std::filesystem::current_path())
     {
         std::string name = (std::filesystem::temp_directory_path() / "quillon-XXXXXX").string();
         if (!mkdtemp(name.data()))
