@@ -10,11 +10,14 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QScopedValueRollback>
+#include <QScreen>
 
 namespace quillon {
 
 namespace {
 
+constexpr QSize kLargestStart(1280, 1024);
+constexpr QSize kFrameOfWindow(24, 60);  // room for the frame and a panel
 constexpr int kTimer1Milliseconds = 500;
 constexpr QRectF kBracketText(12, 9, 72, 17);  // on StaffBox, in points: below the bracket's line
 
@@ -58,7 +61,7 @@ MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
     runner.ShowForm = [this] { ShowForm(); };
     system.OnShow = [this](Form form) { otherForms.Open(form); };
     system.OnEnd = [this] { End(); };
-    resize(1000, 700);
+    resize(screen()->availableSize().boundedTo(kLargestStart) - kFrameOfWindow);
     ShowForm();
 }
 
@@ -114,6 +117,7 @@ void MainWindow::FirstActivate()
     if (std::exchange(activated, true))
         return;
     runner.Run("Start", [this] { win.FirstActivate(commandLine); });
+    ui->StaffBox->setFocus();  // what the window offers first, when it is not a form beside it
 }
 
 // The system closes the form: the save question is asked, but the form is not held back.
@@ -165,6 +169,8 @@ void MainWindow::FitStaff()
            StaffView::SizeAt(scale + .25).height() <= room.height())
         scale += .25;
     ui->StaffBox->SetScale(scale);
+    ui->work->layout()->activate();
+    ui->central->layout()->activate();
     txtRptBracket->setGeometry(ui->StaffBox->PlaceOf(kBracketText));
 }
 

@@ -6,11 +6,13 @@ namespace quillon {
 
 Program::Program(std::string theCommandLine) : commandLine(std::move(theCommandLine))
 {
-    QApplication::setApplicationDisplayName("Quillon");
+    QApplication::setApplicationName("Quillon");  // a display name would stand in every caption
+    QApplication::setDesktopFileName("quillon");
     QApplication::setQuitOnLastWindowClosed(false);  // the main form's end is the program's
     LoadNotationFont();
-    runner.Rescue = [this] {
-        return win.form.Saved == 0 ? WriteRescueCopy(win, system.ProgramFolder()) : std::string();
+    runner.KeepWork = [this] {
+        rescue.Refresh();
+        return rescue.Path();
     };
 }
 

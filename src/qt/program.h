@@ -12,6 +12,7 @@
 #include "qt/runner.h"
 #include "qt/settings.h"
 #include "qt/system.h"
+#include "shell/rescue.h"
 
 namespace quillon {
 
@@ -37,6 +38,7 @@ public:
         {dialogs, settings, system, printer, clipboard, player, midiPorts},
         metrics
     };
+    RescueCopy rescue{win, system.ProgramFolder()};
     std::unique_ptr<MainWindow> window;
 
 private:

@@ -17,8 +17,9 @@ public:
     /// Copies the main form's values to its controls. Also called before a dialog opens.
     std::function<void()> ShowForm = [] {};
 
-    /// Keeps unsaved work and returns the path of the copy, "" if there was nothing to keep.
-    std::function<std::string()> Rescue = [] { return std::string(); };
+    /// Keeps unsaved work in the rescue copy and returns its path, "" if there is nothing to keep.
+    /// Called after each event, and before a fault ends the program.
+    std::function<std::string()> KeepWork = [] { return std::string(); };
 
     /// `doing` is what the user did, for the error box. While a handler waits in a dialog, no
     /// other one starts: such a call does nothing and returns false.

@@ -79,7 +79,8 @@ QSize StaffView::SizeAt(double scale)
 void StaffView::SetScale(double newScale)
 {
     scale = newScale;
-    setFixedSize(SizeAt(scale));
+    setMaximumSize(SizeAt(scale));
+    updateGeometry();
 }
 
 void StaffView::Show(const Drawing& picture, const std::array<bool, 6>& staffLines)

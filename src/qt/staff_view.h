@@ -22,6 +22,9 @@ public:
     /// Size of the widget at a scale: the card and the room for the focus frame around it.
     static QSize SizeAt(double scale);
 
+    QSize sizeHint() const override { return SizeAt(scale); }
+    QSize minimumSizeHint() const override { return SizeAt(1); }
+
     /// Shows the drawing and the staff lines; paints only if either has changed. Both are kept
     /// by reference.
     void Show(const Drawing& picture, const std::array<bool, 6>& staffLines);

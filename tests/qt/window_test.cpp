@@ -2,6 +2,7 @@
 
 #include "qt/paint.h"
 #include "qt/program.h"
+#include "qt/staff_view.h"
 #include "qt/text.h"
 #include "scratch_user.h"
 
@@ -262,8 +263,12 @@ private slots:
 
     void EverythingFitsASmallScreen()
     {
+        Window().resize(1600, 1000);
+        QCoreApplication::processEvents();
+        QCOMPARE(Staff()->size(), StaffView::SizeAt(2));
         Window().resize(1024, 740);
         QCoreApplication::processEvents();
+        QCOMPARE(Staff()->size(), StaffView::SizeAt(1.25));
         QCOMPARE(Window().size(), QSize(1024, 740));
         for (const char* name :
              {"StaffBox", "cmdNext", "cmdPrevious", "lblMeasNum", "lblLastNote", "hdbkbox",
