@@ -14,7 +14,7 @@ namespace {
 
 using Findings = std::vector<Finding>;
 
-constexpr std::size_t kItemsOfLine[] = {3, 4, 5, 1, 1, 1, 1, 1, 1};  // lines of a record
+constexpr std::size_t kItemsOfLine[] = {3, 4, 5, 1, 1, 1, 1, 1, 1};  // in a record
 constexpr std::size_t kLinesOfRecord = std::size(kItemsOfLine);
 
 /// Takes the first line off `bytes`.
@@ -27,9 +27,9 @@ std::string_view TakeLine(std::string_view& bytes)
     return line;
 }
 
-/// Whether a line reads back as the items that were written: `count` of them at most, each with no
-/// quote or with one at either end. The file's last text may lack the one at its end.
-bool IsFaithful(std::string_view line, std::size_t count, bool lastLine)
+/// Whether a line reads back as it was written: as `mostItems` items at most, each with no quote or
+/// with one at either end. The file's last text may lack the one at its end.
+bool IsFaithful(std::string_view line, std::size_t mostItems, bool lastLine)
 {
     std::size_t items = 1;
     for (;; ++items) {
@@ -37,7 +37,7 @@ bool IsFaithful(std::string_view line, std::size_t count, bool lastLine)
         if (line.substr(start).starts_with('"')) {
             const std::size_t close = line.find('"', start + 1);
             if (close == std::string_view::npos)
-                return lastLine && items <= count;
+                return lastLine && items <= mostItems;
             line.remove_prefix(close + 1);
             if (!line.empty() && line.front() != ',')
                 return false;
@@ -46,7 +46,7 @@ bool IsFaithful(std::string_view line, std::size_t count, bool lastLine)
         if (line.substr(0, comma).find('"') != std::string_view::npos)
             return false;
         if (comma == std::string_view::npos)
-            return items <= count;
+            return items <= mostItems;
         line.remove_prefix(comma + 1);
     }
 }
@@ -238,17 +238,21 @@ std::string Finding::Text() const
 
 std::vector<Finding> CheckTexts(std::string_view fileBytes)
 {
+    std::vector<std::string_view> lines;
+    while (!fileBytes.empty())
+        lines.push_back(TakeLine(fileBytes));
+    const bool wholeRecords = lines.size() % kLinesOfRecord == 0;  // else no line's place is known
     Findings findings;
     int measure = 0;
-    for (std::size_t number = 0; !fileBytes.empty(); ++number) {
-        const std::string_view line = TakeLine(fileBytes);
-        const std::size_t place = number % kLinesOfRecord;
-        if (place == 0)
-            measure = MeasureOf(line);
-        if (!IsFaithful(line, kItemsOfLine[place], fileBytes.empty()))
-            findings.push_back({measure, measure == 0 ? "the title, a credit or a font holds a "
-                                                        "double quote"
-                                                      : "a text holds a double quote"});
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const std::size_t place = i % kLinesOfRecord;
+        if (wholeRecords && place == 0)
+            measure = MeasureOf(lines[i]);
+        const std::size_t mostItems = wholeRecords ? kItemsOfLine[place] : std::string_view::npos;
+        if (!IsFaithful(lines[i], mostItems, i + 1 == lines.size()))
+            findings.push_back({measure, i < kLinesOfRecord
+                                             ? "the title, a credit or a font holds a double quote"
+                                             : "a text holds a double quote"});
     }
     return findings;
 }

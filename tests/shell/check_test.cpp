@@ -143,6 +143,16 @@ TEST(CheckTexts, AFileThatEndsWithoutALineEndIsClean)
     EXPECT_EQ(CheckTexts(bytes.substr(0, bytes.size() - 3)).size(), 0U);
 }
 
+TEST(CheckTexts, InAFileWithALineTooFewOnlyTheQuotesThemselvesCount)
+{
+    Tune tune;
+    AddFullMeasures(tune, 3);
+    tune[6].Slot(3) = "a \"b\"";
+    std::string bytes = TuneBytes(tune);
+    bytes.erase(0, bytes.find('\n') + 1);
+    EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"a text holds a double quote"});
+}
+
 TEST(CheckTexts, LineEndsMayBeAnyOfThree)
 {
     EXPECT_EQ(CheckTexts("0,0,0\n0,0,0,0\r0,\"\",\" \",\" \",\"x\"\r\n\"\"\n").size(), 0U);
