@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <functional>
 #include <map>
 
@@ -40,11 +41,14 @@ constexpr std::string_view kFormats[] = {"pdf",  "svg",         "png",      "mid
     throw std::invalid_argument(reason);
 }
 
+constexpr double kLargestNumber = 1e6;  // beyond any size or distance of a page
+
 double Real(const std::string& option, const std::string& text)
 {
     double number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size())
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
+        !(std::abs(number) <= kLargestNumber))
         Bad(option + " wants a number, not '" + text + "'");
     return number;
 }

@@ -22,12 +22,12 @@ constexpr const char* kFontMissing =
 constexpr const char* kSaveQuestion = "        FILE NOT SAVED\n\nDo you want to save your work?";
 
 /// A setting as a number. One that no number can hold counts as absent.
-double SettingNumber(const Settings& settings, const std::string& key, const char* byDefault)
+float SettingNumber(const Settings& settings, const std::string& key, const char* byDefault)
 {
     try {
-        return Val(settings.Get(kPrefs, key, byDefault));
+        return Single(Val(settings.Get(kPrefs, key, byDefault)));
     } catch (const Fault&) {
-        return Val(byDefault);
+        return Single(Val(byDefault));
     }
 }
 
@@ -89,7 +89,7 @@ void MainWin::ReadSettings()
 {
     const Settings& settings = platform.settings;
     const auto real = [&](const char* key, const char* byDefault) {
-        return static_cast<float>(SettingNumber(settings, key, byDefault));
+        return SettingNumber(settings, key, byDefault);
     };
     page.BodyFontSize = real("FontSize", "10");
     page.BodyFontName = settings.Get(kPrefs, "FontName", "Arial");
@@ -271,14 +271,15 @@ void MainWin::FontsFromHeader()
     const auto takeFont = [&](std::string& slot, std::string& fontName) {
         if (slot.empty())
             return;
-        if (!platform.system.HasFont(slot))
+        if (platform.system.HasFont(slot))
+            page.FormFontName = slot;
+        else
             slot = "Arial";
-        page.FormFontName = slot;
         fontName = slot;
     };
     takeFont(header.Slot(6), page.BodyFontName);
     if (!header.Slot(5).empty())
-        page.BodyFontSize = static_cast<float>(Val(header.Slot(5)));
+        page.BodyFontSize = Single(Val(header.Slot(5)));
     takeFont(header.Slot(3), page.TitleFontName);
     if (header.NoteCode != 0)
         page.TitleFontSize = static_cast<float>(header.NoteCode);

@@ -1,21 +1,6 @@
 #include "shell/page_setup.h"
 
-#include <cmath>
-
 namespace quillon {
-
-namespace {
-
-/// The leading number of a text, as a single-precision value.
-float Single(const std::string& text)
-{
-    const float value = static_cast<float>(Val(text));
-    if (!std::isfinite(value))
-        throw Fault(Error::Overflow);
-    return value;
-}
-
-}  // namespace
 
 PageSetup::PageSetup(MainWin& mainWin)
     : txtLeft(NumberText(mainWin.page.PageLeft)), txtRight(NumberText(mainWin.page.PageRight)),
@@ -90,10 +75,10 @@ void PageSetup::cmdPgExit()
     header.Slot(1) = Text2;
     header.Slot(2) = Text3;
     PageSettings& page = win.page;
-    page.PageTop = Single(txtTop);
-    page.PageLeft = Single(txtLeft);
-    page.PageRight = Single(txtRight);
-    page.StaveSpace = Single(txtStaveSpace);
+    page.PageTop = Single(Val(txtTop));
+    page.PageLeft = Single(Val(txtLeft));
+    page.PageRight = Single(Val(txtRight));
+    page.StaveSpace = Single(Val(txtStaveSpace));
     Settings& settings = win.platform.settings;
     settings.Set(kPrefs, "StaveSpace", NumberText(page.StaveSpace));
     settings.Set(kPrefs, "PageTop", NumberText(page.PageTop));
@@ -109,7 +94,7 @@ void PageSetup::Unload()
     Settings& settings = win.platform.settings;
     const auto store = [&](const char* key, const std::string& text, float& value) {
         settings.Set(kPrefs, key, text);
-        value = Single(text);
+        value = Single(Val(text));
     };
     store("PageLeft", txtLeft, page.PageLeft);
     store("PageRight", txtRight, page.PageRight);

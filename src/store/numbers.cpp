@@ -118,6 +118,13 @@ int Truncate(double value)
     return ToInt(std::trunc(value));
 }
 
+float Single(double value)
+{
+    if (!(std::abs(value) <= std::numeric_limits<float>::max()))
+        throw Fault(Error::Overflow);
+    return static_cast<float>(value);
+}
+
 int IntegerDivide(double dividend, double divisor)
 {
     const int whole = Round(divisor);

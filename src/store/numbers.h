@@ -50,6 +50,9 @@ int Floor(double value);
 /// `value` with its fraction cut off. Outside the range of int: an overflow Fault.
 int Truncate(double value);
 
+/// The nearest single-precision number. Outside their range: an overflow Fault.
+float Single(double value);
+
 /// Integer division: both operands are rounded first, the quotient is cut toward zero.
 /// A divisor that rounds to 0 is a division-by-zero Fault, a quotient past int an overflow.
 int IntegerDivide(double dividend, double divisor);
