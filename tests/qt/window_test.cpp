@@ -393,7 +393,7 @@ private slots:
             QTest::keyClick(box, Qt::Key_Escape);
             box->close();
             QVERIFY(box->isVisible());
-            QTest::keyClick(box, Qt::Key_N, Qt::AltModifier);
+            box->button(QMessageBox::No)->click();
         });
         Window().findChild<QAction*>("mnuNew")->trigger();
         QCOMPARE(int{Core().form.Saved}, 1);
