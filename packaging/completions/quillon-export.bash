@@ -1,0 +1,26 @@
+# bash completion for quillon-export
+
+_quillon_export()
+{
+    local cur prev words cword split
+    _init_completion -s || return
+
+    local formats='pdf svg png mid wav tune measure-log page-log print-log'
+    case $prev in
+    -o | --output | --tuning-file) _filedir ;;
+    --format) COMPREPLY=($(compgen -W "$formats" -- "$cur")) ;;
+    --strings) COMPREPLY=($(compgen -W '4 5 6' -- "$cur")) ;;
+    --center-title) COMPREPLY=($(compgen -W 'yes no' -- "$cur")) ;;
+    --tempo | --tuning | --capo | --instrument | --*-font | --*-size | --left | --right | --top | \
+        --stave-space | --help | -h) ;;
+    *)
+        if [[ $cur == -* ]]; then
+            COMPREPLY=($(compgen -W '-o --output --check --order --format --strings --tempo --tuning
+                --tuning-file --capo --instrument --body-font --body-size --title-font --title-size
+                --left --right --top --stave-space --center-title --help' -- "$cur"))
+        else
+            _filedir '@(gui|bjo|bss)'
+        fi
+        ;;
+    esac
+} && complete -F _quillon_export quillon-export
