@@ -40,7 +40,9 @@ gone() { [ ! -e "$1" ] && [ ! -L "$1" ] || { echo "$1 is still there"; return 1;
 names() { grep -qE -- "(^|[^a-z-])$1([^a-z-]|\$)" <<< "$2" || { echo "$1 is not named"; return 1; }; }
 has_line() { grep -x -- "$1" <<< "$2" || { echo "no line '$1' in:"; echo "$2"; return 1; }; }
 
-cpack --config "$build/CPackConfig.cmake" -B "$scratch/out" > "$scratch/log" 2>&1 || {
+# CPack alone would take what was built last, however old.
+{ cmake --build "$build" && cpack --config "$build/CPackConfig.cmake" -B "$scratch/out"; } \
+    > "$scratch/log" 2>&1 || {
     cat "$scratch/log"
     exit 1
 }
