@@ -208,6 +208,21 @@ void MainWin::mnuNew()
 
 void MainWin::mnuOpen()
 {
+    OpenTune([this]() -> std::optional<std::string> {
+        if (form.FirstActivation)
+            return tune.FileName;
+        const InstrumentMode* mode = FindMode(tune.NumStrings);
+        return platform.dialogs.OpenFile(mode->FileFilter, mode->Extension);
+    });
+}
+
+void MainWin::OpenDropped(const std::string& path)
+{
+    OpenTune([&] { return path; });
+}
+
+void MainWin::OpenTune(const std::function<std::optional<std::string>()>& choosePath)
+{
     pages.mnuSmallView();
     pages.ResetCounters();
     pages.PageMax = 0;
@@ -218,13 +233,10 @@ void MainWin::mnuOpen()
     if (form.Saved == 0)
         return;
     form.Saved = 1;  // before the dialog: a cancelled one leaves unsaved edits marked as saved
-    if (!form.FirstActivation) {
-        const InstrumentMode* mode = FindMode(tune.NumStrings);
-        const auto path = platform.dialogs.OpenFile(mode->FileFilter, mode->Extension);
-        if (!path)
-            return;
-        tune.FileName = *path;
-    }
+    const auto path = choosePath();
+    if (!path)
+        return;
+    tune.FileName = *path;
     if (!LoadTune())
         return;
     cmdRefresh();

@@ -16,7 +16,10 @@
 #include "store/tune.h"
 #include "store/tunings.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace quillon {
@@ -61,6 +64,7 @@ public:
     // File
     void mnuNew();
     void mnuOpen();
+    void OpenDropped(const std::string& path);  // as mnuOpen, with the dialog's answer given
     void mnuSave();
     void mnuSaveAs();
     void mnuPageSet();
@@ -105,6 +109,7 @@ private:
     void ShowStringLines();
     void ResetTuneState(int cursorY);
     void AskToSave();
+    void OpenTune(const std::function<std::optional<std::string>()>& choosePath);
     void IncompatibleFile();
     void FontsFromHeader();
     void WriteTuneFile();

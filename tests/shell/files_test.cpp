@@ -54,6 +54,27 @@ TEST_F(Files, AnEmptyTuneSavesAsExactlyTheNineLinesOfTheHeader)
     EXPECT_EQ(ReadFileBytes(folder.Path("empty.gui")), TuneBytes(Tune()));
 }
 
+TEST_F(Files, DroppedFileOpensWithoutADialog)
+{
+    win.OpenDropped(WriteTune("tune.gui", 3));
+    EXPECT_TRUE(dialogs.FileDialogs.empty());
+    EXPECT_EQ(win.tune.FileName, folder.Path("tune.gui"));
+    EXPECT_EQ(win.tune.LastNote, 15);
+    EXPECT_TRUE(win.form.mnuSaveEnabled);
+}
+
+TEST_F(Files, DroppedFileAsksToSaveFirst)
+{
+    const std::string path = WriteTune("tune.gui", 3);
+    Type("5");
+    dialogs.YesNo = {true};  // and the save dialog is cancelled
+    win.OpenDropped(path);
+    EXPECT_EQ(win.tune.FileName, "");
+    EXPECT_EQ(win.tune[2].Slot(6), "5");
+    win.OpenDropped(path);  // No
+    EXPECT_EQ(win.tune.LastNote, 15);
+}
+
 TEST_F(Files, OpenShowsMeasure1AndLaysThePagesOut)
 {
     Open(WriteTune("tune.gui", 3));

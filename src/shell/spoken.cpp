@@ -1,0 +1,84 @@
+#include "shell/spoken.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quillon {
+
+namespace {
+
+constexpr const char* kValueNames[] = {
+    "sixteenth triplet",
+    "sixteenth",
+    "eighth triplet",
+    "eighth",
+    "dotted eighth",
+    "quarter triplet",
+    "quarter",
+    "dotted quarter",
+    "half",
+    "dotted half",
+    "whole",
+};
+
+constexpr int kFirstRest = 92;
+constexpr int kLastRest = 99;
+
+int StringUnder(int cursorY)
+{
+    return static_cast<int>(std::nearbyint((cursorY - StringY(0)) / 8.0));
+}
+
+/// What the cursor's line of text holds: the chord, a hand's mark, or the string and its fret.
+std::string SpokenCell(const NoteRecord& record, const MainForm& form)
+{
+    const auto named = [](const std::string& name, const std::string& text) {
+        return text.find_first_not_of(' ') == std::string::npos ? "no " + name : name + " " + text;
+    };
+    switch (int{form.InputMode}) {
+    case kChordMode:
+        return named("chord", record.ChordText);
+    case kLeftHandMode:
+        return named("left hand mark", {record.LeftHand});
+    case kRightHandMode:
+        return named("right hand mark", {record.RightHand});
+    default:
+        break;
+    }
+    const int string = std::clamp(StringUnder(form.CursorY), 1, kStringSlots);
+    return "string " + std::to_string(string) + ", " + named("fret", record.Slot(string));
+}
+
+/// The note or rest that stands there; on a free record, the value that the next note will have.
+std::string SpokenValue(const NoteRecord& record, const MainForm& form, bool free)
+{
+    const int value = free ? int{form.CurValue} : ValueOf(record.NoteCode);
+    const bool rest = !free && record.NoteCode >= kFirstRest && record.NoteCode <= kLastRest;
+    const std::string name = ValueName(value);
+    return name.empty() ? "" : ", " + name + (rest ? " rest" : " note");
+}
+
+}  // namespace
+
+const char* ValueName(int button)
+{
+    return button >= 1 && button <= 11 ? kValueNames[button - 1] : "";
+}
+
+std::string SpokenCursor(const Tune& tune, const MainForm& form)
+{
+    const std::string measure = "Measure " + std::to_string(tune.CurMeas);
+    const int column = tune.CurNote - form.MeasHead;
+    if (tune.CurNote < 1 || column < 1)
+        return measure;
+    if (tune.CurNote > kLastRecord)
+        return measure + ", the table is full";
+    const int columns = std::max(0, form.MeasEnd - form.MeasHead);
+    const bool free = column > columns;
+    const NoteRecord& record = tune[tune.CurNote];
+    return measure + (free ? ", new column " : ", column ") + std::to_string(column) +
+           (free ? "" : " of " + std::to_string(columns)) + ", " + SpokenCell(record, form) +
+           SpokenValue(record, form, free);
+}
+
+}  // namespace quillon

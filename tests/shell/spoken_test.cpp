@@ -1,0 +1,69 @@
+#include "shell/spoken.h"
+
+#include "support/desk.h"
+
+namespace quillon {
+namespace {
+
+class Spoken : public Desk {
+protected:
+    Spoken() { Start(); }
+
+    std::string Cursor() const { return SpokenCursor(win.tune, win.form); }
+};
+
+TEST_F(Spoken, FreeColumnTellsTheValueToCome)
+{
+    EXPECT_EQ(Cursor(), "Measure 1, new column 1, string 6, no fret, quarter note");
+    win.editor.Toolbar1(4);
+    EXPECT_EQ(Cursor(), "Measure 1, new column 1, string 6, no fret, eighth note");
+    Type("7");
+    EXPECT_EQ(Cursor(), "Measure 1, column 1 of 1, string 6, fret 7, eighth note");
+}
+
+TEST_F(Spoken, ColumnOfTheMeasureTellsWhatStandsThere)
+{
+    Type("5\r3\r");
+    win.editor.StaffBoxKeyDown(kKeyLeft);
+    EXPECT_EQ(Cursor(), "Measure 1, column 2 of 2, string 6, fret 3, quarter note");
+    win.editor.StaffBoxKeyDown(kKeyLeft);
+    EXPECT_EQ(Cursor(), "Measure 1, column 1 of 2, string 6, fret 5, quarter note");
+    win.editor.StaffBoxKeyDown(kKeyUp);
+    EXPECT_EQ(Cursor(), "Measure 1, column 1 of 2, string 5, no fret, quarter note");
+}
+
+TEST_F(Spoken, RestIsARest)
+{
+    win.editor.mnuHalfRest();
+    win.editor.StaffBoxKeyDown(kKeyLeft);
+    EXPECT_EQ(Cursor(), "Measure 1, column 1 of 1, string 6, no fret, half rest");
+}
+
+TEST_F(Spoken, TextModesTellTheirText)
+{
+    Type("5\r3\r");
+    win.editor.StaffBoxKeyDown(kKeyLeft);
+    win.editor.mnuChord();
+    EXPECT_EQ(Cursor(), "Measure 1, column 2 of 2, no chord, quarter note");
+    Type("Am");
+    EXPECT_EQ(Cursor(), "Measure 1, column 2 of 2, chord Am, quarter note");
+    Type("\r");
+    win.form.InputMode = kRightHandMode;
+    win.tune[win.tune.CurNote].RightHand = 'i';
+    EXPECT_NE(Cursor().find("right hand mark i"), std::string::npos);
+}
+
+TEST_F(Spoken, AnyStateGivesAText)
+{
+    for (int note : {-5, 0, 1, 1500, 1501, 32767})
+        for (int head : {0, 1, 1500, 1501})
+            for (int y : {-32768, 0, 76, 32767}) {
+                win.tune.CurNote = note;
+                win.form.MeasHead = head;
+                win.form.CursorY = y;
+                EXPECT_EQ(Cursor().find("Measure 1"), 0U);
+            }
+}
+
+}  // namespace
+}  // namespace quillon
