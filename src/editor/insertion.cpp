@@ -78,7 +78,9 @@ void Editor::ParkTail(const char* scratchFile, int from)
 {
     std::string tail = RecordBytes(tune, from, tune.LastNote);
     WriteFileBytes(scratchFile, tail);
-    form.Parked = {std::move(tail)};
+    form.Parked = {std::move(tail), {}};
+    for (int i = from; i <= tune.LastNote; ++i)
+        form.Parked.Records.push_back(tune[i]);
 }
 
 // Parks the tail of the tune in a scratch file, so that for the moment the new measure is the

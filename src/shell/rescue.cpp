@@ -18,13 +18,10 @@ constexpr std::string_view kPrefix = "Rescue-";
 /// from `measure`, the last one in the table.
 void AppendParkedTail(std::string& bytes, const ParkedTail& parked, int measure)
 {
-    ItemReader reader(parked.Bytes);
     ItemWriter writer;
-    NoteRecord record;
-    for (int i = 0; !reader.AtEnd(); ++i) {
-        ReadRecord(reader, record);
-        if (i < parked.RecordsBack)
-            continue;
+    for (std::size_t i = static_cast<std::size_t>(parked.RecordsBack); i < parked.Records.size();
+         ++i) {
+        NoteRecord record = parked.Records[i];
         if (record.IsHead())
             ++measure;
         record.Measure = measure;

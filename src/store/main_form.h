@@ -5,10 +5,11 @@
 
 #pragma once
 
-#include "store/numbers.h"
+#include "store/note_table.h"
 
 #include <array>
 #include <string>
+#include <vector>
 
 namespace quillon {
 
@@ -51,8 +52,12 @@ enum class Control {
 /// The tail of a tune that a command has parked in a scratch file for the moment. It is kept here
 /// too, so that a lost scratch file does not lose the tail from the rescue copy.
 struct ParkedTail {
-    std::string Bytes;    // in the format of the scratch file; "" when nothing is parked
-    int RecordsBack = 0;  // how many of its records stand in the table again
+    std::string Bytes;  // in the format of the scratch file; "" when nothing is parked
+
+    /// The same as they stood in the table: a text with a double quote does not come back from
+    /// Bytes.
+    std::vector<NoteRecord> Records;
+    int RecordsBack = 0;  // how many of them stand in the table again
 };
 
 struct MainForm {

@@ -90,6 +90,34 @@ TEST_F(Rescue, CopyHoldsEveryMeasureOfAPasteThatRanPastTheTable)
         ASSERT_NE(bytes.find("\"" + std::to_string(fret) + "\""), std::string::npos) << fret;
 }
 
+TEST_F(Rescue, CopyHoldsAParkedTextThatItsScratchFileCannotHold)
+{
+    OpenFullMeasures(3);
+    win.tune[8].ChordText = "a\", \"b";
+    win.editor.mnuInsMeas();
+    const std::string bytes = RescueBytes(win);
+    EXPECT_NE(bytes.find("\"a\", \"b\"\r\n"), std::string::npos);
+    EXPECT_NE(bytes.find("\r\n3,7,48\r\n"), std::string::npos);
+}
+
+TEST_F(Rescue, CopyHoldsATableThatHasRunFull)
+{
+    for (int notes = 1490; notes <= kLastRecord; ++notes) {
+        SCOPED_TRACE(notes);
+        win.tune.Table.Clear();
+        win.tune.LastNote = win.tune.LastMeas = 0;
+        OpenFullMeasures(298);
+        for (int i = win.tune.LastNote; i < notes; ++i)
+            AddNote(win.tune, 7, 1, "5");
+        try {
+            win.editor.mnuAppend();
+            Type("9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r");
+        } catch (const Fault&) {
+        }
+        EXPECT_NO_THROW(RescueBytes(win));
+    }
+}
+
 TEST_F(Rescue, CopyHoldsNoTailOnceItIsBack)
 {
     OpenFullMeasures(3);
