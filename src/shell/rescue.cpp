@@ -97,17 +97,21 @@ bool RescueCopy::TailWasLost() const
     return now.Bytes != parked || (now.RecordsBack == 0 && win.form.InputMode != kInsertMode);
 }
 
-void RescueCopy::Write(const std::string& bytes)
+void RescueCopy::Write()
 {
-    if (path.empty())
-        path = NewPath(win, folder);
-    const std::string aside = path + ".part";
+    std::error_code ignored;
+    std::string aside;
     try {
+        std::string bytes = RescueBytes(win);
+        if (bytes == written)
+            return;
+        if (path.empty())
+            path = NewPath(win, folder);
+        aside = path + ".part";
         WriteFileBytes(aside, bytes);
         fs::rename(aside, path);
-        written = bytes;
+        written = std::move(bytes);
     } catch (const std::exception&) {
-        std::error_code ignored;
         fs::remove(aside, ignored);
         if (!fs::exists(path, ignored))
             path.clear();
@@ -123,15 +127,33 @@ void RescueCopy::Refresh()
     parked = win.form.Parked.Bytes;
     win.form.Discarded = false;
     if (win.form.Saved == 0) {
-        std::string bytes = RescueBytes(win);
-        if (bytes != written)
-            Write(bytes);
+        Write();
     } else if (!path.empty()) {
         std::error_code ignored;
         fs::remove(path, ignored);
         path.clear();
         written.clear();
     }
+}
+
+bool RescueCopy::IsWhole() const
+{
+    try {
+        return !path.empty() && ReadFileBytes(path) == written;
+    } catch (const Fault&) {
+        return false;
+    }
+}
+
+std::string RescueCopy::Keep()
+{
+    if (win.form.Saved == 0 && IsWhole())
+        return path;
+    written.clear();
+    const std::string before = path;
+    Refresh();
+    std::error_code ignored;
+    return path.empty() && fs::exists(before, ignored) ? before : path;
 }
 
 }  // namespace quillon

@@ -29,12 +29,18 @@ public:
     /// leaves the copy behind, and the next one gets another name. Failures to write are silent.
     void Refresh();
 
+    /// A fault ends the program in the middle of an event. While the tune is unsaved, the copy from
+    /// before the event stays if it is there and whole; else the table is kept as it stands.
+    /// Returns the path of what was kept, "" if nothing was.
+    std::string Keep();
+
     /// Path of the copy, "" if there is none.
     const std::string& Path() const { return path; }
 
 private:
     bool TailWasLost() const;
-    void Write(const std::string& bytes);
+    bool IsWhole() const;
+    void Write();
 
     MainWin& win;
     std::string folder;

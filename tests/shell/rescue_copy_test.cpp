@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 namespace quillon {
@@ -127,6 +128,80 @@ TEST_F(FreshRescueCopy, SurvivesARunTimeFault)
     Play("menu mnuPaste");
     EXPECT_EQ(scenario.Status(), 1);
     EXPECT_EQ(ReadFileBytes(copy.Path()), held);
+}
+
+TEST_F(FreshRescueCopy, FromBeforeTheEventOutlivesAFault)
+{
+    TypeTwoMeasures();
+    const std::string held = ReadFileBytes(copy.Path());
+    scenario.Window().tune[2].Slot(6) = "half done";
+    EXPECT_EQ(copy.Keep(), copy.Path());
+    EXPECT_EQ(ReadFileBytes(copy.Path()), held);
+}
+
+TEST_F(FreshRescueCopy, ThatIsDamagedOrGoneIsWrittenAnewAtAFault)
+{
+    Play("type 3");
+    for (const bool gone : {false, true}) {
+        WriteFileBytes(copy.Path(), "1,2");
+        if (gone)
+            std::filesystem::remove(copy.Path());
+        EXPECT_EQ(ReadFileBytes(copy.Keep()), TuneBytes(scenario.Window().tune));
+    }
+}
+
+TEST_F(FreshRescueCopy, IsMadeAtAFaultInTheFirstEvent)
+{
+    scenario.Window().form.Saved = 0;
+    EXPECT_EQ(ReadFileBytes(copy.Keep()), TuneBytes(scenario.Window().tune));
+}
+
+TEST_F(FreshRescueCopy, IsNotKeptAtAFaultOnceTheTuneIsSavedOrDiscarded)
+{
+    Play("type 3");
+    scenario.Window().form.Saved = 1;
+    EXPECT_EQ(copy.Keep(), "");
+    EXPECT_EQ(Copies(), 0U);
+}
+
+TEST_F(FreshRescueCopy, OfALostTailIsNamedAtAFault)
+{
+    TypeTwoMeasures();
+    Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7");
+    const std::string first = copy.Path();
+    scenario.Window().form.Saved = 1;
+    EXPECT_EQ(copy.Keep(), first);
+    EXPECT_EQ(Copies(), 1U);
+}
+
+TEST_F(FreshRescueCopy, SurvivesATableThatCannotBeWritten)
+{
+    Play("type 3");
+    const std::string held = ReadFileBytes(copy.Path());
+    scenario.Window().tune.LastNote = 1501;
+    copy.Refresh();
+    EXPECT_EQ(ReadFileBytes(copy.Path()), held);
+    EXPECT_EQ(copy.Keep(), copy.Path());
+}
+
+TEST_F(FreshRescueCopy, OnAFullDiskIsSimplyNotThere)
+{
+    RescueCopy elsewhere(scenario.Window(), "/dev/full");  // a file where the folder should be
+    Play("type 3");
+    elsewhere.Refresh();
+    EXPECT_EQ(elsewhere.Path(), "");
+    EXPECT_EQ(elsewhere.Keep(), "");
+}
+
+TEST_F(FreshRescueCopy, KeepsWhatItHadWhenTheDiskFillsUp)
+{
+    Play("type 3");
+    const std::string held = ReadFileBytes(copy.Path());
+    std::filesystem::create_symlink("/dev/full", copy.Path() + ".part");
+    Play("type 5");
+    EXPECT_EQ(ReadFileBytes(copy.Path()), held);
+    Play("type 7");
+    EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(scenario.Window().tune));
 }
 
 TEST_F(FreshRescueCopy, InAFolderThatCannotBeWrittenIsSimplyNotThere)
