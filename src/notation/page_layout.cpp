@@ -55,9 +55,8 @@ bool IsBeginBar(std::string_view barCode)
 PageFormatter::PageFormatter(const Tune& theTune, const PageSettings& pageSettings,
                              const LayoutValues& layoutValues, DrawSurface& firstPage,
                              std::function<DrawSurface&()> beginFurtherPage)
-    : tune(theTune), page(pageSettings),
-      beginPage(std::move(beginFurtherPage)), line{theTune, pageSettings, layoutValues, &firstPage},
-      noteColumns(line)
+    : tune(theTune), page(pageSettings), beginPage(std::move(beginFurtherPage)),
+      line{theTune, pageSettings, layoutValues, &firstPage}, noteColumns(line)
 {
 }
 
@@ -211,7 +210,7 @@ void PageFormatter::SpreadChordText(int n)
 void PageFormatter::CutMeasureAtTablesEnd()
 {
     line.Attempt([&] {
-        while (line.columns[line.k].Measure == line.columns[line.k - 1].Measure)
+        while (line.k > 0 && line.columns[line.k].Measure == line.columns[line.k - 1].Measure)
             --line.k;
     });
     --line.k;
@@ -264,10 +263,10 @@ void PageFormatter::CutToCapacity()
         line.Attempt([&] { columns[n].Reserved = columns[n - 1].Reserved + columns[n].Spacing; });
     const int LineCapacity =
         IntegerDivide(line.values.LineRight - line.values.LineLeft, line.values.CharUnit);
-    while (columns[k].Reserved > LineCapacity)
+    while (k > 0 && columns[k].Reserved > LineCapacity)
         --k;
     if (k < tune.LastNote)
-        while (columns[k].Measure == columns[k + 1].Measure)
+        while (k > 0 && columns[k].Measure == columns[k + 1].Measure)
             --k;
 }
 

@@ -191,7 +191,7 @@ class Layout:
             self.make_room_for_chords(k)
 
         if k == MAX_COLUMN:
-            while slots[k].Measure == slots[k - 1].Measure:
+            while k > 0 and slots[k].Measure == slots[k - 1].Measure:
                 k -= 1
             k -= 1
         self.make_room_for_signatures(k)
@@ -200,10 +200,10 @@ class Layout:
             k -= 1
         for n in range(1, k + 1):
             slots[n].Reserved = int16(slots[n - 1].Reserved + slots[n].Spacing)
-        while slots[k].Reserved > self.LineCapacity:
+        while k > 0 and slots[k].Reserved > self.LineCapacity:
             k -= 1
         if k < self.tune.LastNote:
-            while slots[k].Measure == slots[k + 1].Measure:
+            while k > 0 and slots[k].Measure == slots[k + 1].Measure:
                 k -= 1
         if k <= 0:
             raise TooWide(self.NoteTable[first].Measure)
