@@ -1,8 +1,14 @@
 #include "qt/other_forms.h"
 
+#include "qt/midi_setup_window.h"
+#include "qt/midi_window.h"
+#include "qt/page_setup_window.h"
 #include "qt/small_forms.h"
+#include "qt/tuning_window.h"
 
 #include <QEvent>
+
+#include <algorithm>
 
 namespace quillon {
 
@@ -23,11 +29,31 @@ QWidget* OtherForms::Make(Form form)
         return new SplashForm(&mainWindow);
     case Form::frmAbout:
         return new AboutForm(&mainWindow);
+    case Form::frmPgSetup:
+        ShowMainDisabled();
+        return new PageSetupWindow(&mainWindow, win, runner);
+    case Form::frmBldMidi:
+        return new MidiWindow(&mainWindow, win.frmBldMidi, runner);
+    case Form::frmMidiSetup:
+        return new MidiSetupWindow(&mainWindow, win.frmMidiSetup, runner);
     case Form::FrmCopyBox:
         return new CopyBox(&mainWindow, win.editor, win.form, runner);
-    default:
-        return nullptr;
+    case Form::Guitar:
+    case Form::banjo:
+    case Form::bass:
+        break;
     }
+    const auto tuning = std::ranges::find(win.tuningForms, form,
+                                          [](const TuningForm& it) { return it.design.Name; });
+    return new TuningWindow(&mainWindow, *tuning, runner);
+}
+
+/// Disabling the main window disables the windows that belong to it. The forms stay usable.
+void OtherForms::ShowMainDisabled()
+{
+    runner.ShowForm();
+    for (const auto& [form, widget] : forms)
+        widget->setEnabled(true);
 }
 
 void OtherForms::Open(Form form)
@@ -41,8 +67,6 @@ void OtherForms::Open(Form form)
         }
     }
     QWidget* widget = Make(form);
-    if (!widget)
-        return;
     forms.emplace_back(form, widget);
     widget->installEventFilter(this);
     connect(widget, &QObject::destroyed, this, [this, form] {

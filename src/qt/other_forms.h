@@ -36,6 +36,7 @@ protected:
 
 private:
     QWidget* Make(Form form);
+    void ShowMainDisabled();
 
     QWidget& mainWindow;
     MainWin& win;

@@ -1,6 +1,7 @@
 #include "qt/small_forms.h"
 
 #include "qt/font_metrics.h"
+#include "qt/form_window.h"
 #include "qt/text.h"
 #include "ui_about.h"
 #include "ui_copy_box.h"
@@ -15,14 +16,6 @@ namespace quillon {
 namespace {
 
 constexpr int kSplashMilliseconds = 5000;
-
-/// A window of its own that stays above the main one.
-void MakeForm(QWidget& form)
-{
-    form.setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                        Qt::WindowCloseButtonHint);
-    form.setAttribute(Qt::WA_DeleteOnClose);
-}
 
 }  // namespace
 
