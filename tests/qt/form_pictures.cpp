@@ -2,7 +2,7 @@
 //
 //     form_pictures FOLDER [dark] [TUNE]
 //
-// The scale comes from QT_SCALE_FACTOR.
+// The scale comes from QT_SCALE_FACTOR, the size of the text, in points, from FONT_SIZE.
 
 #include "qt/program.h"
 #include "scratch_user.h"
@@ -39,7 +39,13 @@ int main(int argc, char** argv)
     const bool dark = argc > 2 && QString(argv[2]) == "dark";
     const QString tune = argc > 2 + dark ? QFileInfo(argv[2 + dark]).absoluteFilePath() : "";
     ScratchUser user;
+    qputenv("QUILLON_AUDIO_DRIVER", "file");
     QApplication application(argc, argv);
+    if (const int size = qEnvironmentVariableIntValue("FONT_SIZE")) {
+        QFont font = QApplication::font();
+        font.setPointSize(size);
+        QApplication::setFont(font);
+    }
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     if (dark)
         QApplication::setPalette(DarkPalette());
@@ -55,6 +61,13 @@ int main(int argc, char** argv)
     }
     for (Form form : {Form::Splash, Form::frmAbout, Form::FrmCopyBox})
         program.system.Show(form);
+    program.win.mnuOpnMidi();
+    program.win.mnuSetup();
+    for (TuningForm& tuning : program.win.tuningForms) {
+        tuning.Show();
+        program.system.Show(tuning.design.Name);
+    }
+    program.win.mnuPageSet();
     Settle();
     for (QWidget* form : QApplication::topLevelWidgets())
         if (form->isVisible() && form != program.window.get())
