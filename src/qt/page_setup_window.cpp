@@ -72,12 +72,18 @@ void PageSetupWindow::ConnectButtons()
 }
 
 /// The form is activated anew when the user comes back to it from another form of the program,
-/// not from a dialog or another program.
+/// not from a dialog or another program. The main form is disabled and gives the focus back at
+/// once.
 void PageSetupWindow::FocusWindowChanged(const QWindow* focused)
 {
-    if (focused && focused != windowHandle()) {
+    if (!focused)
+        return;
+    if (focused == parentWidget()->windowHandle()) {
+        if (!win.form.FormEnabled)
+            activateWindow();
+    } else if (focused != windowHandle()) {
         left = left || !focused->isModal();
-    } else if (focused && std::exchange(left, false)) {
+    } else if (std::exchange(left, false)) {
         Handle("Page Setup", [this] { form.Activate(); });
         ShowFocus();
     }

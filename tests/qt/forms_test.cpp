@@ -411,6 +411,18 @@ private slots:
         form->close();
     }
 
+    void TheDisabledMainFormGivesTheFocusBack()
+    {
+        Open("mnuPageSet", "frmPgSetup");
+        Type(Box("Text1"), "A tune");
+        Window().activateWindow();
+        QTest::qWait(50);
+        QVERIFY(form->isActiveWindow());
+        QCOMPARE(Box("Text1")->text(), QString("A tune"));
+        form->close();
+        QTRY_VERIFY(Window().isActiveWindow());
+    }
+
     void EveryControlIsNamedAndReachedByTab_data()
     {
         QTest::addColumn<QString>("menu");
