@@ -1,16 +1,23 @@
 #include "qt/main_window.h"
 
 #include "qt/paint.h"
+#include "qt/settings.h"
 #include "qt/text.h"
 #include "shell/menus.h"
+#include "shell/spoken.h"
 #include "ui_main_win.h"
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QScopedValueRollback>
 #include <QScreen>
+
+#include <cstdlib>
 
 namespace quillon {
 
@@ -35,6 +42,20 @@ void KeepWidth(QWidget* widget, const QString& longest)
     widget->setMinimumWidth(widget->fontMetrics().horizontalAdvance(longest));
 }
 
+/// The tune file that is dropped, "" if it is anything else: what is no tune cannot be opened.
+std::string DroppedTune(const QDropEvent& event)
+{
+    const QList<QUrl> urls = event.mimeData()->urls();
+    if (urls.size() != 1 || !urls[0].isLocalFile())
+        return {};
+    const QString path = urls[0].toLocalFile();
+    const QString extension = QFileInfo(path).suffix().toLower();
+    for (const InstrumentMode& mode : kInstrumentModes)
+        if (extension == mode.Extension)
+            return PathToBytes(path);
+    return {};
+}
+
 }  // namespace
 
 MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
@@ -47,7 +68,9 @@ MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
     txtRptBracket->setObjectName("txtRptBracket");
     txtRptBracket->setAccessibleName("Repeat bracket");
     txtRptBracket->setToolTip("Text of the repeat bracket, such as 1; Enter ends it");
+    txtRptBracket->setAcceptDrops(false);
     txtRptBracket->hide();
+    setAcceptDrops(true);
     QFont large = font();
     large.setPointSizeF(large.pointSizeF() * 2);
     large.setBold(true);
@@ -62,6 +85,7 @@ MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
     system.OnShow = [this](Form form) { otherForms.Open(form); };
     system.OnEnd = [this] { End(); };
     resize(screen()->availableSize().boundedTo(kLargestStart) - kFrameOfWindow);
+    RestorePlace(*this, win.platform.settings);
     ShowForm();
 }
 
@@ -134,11 +158,22 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::End()
 {
-    ended = true;
+    if (!std::exchange(ended, true))
+        RememberPlace(*this, win.platform.settings);
     Timer1.stop();
     hide();
     QMetaObject::invokeMethod(
         qApp, [] { QApplication::exit(); }, Qt::QueuedConnection);
+}
+
+void MainWindow::EndUnasked()
+{
+    if (runner.Busy()) {
+        // A handler waits in a dialog. It must not go on with an answer that nobody gave.
+        RememberPlace(*this, win.platform.settings);
+        std::_Exit(EXIT_SUCCESS);
+    }
+    End();
 }
 
 void MainWindow::changeEvent(QEvent* event)
@@ -183,6 +218,25 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         ui->vsbPage->triggerAction(QScrollBar::SliderPageStepAdd);
     else
         QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (DroppedTune(*event).empty() || !win.form.FormEnabled || runner.Busy())
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+// The program that the file comes from waits for the end of the drop, not for the save question.
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    QTimer::singleShot(0, this, [this, path = DroppedTune(*event)] {
+        activateWindow();
+        runner.Run("Open", [&] { win.OpenDropped(path); });
+    });
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)
@@ -241,6 +295,7 @@ void MainWindow::ShowForm()
     ui->picPage->Show();
     ShowFocus();
     ShowControls();
+    ui->StaffBox->Tell(ToUnicode(SpokenCursor(win.tune, win.form)));
     if (win.form.Timer1Enabled != Timer1.isActive())
         win.form.Timer1Enabled ? Timer1.start() : Timer1.stop();
 }
@@ -254,6 +309,8 @@ void MainWindow::ShowTools()
     SetText(ui->lblLastNote, win.form.lblLastNote);
     SetText(ui->hdbkbox, win.form.hdbkbox);
     ui->lblMeasNum->setAccessibleName("Measure " + ui->lblMeasNum->text());
+    ui->lblLastNote->setAccessibleName("Last note " + ui->lblLastNote->text());
+    ui->hdbkbox->setAccessibleName(win.form.hdbkbox.empty() ? "No line break" : "Line break");
     ui->Toolbar1->SetDown(win.form.Toolbar1);
     SetText(txtRptBracket, win.form.txtRptBracket.Text);
 }

@@ -32,12 +32,17 @@ public:
                std::string theCommandLine);
     ~MainWindow() override;
 
+    /// The run ends from outside: nothing is asked, and the rescue copy stays.
+    void EndUnasked();
+
 protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "qt/note_bar.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
@@ -147,6 +148,7 @@ void NoteBar::keyPressEvent(QKeyEvent* event)
         marked = std::clamp(marked + (event->key() == Qt::Key_Left ? -1 : 1), 1,
                             static_cast<int>(buttons.size()));
         update();
+        TellReaders();
         break;
     case Qt::Key_Space:
     case Qt::Key_Return:
@@ -161,6 +163,16 @@ void NoteBar::keyPressEvent(QKeyEvent* event)
 void NoteBar::focusInEvent(QFocusEvent*)
 {
     update();
+    TellReaders();
+}
+
+/// To a screen reader, the marked button is what has the focus.
+void NoteBar::TellReaders()
+{
+    QAbstractButton* button = buttons[static_cast<std::size_t>(marked - 1)];
+    setAccessibleDescription(button->accessibleName());
+    QAccessibleEvent focus(button, QAccessible::Focus);
+    QAccessible::updateAccessibility(&focus);
 }
 
 void NoteBar::focusOutEvent(QFocusEvent*)

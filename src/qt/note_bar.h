@@ -32,6 +32,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void TellReaders();
+
     std::vector<QAbstractButton*> buttons;  // button n at n - 1
     int down = 0;
     int marked = 1;  // where the keyboard stands

@@ -10,10 +10,8 @@ Program::Program(std::string theCommandLine) : commandLine(std::move(theCommandL
     QApplication::setDesktopFileName("quillon");
     QApplication::setQuitOnLastWindowClosed(false);  // the main form's end is the program's
     LoadNotationFont();
-    runner.KeepWork = [this] {
-        rescue.Refresh();
-        return rescue.Path();
-    };
+    runner.KeepWork = [this] { rescue.Refresh(); };
+    runner.KeepAtFault = [this] { return rescue.Keep(); };
 }
 
 bool Program::Start()
@@ -23,6 +21,7 @@ bool Program::Start()
     if (!loaded)
         return false;
     window = std::make_unique<MainWindow>(win, system, runner, commandLine);
+    endFromOutside = std::make_unique<EndFromOutside>([this] { window->EndUnasked(); });
     window->show();
     return true;
 }

@@ -40,6 +40,7 @@ public:
     };
     RescueCopy rescue{win, system.ProgramFolder()};
     std::unique_ptr<MainWindow> window;
+    std::unique_ptr<EndFromOutside> endFromOutside;
 
 private:
     std::string commandLine;

@@ -32,7 +32,7 @@ bool Runner::Run(const QString& doing, const std::function<void()>& handler)
 void Runner::EndWithFault(const QString& doing, const std::string& error,
                           const std::string& explanation)
 {
-    const std::string rescued = KeepWork();
+    const std::string rescued = KeepAtFault();
     ShowForm();
     QString text = ToUnicode(error);
     text.replace(0, 1, text.left(1).toUpper());

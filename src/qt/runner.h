@@ -17,9 +17,11 @@ public:
     /// Copies the main form's values to its controls. Also called before a dialog opens.
     std::function<void()> ShowForm = [] {};
 
-    /// Keeps unsaved work in the rescue copy and returns its path, "" if there is nothing to keep.
-    /// Called after each event, and before a fault ends the program.
-    std::function<std::string()> KeepWork = [] { return std::string(); };
+    /// Keeps unsaved work in the rescue copy. Called after each event.
+    std::function<void()> KeepWork = [] {};
+
+    /// A fault is about to end the program. Returns the path of the rescue copy, "" without one.
+    std::function<std::string()> KeepAtFault = [] { return std::string(); };
 
     /// `doing` is what the user did, for the error box. While a handler waits in a dialog, no
     /// other one starts: such a call does nothing and returns false.

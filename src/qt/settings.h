@@ -6,6 +6,8 @@
 
 #include <QSettings>
 
+class QWidget;
+
 namespace quillon {
 
 /// A store that cannot be read gives the defaults; one that cannot be written keeps what was set
@@ -19,5 +21,10 @@ public:
 private:
     QSettings store{QSettings::IniFormat, QSettings::UserScope, "Quillon"};
 };
+
+/// The place of the main window, in section "Window". One that is on no screen now is not
+/// restored; of a window that fills the screen, the place before is remembered.
+void RememberPlace(const QWidget& window, Settings& settings);
+void RestorePlace(QWidget& window, const Settings& settings);
 
 }  // namespace quillon

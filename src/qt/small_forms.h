@@ -19,7 +19,7 @@ namespace quillon {
 /// The picture of the greeting and of the About form: a staff with a few notes of tablature.
 class SignPicture : public QWidget {
 public:
-    using QWidget::QWidget;
+    explicit SignPicture(QWidget* parent = nullptr);
     QSize sizeHint() const override { return {360, 132}; }
 
 protected:

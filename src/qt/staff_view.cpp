@@ -4,6 +4,8 @@
 #include "qt/paint.h"
 #include "qt/text.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -55,8 +57,42 @@ QString TypedText(const QKeyEvent& event)
     default:
         break;
     }
+    // Ctrl with Alt is how some remote desktops send the third level of a key.
+    const auto held =
+        event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (held && held != (Qt::ControlModifier | Qt::AltModifier))
+        return {};
     const QString text = event.text();
     return !text.isEmpty() && text[0] >= ' ' && text[0] != QChar(127) ? text : QString();
+}
+
+/// The characters of a text. The digits of every script are the digits 0 to 9.
+std::string Characters(QString text)
+{
+    for (QChar& character : text)
+        if (character.isDigit())
+            character = QChar('0' + character.digitValue());
+    return FromUnicode(text);
+}
+
+class StaffAccessible : public QAccessibleWidget {
+public:
+    explicit StaffAccessible(StaffView& view) : QAccessibleWidget(&view, QAccessible::Canvas) {}
+
+    QString text(QAccessible::Text kind) const override
+    {
+        if (kind == QAccessible::Value)
+            return widget()->accessibleDescription();
+        if (kind == QAccessible::Help)
+            return "The current measure. Type fret numbers; Enter ends the note.";
+        return QAccessibleWidget::text(kind);
+    }
+};
+
+QAccessibleInterface* MakeAccessible(const QString&, QObject* object)
+{
+    auto* view = qobject_cast<StaffView*>(object);
+    return view ? new StaffAccessible(*view) : nullptr;
 }
 
 }  // namespace
@@ -67,6 +103,17 @@ StaffView::StaffView(QWidget* parent) : QWidget(parent)
     setAttribute(Qt::WA_InputMethodEnabled);
     setCursor(Qt::CrossCursor);
     SetScale(1);
+    QAccessible::installFactory(MakeAccessible);  // again does nothing
+}
+
+// Some readers listen to the value, some to the description.
+void StaffView::Tell(const QString& words)
+{
+    if (words == accessibleDescription())
+        return;
+    setAccessibleDescription(words);
+    QAccessibleValueChangeEvent event(this, words);
+    QAccessible::updateAccessibility(&event);
 }
 
 QSize StaffView::SizeAt(double scale)
@@ -139,16 +186,17 @@ void StaffView::keyPressEvent(QKeyEvent* event)
     const int code = KeyCode(event->key());
     const QString text = TypedText(*event);
     emit KeyDown(code);
-    TypeText(text);
+    for (char character : Characters(text))
+        emit KeyPress(character);
     event->setAccepted(code != 0 || !text.isEmpty());
 }
 
 // Dead keys, compose sequences and input methods hand over finished text here.
 void StaffView::inputMethodEvent(QInputMethodEvent* event)
 {
-    for (QChar character : event->commitString()) {
+    for (char character : Characters(event->commitString())) {
         emit KeyDown(0);
-        TypeText(character);
+        emit KeyPress(character);
     }
     event->accept();
 }
@@ -158,12 +206,6 @@ QVariant StaffView::inputMethodQuery(Qt::InputMethodQuery query) const
     if (query == Qt::ImHints)
         return int(Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
     return QWidget::inputMethodQuery(query);
-}
-
-void StaffView::TypeText(const QString& text)
-{
-    for (char character : FromUnicode(text))
-        emit KeyPress(character);
 }
 
 void StaffView::mousePressEvent(QMouseEvent* event)

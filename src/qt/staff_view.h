@@ -32,6 +32,9 @@ public:
     /// The part of the widget that a rectangle of the card, in points, takes.
     QRect PlaceOf(const QRectF& points) const;
 
+    /// Tells screen readers in words where the cursor stands and on what.
+    void Tell(const QString& words);
+
 signals:
     void KeyDown(int keyCode);           // 0 for a key that no handler knows
     void KeyPress(char character);       // of Windows-1252
@@ -48,7 +51,6 @@ protected:
 
 private:
     void PaintCard(QPainter& painter);
-    void TypeText(const QString& text);
     double PixelsPerPoint() const { return scale * 96 / 72; }
 
     double scale = 1;

@@ -4,7 +4,11 @@
 
 #include "platform/system.h"
 
+#include <QObject>
+
+#include <csignal>
 #include <functional>
+#include <iterator>
 
 namespace quillon {
 
@@ -19,6 +23,24 @@ public:
     void Show(Form form) override { OnShow(form); }
     void End() override { OnEnd(); }
     void SetWaitCursor(bool on) override;
+};
+
+/// Ends of the run that come from outside: SIGTERM, SIGHUP, SIGINT and the desktop session's end.
+/// There may be one at a time. A signal that comes twice ends the program at once.
+class EndFromOutside : public QObject {
+public:
+    explicit EndFromOutside(std::function<void()> endRun);
+    ~EndFromOutside() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    static constexpr int kSignals[] = {SIGTERM, SIGHUP, SIGINT};
+
+    std::function<void()> end;
+    int pipeEnds[2] = {-1, -1};
+    struct sigaction before[std::size(kSignals)] = {};
 };
 
 /// Scratch files lie in the current directory. One that cannot be written gives way to the
