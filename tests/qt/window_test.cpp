@@ -1,13 +1,15 @@
 // The window: menus from their table, typing, stepping, going to a measure, sharp pictures.
 
 #include "qt/paint.h"
-#include "qt/program.h"
+#include "qt/small_forms.h"
 #include "qt/staff_view.h"
 #include "qt/text.h"
-#include "scratch_user.h"
+#include "store/tune_file.h"
+#include "window_desk.h"
 
 #include <QAction>
 #include <QClipboard>
+#include <QDropEvent>
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QInputMethodEvent>
@@ -15,71 +17,55 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
+#include <QMimeData>
 #include <QPainter>
-#include <QPushButton>
 #include <QScrollBar>
-#include <QTest>
 
 #include <cmath>
+#include <csignal>
 #include <limits>
 
 using namespace quillon;
 
-class WindowTest : public QObject {
+class WindowTest : public QObject, private WindowDesk {
     Q_OBJECT
 
 private:
-    std::unique_ptr<Program> program;
+    static std::string RescueFolder() { return QtSystem().ProgramFolder(); }
 
-    MainWindow& Window() { return *program->window; }
-    MainWin& Core() { return program->win; }
-    QWidget* Staff() { return Window().findChild<QWidget*>("StaffBox"); }
-    QPushButton* Button(const char* name) { return Window().findChild<QPushButton*>(name); }
-    QWidget* FormNamed(const char* name) { return Window().findChild<QWidget*>(name); }
-
-    /// Types notes of a whole measure on the lowest string.
-    void TypeMeasure()
+    /// Drops on the window; returns whether it was taken.
+    bool Drop(const QList<QUrl>& urls)
     {
-        for (const char* fret : {"0", "2", "3", "5"}) {
-            QTest::keyClicks(Staff(), fret);
-            QTest::keyClick(Staff(), Qt::Key_Return);
-        }
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction | Qt::MoveAction, &data,
+                              Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&Window(), &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDropEvent drop(QPointF(50, 50), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                        Qt::NoModifier);
+        QApplication::sendEvent(&Window(), &drop);
+        return drop.dropAction() == Qt::CopyAction;
     }
 
-    /// Presses a key in the next dialog, as soon as it is there.
-    template <typename Dialog, typename Action> static void InDialog(Action action)
+    /// A tune file with one measure of one note, in the current directory.
+    static QUrl TuneFile(const QString& name)
     {
-        auto* waiting = new QTimer(qApp);
-        connect(waiting, &QTimer::timeout, waiting, [waiting, action] {
-            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-                waiting->deleteLater();
-                action(dialog);
-            }
-        });
-        waiting->start(10);
+        Tune tune;
+        tune.LastNote = 2;
+        tune[1].Measure = tune[2].Measure = 1;
+        tune[1].NoteCode = kHead;
+        tune[1].Beats = tune[1].BeatUnit = 4;
+        tune[2].NoteCode = 7;
+        tune[2].Slot(6) = "9";
+        WriteFileBytes(name.toStdString(), TuneBytes(tune));
+        return QUrl::fromLocalFile(QDir::current().filePath(name));
     }
 
 private slots:
-    void init()
-    {
-        program = std::make_unique<Program>("");
-        QVERIFY(program->Start());
-        QTRY_VERIFY(FormNamed("Splash"));
-        QTRY_VERIFY(FormNamed("Splash")->isVisible());
-        FormNamed("Splash")->close();
-        QTRY_VERIFY(!FormNamed("Splash"));
-        Window().activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&Window()));
-        QTRY_VERIFY(Staff()->hasFocus());
-        QCOMPARE(Core().form.Focus, Control::StaffBox);
-    }
-
-    void cleanup()
-    {
-        Core().form.Saved = 1;
-        program.reset();
-    }
+    void init() { Begin(); }
+    void cleanup() { End(); }
 
     void MenuBarIsTheTable()
     {
@@ -397,6 +383,112 @@ private slots:
         });
         Window().findChild<QAction*>("mnuNew")->trigger();
         QCOMPARE(int{Core().form.Saved}, 1);
+    }
+
+    void DroppedTuneIsOpened()
+    {
+        QVERIFY(Drop({TuneFile("a tune.GUI")}));
+        QTRY_COMPARE(int{Core().tune.LastNote}, 2);
+        QVERIFY(Core().tune.FileName.ends_with("/a tune.GUI"));
+        QVERIFY(Core().form.mnuSaveEnabled);
+        QVERIFY(Window().findChild<QAction*>("mnuSave")->isEnabled());
+    }
+
+    void DropAsksToSaveFirst()
+    {
+        QTest::keyClicks(Staff(), "1");
+        bool asked = false;
+        InDialog<QMessageBox>([&](QMessageBox* box) {
+            asked = true;
+            box->button(QMessageBox::No)->click();
+        });
+        QVERIFY(Drop({TuneFile("tune.gui")}));
+        QVERIFY(!asked);  // the drop does not wait for the answer
+        QTRY_COMPARE(Core().tune[2].Slot(6), std::string("9"));
+        QVERIFY(asked);
+    }
+
+    void OnlyOneTuneFileCanBeDropped()
+    {
+        const QUrl tune = TuneFile("tune.gui");
+        QVERIFY(!Drop({tune, tune}));
+        QVERIFY(!Drop({QUrl::fromLocalFile("/picture.png")}));
+        QVERIFY(!Drop({QUrl("https://example.org/tune.gui")}));
+        QVERIFY(!Drop({}));
+        Core().form.FormEnabled = false;
+        QVERIFY(!Drop({tune}));
+    }
+
+    void PlaceIsRemembered()
+    {
+        Window().move(-200, 40);  // its middle is on any screen
+        Window().resize(Window().minimumSizeHint() + QSize(10, 20));
+        const QRect place(Window().pos(), Window().size());
+        Window().close();
+        program = std::make_unique<Program>("");
+        QVERIFY(program->Start());
+        QCOMPARE(QRect(Window().pos(), Window().size()), place);
+        Window().showMaximized();
+        QCoreApplication::processEvents();
+        Window().close();
+        QCOMPARE(program->settings.Get("Window", "Width", ""), std::to_string(place.width()));
+        program = std::make_unique<Program>("");
+        QVERIFY(program->Start());
+        QVERIFY(Window().isMaximized());
+        program->settings.Set("Window", "Maximized", "False");
+    }
+
+    void PlaceOnNoScreenIsNotRestored()
+    {
+        for (const char* left : {"-9000", "9000", "left"}) {
+            program->settings.Set("Window", "Left", left);
+            program->settings.Set("Window", "Top", "20");
+            program->settings.Set("Window", "Width", "900");
+            program->settings.Set("Window", "Height", *left == 'l' ? "-5" : "700");
+            QWidget window;
+            window.setGeometry(10, 10, 500, 400);
+            RestorePlace(window, program->settings);
+            QCOMPARE(window.geometry(), QRect(10, 10, 500, 400));
+        }
+    }
+
+    void SignalEndsTheRunWithoutAQuestionAndKeepsTheCopy()
+    {
+        for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
+            QTest::keyClicks(Staff(), "1");
+            QCOMPARE(RescueCopiesIn(RescueFolder()).size(), 1U);
+            QTimer::singleShot(0, qApp, [signal] { std::raise(signal); });
+            QCOMPARE(QApplication::exec(), 0);
+            QVERIFY(!Window().isVisible());
+            QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core()));
+            End();
+            Begin();
+        }
+    }
+
+    void SessionEndKeepsTheCopy()
+    {
+        QTest::keyClicks(Staff(), "1");
+        QTimer::singleShot(0, qApp, [] {
+            QEvent quit(QEvent::Quit);
+            QApplication::sendEvent(qApp, &quit);
+        });
+        QCOMPARE(QApplication::exec(), 0);
+        QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core()));
+    }
+
+    void GreetingTellsOfRescueCopies()
+    {
+        QVERIFY(!SplashForm(nullptr).findChild<QLabel*>("Label2")->text().contains("Unsaved"));
+        const std::string stem = RescueFolder() + "/Rescue-2024010";
+        for (const char* name : {"1-120000.gui", "2-120000.gui", "3-120000.bjo", "4-120000.gui"})
+            WriteFileBytes(stem + name, "");
+        const QString text = SplashForm(nullptr).findChild<QLabel*>("Label2")->text();
+        QVERIFY(text.contains("\nRescue-20240104-120000.gui\nRescue-20240103-120000.bjo\n"));
+        QVERIFY(!text.contains("Rescue-20240101"));
+        QVERIFY(text.contains("\nand 1 more"));
+        for (const std::string& name : RescueCopiesIn(RescueFolder()))
+            QFile::remove(QString::fromStdString(RescueFolder() + '/' + name));
     }
 };
 
