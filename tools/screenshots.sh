@@ -37,9 +37,13 @@ shot() {  # picture, part of the window's title
 
 keys() { timeout 5 xdotool key --delay 60 "$@"; }
 
-keys Tab Tab
-xdotool search --name 'Tablature Editor' windowactivate --sync
-keys F5 >/dev/null || true
+editor=$(xdotool search --onlyvisible --name 'Tablature Editor' | tail -n 1)
+next_button="1110 575"  # in a window of this screen's size
+for measure in 2 3 4; do
+    xdotool mousemove --window "$editor" $next_button click 1
+    sleep .2
+done
+xdotool mousemove 640 20
 shot main_window 'Tablature Editor'
 keys alt+m o
 shot midi 'MIDI Playback Unit'
@@ -55,6 +59,6 @@ shot page_setup 'Page Setup'
 "$bin/quillon-export" examples/scarborough_fair.gui -o "$scratch/page.pdf"
 pdftoppm -r 70 -png -singlefile "$scratch/page.pdf" "$images/printed_page"
 for picture in "$images"/*.png; do
-    convert "$picture" -strip -colors 200 "$picture"
+    convert "$picture" -strip +dither -colors 128 "$picture"
 done
 ls -la "$images"
