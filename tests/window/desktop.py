@@ -13,6 +13,7 @@ from Xlib import X, XK, display
 from Xlib.ext import xtest
 from Xlib.protocol import event
 
+PNG_SIGN = b"\x89PNG\r\n\x1a\n"
 PATIENCE = 20  # seconds; a loaded machine is slow, a broken program never comes
 KEYSYMS = {
     "Enter": "Return", "Backspace": "BackSpace", "Space": "space", "PageDown": "Next",
@@ -30,6 +31,26 @@ def wait_for(what, condition):
         if time.monotonic() > end:
             raise AssertionError(f"{what} did not come in {PATIENCE} s")
         time.sleep(0.005)
+
+
+def unfilter(kind, row, above, channels):
+    """A row of a PNG file as it was before its filter."""
+    out = bytearray(row)
+    for i, value in enumerate(row):
+        left = out[i - channels] if i >= channels else 0
+        corner = above[i - channels] if i >= channels else 0
+        up = above[i]
+        if kind == 1:
+            value += left
+        elif kind == 2:
+            value += up
+        elif kind == 3:
+            value += (left + up) // 2
+        elif kind == 4:
+            guess = left + up - corner
+            value += min((left, up, corner), key=lambda near: abs(guess - near))
+        out[i] = value & 0xFF
+    return out
 
 
 class Picture:
@@ -52,11 +73,40 @@ class Picture:
     def differing(self, other):
         """Number of pixels that are not the same."""
         assert (self.width, self.height) == (other.width, other.height)
-        if self.data == other.data:
-            return 0
-        return sum(
-            self.data[i : i + 3] != other.data[i : i + 3] for i in range(0, len(self.data), 4)
-        )
+        count = 0
+        for y in range(self.height):
+            here, there = self.row(y), other.row(y)
+            if here != there:
+                count += sum(
+                    here[i : i + 3] != there[i : i + 3] for i in range(0, len(here), 4)
+                )
+        return count
+
+    @staticmethod
+    def from_png(png):
+        """Of a PNG file's bytes: 8 bits a channel, with or without transparency, not interlaced."""
+        assert png[:8] == PNG_SIGN
+        packed, at = b"", 8
+        while at < len(png):
+            length, name = struct.unpack(">I4s", png[at : at + 8])
+            content = png[at + 8 : at + 8 + length]
+            if name == b"IHDR":
+                width, height, bits, kind, _, _, interlaced = struct.unpack(">IIBBBBB", content)
+            elif name == b"IDAT":
+                packed += content
+            at += length + 12
+        channels = {2: 3, 6: 4}[kind]
+        assert bits == 8 and not interlaced
+        raw, step = zlib.decompress(packed), width * channels
+        above, data = bytearray(step), bytearray()
+        for y in range(height):
+            start = y * (step + 1)
+            above = unfilter(raw[start], raw[start + 1 : start + 1 + step], above, channels)
+            pixels = bytearray(4 * width)
+            for channel, place in ((2, 0), (1, 1), (0, 2)):
+                pixels[place::4] = above[channel::channels]
+            data += pixels
+        return Picture(width, height, bytes(data))
 
     def save(self, path):
         """As a PNG file."""
@@ -73,7 +123,7 @@ class Picture:
 
         head = struct.pack(">IIBBBBB", self.width, self.height, 8, 2, 0, 0, 0)
         with open(path, "wb") as file:
-            file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head))
+            file.write(PNG_SIGN + chunk(b"IHDR", head))
             file.write(chunk(b"IDAT", zlib.compress(b"".join(rows), 6)) + chunk(b"IEND", b""))
 
 

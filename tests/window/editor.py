@@ -10,7 +10,8 @@ import tempfile
 from desktop import PATIENCE, Desktop, wait_for
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = os.environ.get("QUILLON", str(ROOT / "build/dev/bin/quillon"))
+PROGRAM = str(ROOT / "build/dev/bin/quillon")
+EXPORT = str(ROOT / "build/dev/bin/quillon-export")
 
 # Menu commands that have no shortcut, by the letters of the menu bar. A command without a letter of
 # its own is reached by the arrow keys.
@@ -90,6 +91,7 @@ class Editor:
             "XDG_CONFIG_HOME": self.folder / "config",
             "XDG_DATA_HOME": self.folder / "data",
         }
+        self.has_tune = bool(arguments)
         self.process = subprocess.Popen(
             [PROGRAM, *map(str, arguments)],
             cwd=self.work,
@@ -108,15 +110,19 @@ class Editor:
     def __enter__(self):
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, failure, *_):
+        if failure:
+            self.look("failed")
         self.close()
 
     # Windows
 
     def start(self):
-        """Waits for the main window and sends the Splash away, if there is one."""
+        """Waits for the main window, and for the tune of the command line or until Splash is gone."""
         self.window = wait_for("the main window", self._main_window)
-        if "LYRANO" in self.caption():
+        if self.has_tune:
+            wait_for("the tune", lambda: self.caption().startswith("Lyrano - "))
+        else:
             self.dialog("Quillon")
             self.press("Enter")
         self.back()
@@ -200,6 +206,17 @@ class Editor:
         self.settle()
         card = self.card
         return self.desktop.picture(card.x, card.y, card.width, card.height)
+
+    def buttons(self):
+        """The picture of Toolbar1."""
+        self.settle()
+        x, y = self.card.button(1)
+        return self.desktop.picture(x - 18, y - 20, 11 * 36, 40)
+
+    def look(self, name):
+        """Leaves a picture of the screen in the folder of pictures, if there is one."""
+        if os.environ["PICTURES"]:
+            self.desktop.picture().save(f"{os.environ['PICTURES']}/{name}.png")
 
     def picture(self):
         self.settle()
