@@ -83,7 +83,7 @@ TEST_F(CheckTest, FullMeasuresAreClean)
 
 TEST_F(CheckTest, TheExamplesAreClean)
 {
-    const auto folder = std::filesystem::path(__FILE__).parent_path() / "../../examples";
+    const std::filesystem::path folder = QUILLON_EXAMPLES;
     const FixedTextMetrics metrics;
     int count = 0;
     for (const auto& file : std::filesystem::directory_iterator(folder)) {
