@@ -97,6 +97,8 @@ private:
     {
         QToolButton::paintEvent(event);
         QPainter painter(this);
+        if (isChecked())  // in palettes of high contrast the frame alone is hardly seen
+            painter.fillRect(4, height() - 4, width() - 8, 2, palette().highlight());
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate((width() - 24) / 2.0, (height() - 32) / 2.0);
         PaintSign(painter, sign,
