@@ -1,0 +1,192 @@
+#!/usr/bin/env python3
+"""Sound read back: MIDI files by two readers that are not ours, and the pitches of rendered WAVs.
+
+    sound_test.py QUILLON_EXPORT [TUNES]
+
+TUNES random tunes go through both readers (200 by default)."""
+
+import array
+import math
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import wave
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "model"))
+
+from midi_reader import lines_of_file  # noqa: E402
+from random_midi_tunes import random_tune  # noqa: E402
+
+SOUNDFONT = "/usr/share/sounds/sf2/TimGM6mb.sf2"
+TUNINGS = {"gui": [64, 59, 55, 50, 45, 40], "bjo": [62, 59, 55, 50, 67], "bss": [76, 69, 62, 55]}
+CENTS = 10
+
+
+def run(*command):
+    return subprocess.run(command, capture_output=True, text=True, errors="replace")
+
+
+# MIDI files
+
+
+def our_notes(path):
+    """(track, tick, key) of each note that begins, in order of the file."""
+    notes, track, tick = [], 0, 0
+    with open(path, "rb") as file:
+        data = file.read()
+    for line in lines_of_file(data):
+        words = line.split()
+        if words[0] == "track":
+            track, tick = int(words[1]), 0
+        elif len(words) == 4 and words[1].isdigit():
+            tick += int(words[0])
+            if int(words[1]) >> 4 == 9 and int(words[3]) > 0:
+                notes.append((track, tick, int(words[2])))
+        elif words[0].isdigit():
+            tick += int(words[0])
+    return notes
+
+
+def midicsv_notes(path):
+    done = run("midicsv", path)
+    if done.returncode or done.stderr.strip():
+        return None
+    rows = [line.split(", ") for line in done.stdout.splitlines()]
+    return [(int(r[0]) - 1, int(r[1]), int(r[4])) for r in rows if r[2] == "Note_on_c" and int(r[5]) > 0]
+
+
+def mftext_notes(path):
+    done = run("mftext", path)
+    if done.returncode or "error" in (done.stdout + done.stderr).lower():
+        return None
+    return sum(1 for line in done.stdout.splitlines() if re.search(r"Note on.*vol=[1-9]", line))
+
+
+def check_readers(export, folder, count):
+    passed = failed = 0
+    for seed in range(1, count + 1):
+        strings, data = random_tune(seed)
+        tune = os.path.join(folder, "tune" + {6: ".gui", 5: ".bjo", 4: ".bss"}[strings])
+        with open(tune, "wb") as file:
+            file.write(data)
+        midi = os.path.join(folder, "tune.mid")
+        if run(export, tune, "-o", midi).returncode:
+            continue  # no performance, no file
+        ours, theirs = our_notes(midi), midicsv_notes(midi)
+        if ours == theirs and mftext_notes(midi) == len(ours):
+            passed += 1
+        else:
+            failed += 1
+            print(f"failed: seed {seed}: {len(ours)} notes, midicsv "
+                  f"{'none' if theirs is None else len(theirs)}, mftext {mftext_notes(midi)}")
+    return passed, failed
+
+
+# Pitches
+
+
+def record(measure, code, unit=4, beats=4, slots=()):
+    texts = list(slots) + [""] * (6 - len(slots))
+    lines = [f"{measure},{code},0", f"0,{unit},{beats},0", '0,""," "," ",""']
+    return "\r\n".join(lines + [f'"{text}"' for text in texts]) + "\r\n"
+
+
+def chromatic_scale(string):
+    """Frets 0 to 11 of a string as quarter notes."""
+    text = record(0, 0, 0, 0)
+    for fret in range(12):
+        if fret % 4 == 0:
+            text += record(fret // 4 + 1, 999)
+        text += record(fret // 4 + 1, 7, slots=[""] * (string - 1) + [str(fret)])
+    return text.encode("ascii")
+
+
+def frequency(samples, rate, expected):
+    """Fundamental near `expected`, by the peak of the autocorrelation."""
+    def correlation(lag):
+        size = len(samples) - lag
+        return sum(samples[i] * samples[i + lag] for i in range(0, size, 2)) / size
+
+    lag = rate / expected
+    lags = range(max(2, int(lag * 0.93)), int(lag * 1.07) + 2)
+    values = {n: correlation(n) for n in lags}
+    best = max(list(values)[1:-1], key=values.get)
+    a, b, c = values[best - 1], values[best], values[best + 1]
+    # Over several periods the peak is told more exactly.
+    periods = max(1, min(8, len(samples) // 3 // best))
+    centre = periods * (best + 0.5 * (a - c) / (a - 2 * b + c))
+    lags = range(int(centre) - 4, int(centre) + 6)
+    values = {n: correlation(n) for n in lags}
+    best = max(list(values)[1:-1], key=values.get)
+    a, b, c = values[best - 1], values[best], values[best + 1]
+    return rate * periods / (best + 0.5 * (a - c) / (a - 2 * b + c))
+
+
+def check_pitches(export, folder):
+    passed = failed = 0
+    tempo = 60  # a second to the quarter note
+    for extension, pitches in TUNINGS.items():
+        string = min(3, len(pitches))
+        tune = os.path.join(folder, f"scale.{extension}")
+        with open(tune, "wb") as file:
+            file.write(chromatic_scale(string))
+        sound = os.path.join(folder, "scale.wav")
+        done = run(export, tune, "--tempo", str(tempo), "-o", sound)
+        if done.returncode:
+            print(f"failed: {tune}: {done.stderr}")
+            failed += 1
+            continue
+        with wave.open(sound) as file:
+            rate = file.getframerate()
+            frames = array.array("h", file.readframes(file.getnframes()))
+        left = frames[::2]
+        for fret in range(12):
+            expected = 440 * 2 ** ((pitches[string - 1] + fret - 69) / 12)
+            start = int((fret + 0.25) * rate)
+            window = [float(s) for s in left[start:start + 6000]]
+            cents = 1200 * math.log2(frequency(window, rate, expected) / expected)
+            if abs(cents) <= CENTS:
+                passed += 1
+            else:
+                failed += 1
+                print(f"failed: {extension} fret {fret}: {cents:+.1f} cents")
+    return passed, failed
+
+
+def check_repeat(export, folder):
+    """A measure that is repeated lasts twice as long."""
+    lengths = []
+    for bar in ("", "99"):
+        tune = os.path.join(folder, "repeat.gui")
+        data = chromatic_scale(1).decode("ascii")
+        head = record(1, 999)
+        data = data.replace(head, head.replace('0,"","', f'0,"{bar}","', 1), 1)
+        with open(tune, "wb") as file:
+            file.write(data.encode("ascii"))
+        sound = os.path.join(folder, "repeat.wav")
+        run(export, tune, "--tempo", "120", "-o", sound)
+        with wave.open(sound) as file:
+            lengths.append(file.getnframes() / file.getframerate())
+    good = abs(lengths[1] - lengths[0] - 2) < 0.1  # a measure of four beats at 120
+    if not good:
+        print(f"failed: repeat: {lengths}")
+    return (1, 0) if good else (0, 1)
+
+
+def main():
+    export = os.path.abspath(sys.argv[1])
+    count = int(sys.argv[2]) if len(sys.argv) > 2 else 200
+    os.environ["QUILLON_SOUNDFONT"] = SOUNDFONT
+    with tempfile.TemporaryDirectory() as folder:
+        results = [check_readers(export, folder, count), check_pitches(export, folder),
+                   check_repeat(export, folder)]
+    passed, failed = (sum(r[i] for r in results) for i in (0, 1))
+    print(f"{passed} passed, {failed} failed")
+    sys.exit(1 if failed else 0)
+
+
+if __name__ == "__main__":
+    main()
