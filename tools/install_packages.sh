@@ -8,7 +8,7 @@ build="build-essential ca-certificates cmake ninja-build ccache pkg-config
        timgm6mb-soundfont python3 python3-fonttools python3-munkres python3-defcon
        fonts-liberation"
 test="libgtest-dev libgmock-dev libbenchmark-dev clang-16 clang-tidy-16 libclang-rt-16-dev
-      clang-format-16 xvfb xauth xdotool xclip openbox x11-utils imagemagick poppler-utils
+      clang-format-16 xvfb xauth xdotool xclip openbox x11-utils python3-xlib imagemagick poppler-utils
       qpdf sox midicsv abcmidi cups-daemon cups-client librsvg2-bin procps
       appstream bash-completion desktop-file-utils dpkg-dev file fontconfig libfile-mimeinfo-perl
       libxml2-utils lintian man-db shared-mime-info xdg-utils zsh"

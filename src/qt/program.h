@@ -4,13 +4,12 @@
 
 #include "qt/clipboard.h"
 #include "qt/dialogs.h"
-#include "qt/fluid_player.h"
 #include "qt/font_metrics.h"
 #include "qt/main_window.h"
-#include "qt/midi_ports.h"
 #include "qt/printer.h"
 #include "qt/runner.h"
 #include "qt/settings.h"
+#include "qt/sound.h"
 #include "qt/system.h"
 #include "shell/rescue.h"
 
@@ -31,8 +30,8 @@ public:
     QtSystem system;
     QtPrinter printer{runner};
     QtClipboard clipboard;
-    FluidPlayer player;
-    RtMidiPorts midiPorts;
+    LoadedPlayer player;
+    LoadedMidiPorts midiPorts;
     FontMetrics metrics;
     MainWin win{
         {dialogs, settings, system, printer, clipboard, player, midiPorts},

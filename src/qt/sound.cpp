@@ -1,0 +1,100 @@
+#include "qt/sound.h"
+
+#include "store/fault.h"
+
+#include <QCoreApplication>
+
+#include <dlfcn.h>
+
+namespace quillon {
+
+namespace {
+
+/// What a maker in the sound module makes; null when the module or its libraries are missing.
+template <typename Made> std::unique_ptr<Made> Make(const char* maker)
+{
+    static void* const module = [] {
+        const QString folder = QCoreApplication::applicationDirPath() + "/../lib/quillon";
+        return dlopen(qPrintable(folder + "/libquillon-sound.so"), RTLD_NOW | RTLD_LOCAL);
+    }();
+    const auto make = module ? reinterpret_cast<Made* (*)()>(dlsym(module, maker)) : nullptr;
+    return std::unique_ptr<Made>(make ? make() : nullptr);
+}
+
+}  // namespace
+
+bool LoadedPlayer::Init()
+{
+    if (!player) {
+        player = Make<Player>("MakeQuillonPlayer");
+        if (!player)
+            return false;
+        player->OnEnd = [this] {
+            if (OnEnd)
+                OnEnd();
+        };
+        player->OnFailure = [this] {
+            if (OnFailure)
+                OnFailure();
+        };
+    }
+    return player->Init();
+}
+
+void LoadedPlayer::Close()
+{
+    if (player)
+        player->Close();
+}
+
+void LoadedPlayer::Load(const std::string& path)
+{
+    if (!player)
+        throw Fault(Error::ObjectRequired);
+    player->Load(path);
+}
+
+bool LoadedPlayer::HasTune() const
+{
+    return player && player->HasTune();
+}
+
+void LoadedPlayer::Play(bool forEver)
+{
+    if (player)
+        player->Play(forEver);
+}
+
+void LoadedPlayer::Stop()
+{
+    if (player)
+        player->Stop();
+}
+
+void LoadedPlayer::SetTempoFactor(double factor)
+{
+    if (player)
+        player->SetTempoFactor(factor);
+}
+
+void LoadedPlayer::SetVolume(int hundredthsOfDecibel)
+{
+    if (player)
+        player->SetVolume(hundredthsOfDecibel);
+}
+
+int LoadedMidiPorts::Count() const
+{
+    if (!ports)
+        ports = Make<MidiPorts>("MakeQuillonMidiPorts");
+    return ports ? ports->Count() : 0;
+}
+
+std::string LoadedMidiPorts::Name(int index) const
+{
+    if (!ports)
+        Count();
+    return ports ? ports->Name(index) : "Default device";  // the only one that is left to name
+}
+
+}  // namespace quillon
