@@ -54,7 +54,7 @@ std::string NewPath(const MainWin& win, const std::string& folder)
 std::string WriteRescueCopy(const MainWin& win, const std::string& folder)
 {
     try {
-        const std::string path = NewPath(win, folder);
+        std::string path = NewPath(win, folder);
         WriteFileBytes(path, RescueBytes(win));
         return path;
     } catch (const std::exception&) {

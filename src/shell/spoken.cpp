@@ -67,7 +67,7 @@ const char* ValueName(int button)
 
 std::string SpokenCursor(const Tune& tune, const MainForm& form)
 {
-    const std::string measure = "Measure " + std::to_string(tune.CurMeas);
+    std::string measure = "Measure " + std::to_string(tune.CurMeas);
     const int column = tune.CurNote - form.MeasHead;
     if (tune.CurNote < 1 || column < 1)
         return measure;
