@@ -118,13 +118,4 @@ private:
     void ReportTooWide(std::optional<int> measure);
 };
 
-/// The tune as it stands in the table, with what an unfinished insertion or paste has parked, as
-/// the bytes of a tune file.
-std::string RescueBytes(const MainWin& win);
-
-/// Keeps the tune as it stands in the table, with a tail that an unfinished insertion or paste has
-/// parked, as Rescue-<time>.<extension> in `folder`. Returns the path, "" if nothing could be
-/// written.
-std::string WriteRescueCopy(const MainWin& win, const std::string& folder);
-
 }  // namespace quillon

@@ -51,17 +51,6 @@ std::string NewPath(const MainWin& win, const std::string& folder)
 
 }  // namespace
 
-std::string WriteRescueCopy(const MainWin& win, const std::string& folder)
-{
-    try {
-        std::string path = NewPath(win, folder);
-        WriteFileBytes(path, RescueBytes(win));
-        return path;
-    } catch (const std::exception&) {
-        return {};
-    }
-}
-
 std::string RescueBytes(const MainWin& win)
 {
     std::string bytes = TuneBytes(win.tune);

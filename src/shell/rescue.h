@@ -13,6 +13,10 @@
 
 namespace quillon {
 
+/// The tune as it stands in the table, with what an unfinished insertion or paste has parked, as
+/// the bytes of a tune file. A table that overflowed gives more records than can be opened.
+std::string RescueBytes(const MainWin& win);
+
 /// The rescue copies of earlier runs that lie in a folder, as file names.
 std::vector<std::string> RescueCopiesIn(const std::string& folder);
 

@@ -4,6 +4,7 @@
 // Works in a scratch folder that is empty at each start: folders on the command line have to be
 // absolute. A dialog's answer is a bare name, so that nothing outside the folder is touched.
 
+#include "shell/rescue.h"
 #include "shell/scenario.h"
 #include "support/temporary_directory.h"
 
@@ -49,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ostringstream output;
     Scenario scenario(folder.Path(), output);
     Play(scenario, {reinterpret_cast<const char*>(data), size});
-    if (WriteRescueCopy(scenario.Window(), folder.Path()).empty())
+    if (RescueBytes(scenario.Window()).empty())
         std::abort();
     return 0;
 }

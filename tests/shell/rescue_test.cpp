@@ -1,3 +1,4 @@
+#include "shell/rescue.h"
 #include "store/tune_file.h"
 #include "support/desk.h"
 
@@ -19,12 +20,19 @@ protected:
         win.editor.cmdNext();
     }
 
+    /// Path of a copy that is written for the first time.
+    std::string Written()
+    {
+        RescueCopy copy(win, folder.Path());
+        copy.Refresh();
+        return copy.Path();
+    }
+
     /// What is read back from the rescue copy.
     Tune Rescued()
     {
-        const std::string path = WriteRescueCopy(win, folder.Path());
         Tune tune;
-        ItemReader reader(ReadFileBytes(path));
+        ItemReader reader(RescueBytes(win));
         ReadTune(reader, tune);
         return tune;
     }
@@ -43,7 +51,7 @@ protected:
 TEST_F(Rescue, CopyIsNamedByTheTimeAndTheInstrument)
 {
     Type("1\r");
-    const std::string path = WriteRescueCopy(win, folder.Path());
+    const std::string path = Written();
     const std::string name = path.substr(folder.Path().size() + 1);
     ASSERT_TRUE(name.starts_with("Rescue-") && name.ends_with(".gui")) << name;
     EXPECT_EQ(name.substr(7, name.size() - 11).find_first_not_of("0123456789-"), std::string::npos)
@@ -53,12 +61,8 @@ TEST_F(Rescue, CopyIsNamedByTheTimeAndTheInstrument)
 
 TEST_F(Rescue, CopyNeverReplacesAnother)
 {
-    EXPECT_NE(WriteRescueCopy(win, folder.Path()), WriteRescueCopy(win, folder.Path()));
-}
-
-TEST_F(Rescue, CopyThatCannotBeWrittenHasNoName)
-{
-    EXPECT_EQ(WriteRescueCopy(win, folder.Path("missing")), "");
+    Type("1\r");
+    EXPECT_NE(Written(), Written());
 }
 
 TEST_F(Rescue, CopyHoldsTheTailThatAnInsertionHasParked)
