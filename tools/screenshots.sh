@@ -13,7 +13,7 @@ export QUILLON_AUDIO_DRIVER=file QUILLON_AUDIO_FILE=$scratch/sound.wav
 pids=""
 trap 'kill $pids 2>/dev/null; rm -rf "$scratch"' EXIT
 
-Xvfb -displayfd 3 -screen 0 1280x960x24 -nolisten tcp 3> "$scratch/display" 2>/dev/null &
+Xvfb -displayfd 3 -screen 0 1280x960x24 -nolisten tcp -noreset 3> "$scratch/display" 2>/dev/null &
 pids="$pids $!"
 until [ -s "$scratch/display" ]; do sleep .05; done
 DISPLAY=:$(cat "$scratch/display")

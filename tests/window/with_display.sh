@@ -27,7 +27,10 @@ await() {  # what, command
     exit 1
 }
 
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3> "$scratch/display" 2> /dev/null &
+# A server that resets when its last client leaves would take the window manager with it, if that
+# client is the one below that looks whether it is there yet.
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3> "$scratch/display" \
+    2> /dev/null &
 await display test -s "$scratch/display"
 DISPLAY=:$(cat "$scratch/display")
 export DISPLAY
