@@ -6,7 +6,7 @@ set -eu
 build="build-essential ca-certificates cmake ninja-build ccache pkg-config
        qt6-base-dev qt6-svg-dev libfluidsynth-dev librtmidi-dev libjack-jackd2-dev
        timgm6mb-soundfont python3 python3-fonttools python3-munkres python3-defcon
-       fonts-liberation"
+       fonts-liberation fonts-dejavu-core"
 test="libgtest-dev libgmock-dev libbenchmark-dev clang-16 clang-tidy-16 libclang-rt-16-dev
       clang-format-16 xvfb xauth xdotool xclip openbox x11-utils python3-xlib imagemagick poppler-utils
       qpdf sox midicsv abcmidi cups-daemon cups-client librsvg2-bin procps
@@ -29,14 +29,18 @@ for package in $wanted; do
 done
 [ -n "$missing" ] || exit 0
 
+command -v apt-get >/dev/null || {
+    echo "This is no Debian. Install what these Debian packages hold, then build by hand:$missing" >&2
+    exit 1
+}
 as_root=""
 if [ "$(id -u)" != 0 ]; then
     command -v sudo >/dev/null || {
-        echo "These packages are missing, and there is no sudo to install them:$missing" >&2
+        echo "There is no sudo here. Install these packages as root, then try again:$missing" >&2
         exit 1
     }
     as_root=sudo
 fi
-echo "Installing$missing"
+echo "Installing$missing, and what they need. This may take some minutes."
 $as_root apt-get update -qq
 $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null

@@ -1,13 +1,25 @@
 #include "qt/program.h"
 
 #include <QApplication>
+#include <QIcon>
 
 namespace quillon {
+
+namespace {
+
+constexpr const char* kDesktopId = "org.quillon.Quillon";  // desktop file and icon are called so
+
+/// Where the icon is for a program that the desktop does not know, as after a build.
+constexpr const char* kIconsBesideProgram = "/../share/icons/hicolor/128x128/apps";
+
+}  // namespace
 
 Program::Program(std::string theCommandLine) : commandLine(std::move(theCommandLine))
 {
     QApplication::setApplicationName("Quillon");  // a display name would stand in every caption
-    QApplication::setDesktopFileName("quillon");
+    QApplication::setDesktopFileName(kDesktopId);
+    QIcon::setFallbackSearchPaths({QApplication::applicationDirPath() + kIconsBesideProgram});
+    QApplication::setWindowIcon(QIcon::fromTheme(kDesktopId));
     QApplication::setQuitOnLastWindowClosed(false);  // the main form's end is the program's
     LoadNotationFont();
     runner.KeepWork = [this] { rescue.Refresh(); };
