@@ -3,8 +3,6 @@
 
 #include "editor/editor.h"
 
-#include <filesystem>
-
 namespace quillon {
 
 void Editor::SetFocus(Control control)
@@ -215,7 +213,7 @@ void Editor::ReadBackTail(int from, int renumberBy)
         tune.LastMeas = tune[i].Measure;
         ++form.Parked.RecordsBack;
     }
-    std::filesystem::remove(kInsertScratch);
+    DeleteFile(kInsertScratch);
     form.Parked = {};
 }
 

@@ -45,6 +45,14 @@ void WriteFileBytes(const std::string& path, std::string_view bytes)
         throw Fault(Error::PathFileAccess);
 }
 
+void DeleteFile(const std::string& path)
+{
+    std::error_code failure;
+    std::filesystem::remove(path, failure);
+    if (failure)
+        throw Fault(Error::PathFileAccess);
+}
+
 void ItemReader::RequireItem() const
 {
     if (AtEnd())

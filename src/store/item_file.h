@@ -18,8 +18,12 @@ namespace quillon {
 /// (a folder, no permission) a path/file-access Fault.
 std::string ReadFileBytes(const std::string& path);
 
-/// Replaces the contents of a file, which is emptied first. A path/file-access Fault on failure.
+/// Replaces the contents of a file, which is emptied first. A path/file-access Fault on failure;
+/// errno tells the reason.
 void WriteFileBytes(const std::string& path, std::string_view bytes);
+
+/// Deletes a file, if it is there. A path/file-access Fault on failure.
+void DeleteFile(const std::string& path);
 
 class ItemReader {
 public:

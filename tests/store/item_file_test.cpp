@@ -5,6 +5,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <filesystem>
 #include <vector>
 
 namespace quillon {
@@ -179,6 +181,33 @@ TEST_F(FileBytes, ThatCannotBeWrittenAreAnAccessError)
     EXPECT_FAULT(WriteFileBytes("missing/f", "x"), PathFileAccess);
     EXPECT_FAULT(WriteFileBytes("", "x"), PathFileAccess);
     EXPECT_FAULT(WriteFileBytes("/dev/full", std::string(100000, 'x')), PathFileAccess);
+}
+
+TEST_F(FileBytes, ThatCannotBeWrittenLeaveTheReasonInErrno)
+{
+    const auto reason = [](const std::string& path, std::size_t size) {
+        EXPECT_FAULT(WriteFileBytes(path, std::string(size, 'x')), PathFileAccess);
+        return errno;
+    };
+    EXPECT_EQ(reason("missing/f", 1), ENOENT);
+    EXPECT_EQ(reason(folder.Path(), 1), EISDIR);
+    EXPECT_EQ(reason("/dev/full", 1), ENOSPC);
+    EXPECT_EQ(reason("/dev/full", 100000), ENOSPC);
+}
+
+TEST_F(FileBytes, AreGoneWhenDeleted)
+{
+    WriteFileBytes("f", "x");
+    DeleteFile("f");
+    EXPECT_FALSE(std::filesystem::exists("f"));
+    DeleteFile("f");
+}
+
+TEST_F(FileBytes, ThatCannotBeDeletedAreAnAccessError)
+{
+    std::filesystem::create_directories("taken/inside");
+    EXPECT_FAULT(DeleteFile("taken"), PathFileAccess);
+    EXPECT_FAULT(DeleteFile("/proc/self/status"), PathFileAccess);
 }
 
 }  // namespace
