@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <unistd.h>
 
 int main(int argc, char** argv)
@@ -21,16 +22,21 @@ int main(int argc, char** argv)
     // Tuning files of the run lie in a folder of their own, not in the user's.
     const auto folder =
         std::filesystem::temp_directory_path() / ("play-scenario-" + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
     std::ios::sync_with_stdio(false);
-    int status = 0;
-    {
+    int status = 2;
+    try {
+        std::filesystem::create_directory(folder);
         quillon::Scenario scenario(folder.string(), std::cout);
         std::string line;
         while (std::getline(script, line) && scenario.Play(line)) {
         }
+        if (!std::cout.flush())
+            throw std::runtime_error("standard output cannot be written");
         status = scenario.Status();
+    } catch (const std::exception& failure) {
+        std::cerr << "play-scenario: " << failure.what() << '\n';
     }
-    std::filesystem::remove_all(folder);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
     return status;
 }

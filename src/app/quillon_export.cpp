@@ -4,10 +4,12 @@
 #include "platform/renderer.h"
 #include "store/item_file.h"
 
+#include <cerrno>
 #include <dlfcn.h>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -69,17 +71,27 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const std::stri
     return pages;
 }
 
-/// Files hold a whole result or are not there.
-void WriteFile(const std::string& path, const std::string& bytes)
+ExportError CannotWrite(const std::string& what, const std::error_code& reason,
+                        const char* whatToDo = "name another place with -o")
 {
-    try {
-        WriteFileBytes(path, bytes);
-    } catch (const Fault&) {
-        std::error_code ignored;
-        if (fs::is_regular_file(path, ignored))
-            fs::remove(path, ignored);
-        throw ExportError(path + " cannot be written");
-    }
+    return ExportError(what + " cannot be written: " + reason.message() + "; " + whatToDo);
+}
+
+/// Standard output, where nothing may be lost silently.
+void Say(const std::string& text)
+{
+    if (!(std::cout << text << std::flush))
+        throw CannotWrite("standard output", {errno, std::generic_category()},
+                          "send it to another place");
+}
+
+/// Never a device, nor a link: what a link such as /dev/stdout leads to.
+void RemoveFile(const std::string& path)
+{
+    std::error_code ignored;
+    const fs::path file = fs::canonical(path, ignored);
+    if (fs::is_regular_file(file, ignored))
+        fs::remove(file, ignored);
 }
 
 /// The file of page `number`: OUT for page 1, then -2, -3, ... before the dot.
@@ -93,40 +105,74 @@ std::string PageFile(const std::string& output, int number)
     return (path.parent_path() / name).string();
 }
 
+/// One file, or one a page. A result that is not whole is removed.
+void WriteFiles(const std::string& output, const std::vector<std::string>& files)
+{
+    int number = 0;
+    try {
+        for (const std::string& file : files)
+            WriteFileBytes(PageFile(output, ++number), file);
+    } catch (const Fault&) {
+        const std::error_code reason(errno, std::generic_category());
+        const std::string failed = PageFile(output, number);
+        for (; number > 0; --number)
+            RemoveFile(PageFile(output, number));
+        throw CannotWrite(failed, reason);
+    }
+}
+
+void ShowProgress(double part)
+{
+    constexpr int kBar = 40;
+    const int done = static_cast<int>(part * kBar);
+    std::cerr << "\r[" << std::string(static_cast<std::size_t>(done), '#')
+              << std::string(static_cast<std::size_t>(kBar - done), ' ') << "] "
+              << static_cast<int>(part * 100) << "%" << (part >= 1 ? "\r\x1b[K" : "") << std::flush;
+}
+
 void WriteWav(const std::string& midiBytes, const std::string& output)
 {
-    const bool progress = isatty(STDERR_FILENO) != 0;
-    TheRenderer().Wav(midiBytes, output, [&](double part) {
-        if (!progress)
-            return;
-        constexpr int kBar = 40;
-        const int done = static_cast<int>(part * kBar);
-        std::cerr << "\r[" << std::string(static_cast<std::size_t>(done), '#')
-                  << std::string(static_cast<std::size_t>(kBar - done), ' ') << "] "
-                  << static_cast<int>(part * 100) << "%" << (part >= 1 ? "\r\x1b[K" : "")
-                  << std::flush;
-    });
+    try {
+        TheRenderer().Wav(midiBytes, output, isatty(STDERR_FILENO) ? ShowProgress : nullptr);
+    } catch (const std::system_error& failure) {
+        throw CannotWrite(output, failure.code());
+    }
+}
+
+std::string WavBytes(const std::string& midiBytes)
+{
+    const std::string scratch =
+        (fs::temp_directory_path() / ("quillon-" + std::to_string(getpid()) + ".wav")).string();
+    WriteWav(midiBytes, scratch);
+    std::string wav = ReadFileBytes(scratch);
+    fs::remove(scratch);
+    return wav;
+}
+
+/// Whether a file can be put there by renaming it: not where a device or a pipe is.
+bool TakesARename(const std::string& output)
+{
+    std::error_code ignored;
+    const fs::file_status status = fs::symlink_status(output, ignored);
+    return output != "-" && (!fs::exists(status) || fs::is_regular_file(status));
 }
 
 void Export(const ExportCommand& command, const std::string& path, const std::string& output)
 {
-    const std::vector<std::string> files = MakeFiles(command, path);
-    if (output == "-" && command.Format == "wav") {
-        const std::string scratch =
-            (fs::temp_directory_path() / ("quillon-" + std::to_string(getpid()) + ".wav")).string();
-        WriteWav(files.front(), scratch);
-        const std::string wav = ReadFileBytes(scratch);
-        fs::remove(scratch);
-        std::cout << wav;
-    } else if (output == "-") {
-        for (const std::string& file : files)
-            std::cout << file;
-    } else if (command.Format == "wav") {
-        WriteWav(files.front(), output);
-    } else {
-        for (std::size_t i = 0; i < files.size(); ++i)
-            WriteFile(PageFile(output, static_cast<int>(i) + 1), files[i]);
+    std::vector<std::string> files = MakeFiles(command, path);
+    if (command.Format == "wav") {
+        if (TakesARename(output)) {
+            WriteWav(files.front(), output);
+            return;
+        }
+        files.front() = WavBytes(files.front());
     }
+    if (output != "-") {
+        WriteFiles(output, files);
+        return;
+    }
+    for (const std::string& file : files)
+        Say(file);
 }
 
 /// Runs what is done with one tune. A failure is told on standard error.
@@ -134,8 +180,6 @@ template <typename Work> bool Try(const std::string& path, Work work)
 {
     try {
         work();
-        if (!std::cout.flush())
-            throw ExportError("standard output cannot be written");
         return true;
     } catch (const Fault& fault) {
         std::cerr << "quillon-export: " << path << ": " << fault.what();
@@ -199,7 +243,7 @@ bool CheckAll(const ExportCommand& command)
     for (const std::string& path : command.Tunes) {
         const auto print = [&](const std::vector<Finding>& findings) {
             for (const Finding& finding : findings)
-                std::cout << path << ": " << finding.Text() << '\n';
+                Say(path + ": " + finding.Text() + "\n");
             clean = clean && findings.empty();
         };
         // The texts come first: they are what most often makes a tune unreadable.
@@ -217,7 +261,7 @@ bool OrderAll(const ExportCommand& command)
 {
     bool allDone = true;
     for (const std::string& path : command.Tunes)
-        allDone = Try(path, [&] { std::cout << Load(command, path).Order() << '\n'; }) && allDone;
+        allDone = Try(path, [&] { Say(Load(command, path).Order() + "\n"); }) && allDone;
     return allDone;
 }
 
@@ -229,8 +273,9 @@ bool ExportOne(const ExportCommand& command)
 
 bool WantsFolder(const ExportCommand& command)
 {
+    std::error_code ignored;
     return command.Output != "-" && (command.Tunes.size() > 1 || command.Output.ends_with('/') ||
-                                     fs::is_directory(command.Output));
+                                     fs::is_directory(command.Output, ignored));
 }
 
 bool Run(const ExportCommand& command)
@@ -250,7 +295,7 @@ int main(int argc, char** argv)
     try {
         const ExportCommand command = ParseExportCommand({argv + 1, argv + argc});
         if (command.Help) {
-            std::cout << kExportHelp;
+            Say(kExportHelp);
             return 0;
         }
         const bool done = Run(command);
@@ -259,5 +304,8 @@ int main(int argc, char** argv)
     } catch (const std::invalid_argument& usage) {
         std::cerr << "quillon-export: " << usage.what() << "\nTry quillon-export --help\n";
         return 2;
+    } catch (const ExportError& failure) {
+        std::cerr << "quillon-export: " << failure.what() << '\n';
+        return 1;
     }
 }

@@ -6,9 +6,11 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -216,6 +218,7 @@ void RenderWav(const std::string& midiBytes, const std::string& wavPath,
     fluid_player_add_mem(player.get(), midiBytes.data(), midiBytes.size());
 
     bool written = false;
+    std::error_code failure;
     {
         const FluidPtr<fluid_file_renderer_t> renderer(new_fluid_file_renderer(synth.get()));
         written = renderer && fluid_player_play(player.get()) == FLUID_OK;
@@ -228,14 +231,15 @@ void RenderWav(const std::string& midiBytes, const std::string& wavPath,
             if (progress && percent != std::exchange(told, percent))
                 progress(percent / 100.0);
         }
+        if (!written)
+            failure = {errno, std::generic_category()};
     }
-    std::error_code failure;
     if (written)
         std::filesystem::rename(aside, wavPath, failure);
     if (!written || failure) {
         std::error_code ignored;
         std::filesystem::remove(aside, ignored);
-        throw std::runtime_error("The sound file cannot be written.");
+        throw std::system_error(failure, "The sound file cannot be written");
     }
 }
 

@@ -16,8 +16,10 @@
 #include <QThread>
 #include <QTimer>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <system_error>
 
 namespace quillon {
 namespace {
@@ -276,6 +278,23 @@ TEST(RenderWav, LeavesNoFileWhereItFails)
     const TemporaryDirectory folder;
     EXPECT_THROW(RenderWav("a tune", "out.wav"), std::runtime_error);
     EXPECT_THROW(RenderWav(Midi(1), "missing/out.wav"), std::runtime_error);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+TEST(RenderWav, TellsWhyItFails)
+{
+    const TemporaryDirectory folder;
+    std::filesystem::create_symlink("/dev/full", "out.wav.part");
+    const auto reason = [](const std::string& path) {
+        try {
+            RenderWav(Midi(1), path);
+        } catch (const std::system_error& failure) {
+            return failure.code().value();
+        }
+        return 0;
+    };
+    EXPECT_EQ(reason("missing/out.wav"), ENOENT);
+    EXPECT_EQ(reason("out.wav"), ENOSPC);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
