@@ -316,6 +316,7 @@ void MainWin::WriteTuneFile()
 // There is no look at InputMode: during an insertion the parked tail is absent from the file.
 void MainWin::mnuSave()
 {
+    form.Saved = 0;  // the file is emptied first: a failure leaves the tune in the table alone
     WriteTuneFile();
     form.Saved = 1;
 }

@@ -90,16 +90,18 @@ void RescueCopy::Write()
 {
     std::error_code ignored;
     std::string aside;
+    behind = true;
     try {
         std::string bytes = RescueBytes(win);
-        if (bytes == written)
-            return;
-        if (path.empty())
-            path = NewPath(win, folder);
-        aside = path + ".part";
-        WriteFileBytes(aside, bytes);
-        fs::rename(aside, path);
-        written = std::move(bytes);
+        if (bytes != written) {
+            if (path.empty())
+                path = NewPath(win, folder);
+            aside = path + ".part";
+            WriteFileBytes(aside, bytes);
+            fs::rename(aside, path);
+            written = std::move(bytes);
+        }
+        behind = false;
     } catch (const std::exception&) {
         fs::remove(aside, ignored);
         if (!fs::exists(path, ignored))
@@ -136,13 +138,30 @@ bool RescueCopy::IsWhole() const
 
 std::string RescueCopy::Keep()
 {
-    if (win.form.Saved == 0 && IsWhole())
+    if (win.form.Saved == 0 && !behind && IsWhole())
         return path;
     written.clear();
     const std::string before = path;
     Refresh();
+    if (win.form.Saved == 0 && behind) {
+        const std::string elsewhere = KeepElsewhere();
+        if (!elsewhere.empty())
+            return elsewhere;
+    }
     std::error_code ignored;
     return path.empty() && fs::exists(before, ignored) ? before : path;
+}
+
+/// A new copy in the system's folder for temporary files, which is often on another disk.
+std::string RescueCopy::KeepElsewhere() const
+{
+    std::error_code missing;
+    const fs::path temporary = fs::temp_directory_path(missing);
+    if (missing)
+        return {};
+    RescueCopy copy(win, temporary.string());
+    copy.Write();
+    return copy.path;
 }
 
 }  // namespace quillon

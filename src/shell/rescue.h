@@ -34,7 +34,8 @@ public:
     void Refresh();
 
     /// A fault ends the program in the middle of an event. While the tune is unsaved, the copy from
-    /// before the event stays if it is there and whole; else the table is kept as it stands.
+    /// before the event stays if it is there, whole and up to date; else the table is kept as it
+    /// stands, where the program's folder takes no more among the system's temporary files.
     /// Returns the path of what was kept, "" if nothing was.
     std::string Keep();
 
@@ -45,12 +46,14 @@ private:
     bool TailWasLost() const;
     bool IsWhole() const;
     void Write();
+    std::string KeepElsewhere() const;
 
     MainWin& win;
     std::string folder;
     std::string path;     // "" until a copy was written
     std::string written;  // what it holds
     std::string parked;   // the parked tail at the last refresh
+    bool behind = false;  // the last try to write it has failed
 };
 
 }  // namespace quillon

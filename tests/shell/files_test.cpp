@@ -433,6 +433,14 @@ TEST_F(Files, SaveThatFailsIsARunTimeError)
     EXPECT_EQ(win.form.Saved, 0);
 }
 
+TEST_F(Files, SaveThatFailsLeavesATuneWithoutChangesUnsavedToo)
+{
+    Open(WriteTune("tune.gui", 1));
+    win.tune.FileName = "/dev/full";
+    EXPECT_FAULT(win.mnuSave(), PathFileAccess);
+    EXPECT_EQ(win.form.Saved, 0);
+}
+
 TEST_F(Files, SaveAsThatFailsEndsSilently)
 {
     Type("1\r");

@@ -14,6 +14,9 @@ namespace {
 /// A scripted window; after each line the copy is refreshed, as after each event in the window.
 class FreshRescueCopy : public testing::Test {
 protected:
+    FreshRescueCopy() { setenv("TMPDIR", folder.Path("elsewhere").c_str(), 1); }
+    ~FreshRescueCopy() override { setenv("TMPDIR", temporary.c_str(), 1); }
+
     void Play(const std::string& script)
     {
         std::istringstream lines(script);
@@ -35,6 +38,7 @@ protected:
         }
     }
 
+    const std::string temporary = std::filesystem::temp_directory_path().string();
     TemporaryDirectory folder;
     std::ostringstream output;
     Scenario scenario{folder.Path(), output};
@@ -184,6 +188,17 @@ TEST_F(FreshRescueCopy, SurvivesATableThatCannotBeWritten)
     EXPECT_EQ(copy.Keep(), copy.Path());
 }
 
+TEST_F(FreshRescueCopy, OfASaveThatFailsIsKeptThoughNothingWasChanged)
+{
+    TypeTwoMeasures();
+    Play("dialog tune.gui\nmenu mnuSaveAs");
+    EXPECT_EQ(Copies(), 0U);
+    scenario.Window().tune.FileName = "/dev/full";
+    scenario.Play("menu mnuSave");
+    EXPECT_EQ(scenario.Status(), 1);
+    EXPECT_EQ(ReadFileBytes(copy.Keep()), ReadFileBytes("tune.gui"));
+}
+
 TEST_F(FreshRescueCopy, OnAFullDiskIsSimplyNotThere)
 {
     RescueCopy elsewhere(scenario.Window(), "/dev/full");  // a file where the folder should be
@@ -202,6 +217,40 @@ TEST_F(FreshRescueCopy, KeepsWhatItHadWhenTheDiskFillsUp)
     EXPECT_EQ(ReadFileBytes(copy.Path()), held);
     Play("type 7");
     EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(scenario.Window().tune));
+}
+
+TEST_F(FreshRescueCopy, ThatHasFallenBehindIsBroughtUpToDateAtAFault)
+{
+    Play("type 3");
+    std::filesystem::create_symlink("/dev/full", copy.Path() + ".part");
+    Play("type 5");
+    EXPECT_EQ(ReadFileBytes(copy.Keep()), TuneBytes(scenario.Window().tune));
+    EXPECT_EQ(Copies(), 1U);
+}
+
+TEST_F(FreshRescueCopy, ThatCannotBeBroughtUpToDateIsKeptElsewhereAtAFault)
+{
+    const std::string elsewhere = folder.Path("elsewhere");
+    std::filesystem::create_directory(elsewhere);
+    Play("type 3");
+    const std::string before = ReadFileBytes(copy.Path());
+    std::filesystem::create_directories(copy.Path() + ".part/inside");
+    Play("type 5");
+    const std::string kept = copy.Keep();
+    EXPECT_EQ(std::filesystem::path(kept).parent_path(), elsewhere);
+    EXPECT_EQ(ReadFileBytes(kept), TuneBytes(scenario.Window().tune));
+    EXPECT_EQ(ReadFileBytes(copy.Path()), before);
+    EXPECT_EQ(RescueCopiesIn(elsewhere).size(), 1U);
+}
+
+TEST_F(FreshRescueCopy, ThatHasFallenBehindIsNamedWhereNothingCanBeWritten)
+{
+    Play("type 3");
+    const std::string before = ReadFileBytes(copy.Path());
+    std::filesystem::create_directories(copy.Path() + ".part/inside");
+    Play("type 5");
+    EXPECT_EQ(copy.Keep(), copy.Path());
+    EXPECT_EQ(ReadFileBytes(copy.Path()), before);
 }
 
 TEST_F(FreshRescueCopy, InAFolderThatCannotBeWrittenIsSimplyNotThere)
