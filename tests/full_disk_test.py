@@ -1,0 +1,759 @@
+#!/usr/bin/python3
+"""Full disks and folders that cannot be written: saving, scratch files, the rescue copy, building
+MIDI files and every form of export end as they should, and leave no half result.
+
+    full_disk_test.py FOLDER_OF_THE_PROGRAMS [NAME...]
+
+A NAME is a test or a class of tests; without any, all run. The disks are small real file systems,
+mounted where nobody else sees them, and they go with the process. That takes root, or a system
+that lets its users have name spaces of their own.
+"""
+
+import errno
+import os
+import pathlib
+import re
+import shutil
+import signal
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+TUNE = ROOT / "examples/auld_lang_syne.gui"
+APART = "--apart"  # first argument of the run that has its own mounts
+PAGE = 4096  # bytes: what a disk gives away at a time
+PROGRAMS = pathlib.Path()  # set by main
+FAULT = "run-time error 75: path/file access error"
+BOX = "Run-time error: Run-time error 75: path/file access error"
+
+FORMS = ("pdf", "svg", "png", "mid", "wav", "gui", "measure-log", "page-log", "print-log")
+
+
+def mount(*arguments):
+    subprocess.run(["mount", *map(str, arguments)], check=True)
+
+
+class Disk:
+    """A file system of its own, 64 KB unless told otherwise."""
+
+    def __init__(self, kilobytes=64):
+        self.path = pathlib.Path(tempfile.mkdtemp())
+        mount("-t", "tmpfs", "-o", f"size={kilobytes}k", "tmpfs", self.path)
+        self.filler = self.path / "filler"
+
+    def fill(self, spare=0):
+        """Leaves room for `spare` bytes, whole pages of them."""
+        with open(self.filler, "wb", buffering=0) as file:
+            try:
+                while file.write(bytes(PAGE)):
+                    pass
+            except OSError as full:
+                assert full.errno == errno.ENOSPC
+            file.truncate(file.tell() - spare)
+
+    def free(self):
+        self.filler.unlink()
+
+    def protect(self, on=True):
+        mount("-o", "remount,bind,ro" if on else "remount,bind,rw", self.path)
+
+    def names(self):
+        return sorted(path.name for path in self.path.iterdir() if path != self.filler)
+
+    def close(self):
+        subprocess.run(["umount", "--lazy", self.path], check=True)
+        self.path.rmdir()
+
+
+def long_tune():
+    """The bytes of a tune of 120 measures of four quarters, several pages long."""
+
+    def record(measure, code, place):
+        fret = f'"{measure % 10}"' if code == 7 else '""'
+        lines = [f"{measure},{code},{48 + 36 * place}", "0,4,4,6", '0,""," "," ",""', '""', fret]
+        return "".join(line + "\r\n" for line in lines + ['""'] * 4)
+
+    header = '0,0,0\r\n0,0,0,0\r\n0,""," "," ","Long"\r\n' + '""\r\n' * 6
+    return header.encode() + b"".join(
+        (record(i, 999, 0) + "".join(record(i, 7, k) for k in range(4))).encode()
+        for i in range(1, 121)
+    )
+
+
+class DiskTest(unittest.TestCase):
+    def setUp(self):
+        self.home = pathlib.Path(tempfile.mkdtemp())  # on a disk with room
+        self.addCleanup(shutil.rmtree, self.home)
+
+    def disk(self, kilobytes=64):
+        disk = Disk(kilobytes)
+        self.addCleanup(disk.close)
+        return disk
+
+    def worlds(self, name):
+        """Folders in which the file `name` cannot be written, each with what is wrong with it."""
+        full, protected = self.disk(), self.disk()
+        full.fill()
+        protected.protect()
+        taken = pathlib.Path(tempfile.mkdtemp(dir=self.home))
+        (taken / name / "inside").mkdir(parents=True)
+        device = pathlib.Path(tempfile.mkdtemp(dir=self.home))
+        (device / name).symlink_to("/dev/full")
+        return {
+            "No space left on device": full.path,
+            "Read-only file system": protected.path,
+            "Is a directory": taken,
+            "no space on a device": device,
+        }
+
+
+class Export(DiskTest):
+    def setUp(self):
+        super().setUp()
+        self.tune = self.home / "tune.gui"
+        self.tune.write_bytes(long_tune())
+
+    def export(self, *arguments, tune=None, temporary=None, **more):
+        return subprocess.run(
+            [PROGRAMS / "quillon-export", "--tempo", "300", *arguments, tune or self.tune],
+            env={
+                **os.environ,
+                "TMPDIR": str(temporary or self.home),
+                "XDG_RUNTIME_DIR": str(self.home),
+            },
+            stderr=subprocess.PIPE,
+            text=True,
+            check=False,
+            **more,
+        )
+
+    def output(self, folder, form):
+        """A file in `folder` and the arguments that make it in that form."""
+        if form.endswith("-log"):
+            return folder / form, ("-o", folder / form, "--format", form)
+        return folder / f"out.{form}", ("-o", folder / f"out.{form}")
+
+    def assert_refused(self, done, what, reason, advice="name another place with -o"):
+        self.assertEqual(
+            done.stderr,
+            f"quillon-export: {self.tune}: {what} cannot be written: {reason}; {advice}\n",
+        )
+        self.assertEqual(done.returncode, 1)
+
+    def test_a_full_disk_takes_no_file(self):
+        disk = self.disk()
+        disk.fill()
+        for form in FORMS:
+            with self.subTest(form):
+                path, arguments = self.output(disk.path, form)
+                self.assert_refused(self.export(*arguments), path, "No space left on device")
+                self.assertEqual(disk.names(), [])
+
+    def test_a_disk_that_fills_up_keeps_no_half_file(self):
+        disk = self.disk()
+        disk.fill(spare=PAGE)
+        for form in FORMS:
+            with self.subTest(form):
+                path, arguments = self.output(disk.path, form)
+                self.assert_refused(self.export(*arguments), path, "No space left on device")
+                self.assertEqual(disk.names(), [])
+
+    def test_of_several_pages_none_is_kept_without_the_others(self):
+        for form in ("svg", "png"):
+            with self.subTest(form):
+                disk = self.disk(1024)
+                path, arguments = self.output(disk.path, form)
+                self.assertEqual(self.export(*arguments).returncode, 0)
+                pages = disk.names()
+                self.assertGreater(len(pages), 2)
+                last = disk.path / f"out-{len(pages)}.{form}"
+                used = sum(-(-(disk.path / page).stat().st_size // PAGE) for page in pages)
+                for page in pages:
+                    (disk.path / page).unlink()
+                disk.fill(spare=PAGE * (used - 1))
+                self.assert_refused(self.export(*arguments), last, "No space left on device")
+                self.assertEqual(disk.names(), [])
+                disk.free()
+                last.mkdir()
+                self.assert_refused(self.export(*arguments), last, "Is a directory")
+                self.assertEqual(disk.names(), [last.name])
+
+    def test_a_protected_disk_keeps_what_it_has(self):
+        disk = self.disk()
+        for form in FORMS:
+            self.output(disk.path, form)[0].write_text("earlier")
+        disk.protect()
+        for form in FORMS:
+            with self.subTest(form):
+                path, arguments = self.output(disk.path, form)
+                self.assert_refused(self.export(*arguments), path, "Read-only file system")
+                self.assertEqual(path.read_text(), "earlier")
+
+    def test_paths_that_lead_nowhere(self):
+        for form in FORMS:
+            for folder, reason in (
+                (self.home / "missing", "No such file or directory"),
+                (self.tune, "Not a directory"),
+                (self.home / ("x" * 300), "File name too long"),
+            ):
+                with self.subTest(form, reason=reason):
+                    path, arguments = self.output(folder, form)
+                    self.assert_refused(self.export(*arguments), path, reason)
+
+    def test_a_device_stays_what_it_is(self):
+        for form in FORMS:
+            with self.subTest(form):
+                link, arguments = self.output(self.home, form)
+                link.symlink_to("/dev/full")
+                self.assert_refused(self.export(*arguments), link, "No space left on device")
+                self.assertTrue(stat.S_ISCHR(link.stat().st_mode))
+                self.assertTrue(link.is_symlink())
+
+    def test_a_link_is_written_through(self):
+        for form in FORMS:
+            with self.subTest(form):
+                link, arguments = self.output(self.home, form)
+                target = self.home / f"target-{form}"
+                link.symlink_to(target)
+                target.write_text("earlier")
+                self.assertEqual(self.export(*arguments).returncode, 0)
+                self.assertTrue(link.is_symlink())
+                self.assertGreater(target.stat().st_size, PAGE)
+
+    def test_a_link_to_a_full_disk_stays_and_leads_to_no_half_file(self):
+        disk = self.disk()
+        disk.fill(spare=PAGE)
+        for form in FORMS:
+            with self.subTest(form):
+                link, arguments = self.output(self.home, form)
+                link.symlink_to(disk.path / "target")
+                self.assert_refused(self.export(*arguments), link, "No space left on device")
+                self.assertTrue(link.is_symlink())
+                self.assertEqual(disk.names(), [])
+
+    def test_a_folder_of_tunes_on_a_full_disk(self):
+        disk = self.disk()
+        disk.fill()
+        done = self.export("-o", disk.path, "--format", "mid", tune=TUNE)
+        self.assertEqual(done.returncode, 1)
+        done = self.export("-o", disk.path, "--format", "pdf", TUNE)
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(
+            [line.split(": ")[-2:] for line in done.stderr.splitlines()],
+            [
+                [f"{disk.path}/{name} cannot be written", "No space left on device; "
+                 "name another place with -o"]
+                for name in ("auld_lang_syne.pdf", "tune.pdf")
+            ],
+        )
+        self.assertEqual(disk.names(), [])
+
+    def test_standard_output_that_is_full(self):
+        full = ("standard output", "No space left on device", "send it to another place")
+        with open("/dev/full", "w", encoding="ascii") as device:
+            for form in FORMS:
+                with self.subTest(form):
+                    form = form.replace("gui", "tune")
+                    done = self.export("-o", "-", "--format", form, stdout=device)
+                    self.assert_refused(done, *full)
+            self.assert_refused(self.export("--order", stdout=device), *full)
+            self.tune.write_bytes(long_tune().replace(b"9,7,84", b"9,0,84"))
+            self.assert_refused(self.export("--check", stdout=device), *full)
+            done = self.export("--help", stdout=device)
+            self.assertEqual(done.stderr, f"quillon-export: {full[0]} cannot be written: "
+                             f"{full[1]}; {full[2]}\n")
+            self.assertEqual(done.returncode, 1)
+        self.assertEqual(os.listdir(self.home), ["tune.gui"])
+
+    def test_sound_for_standard_output_when_no_scratch_file_fits(self):
+        disk = self.disk()
+        disk.fill(spare=PAGE)
+        done = self.export(
+            "-o", "-", "--format", "wav", temporary=disk.path, stdout=subprocess.PIPE
+        )
+        self.assertEqual(done.stdout, "")
+        self.assertIn("cannot be written: No space left on device", done.stderr)
+        self.assertEqual(done.stderr.count("\n"), 1)
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(disk.names(), [])
+
+
+class ScriptedWindow(DiskTest):
+    """Two measures of quarters are typed before each script."""
+
+    TYPED = "".join(f"type {fret}\nkey Enter\n" for fret in "0235") + "key Enter\n"
+    TYPED *= 2
+
+    def play(self, script, folder=None, stdout=subprocess.PIPE):
+        path = self.home / "script.scn"
+        path.write_text(self.TYPED + script)
+        return subprocess.run(
+            [PROGRAMS / "play-scenario", path], cwd=folder or self.home, stdout=stdout,
+            stderr=subprocess.PIPE, text=True, check=False,
+        )
+
+    def assert_fault(self, done):
+        self.assertEqual(done.stdout, f"fault: {FAULT}\n")
+        self.assertEqual((done.stderr, done.returncode), ("", 1))
+
+    def test_save_is_a_run_time_error(self):
+        for reason, folder in self.worlds("tune.gui").items():
+            with self.subTest(reason):
+                good = self.home / "good.gui"
+                script = f"dialog {good}\nmenu mnuSaveAs\n"
+                script += f"dialog {folder}/tune.gui\nmenu mnuSaveAs\nmenu mnuSave\ntable\n"
+                self.assert_fault(self.play(script))
+                self.assertEqual(good.read_bytes().count(b"\r\n"), 9 * 11)
+
+    def test_save_as_ends_silently_and_the_table_is_whole(self):
+        good, better = self.home / "good.gui", self.home / "better.gui"
+        self.play(f"dialog {good}\nmenu mnuSaveAs\n")
+        table = self.play("table\n").stdout
+        for reason, folder in self.worlds("tune.gui").items():
+            with self.subTest(reason):
+                path = folder / "tune.gui"
+                done = self.play(
+                    f"dialog {path}\nmenu mnuSaveAs\nshown\ntable\nstate\n"
+                    f"dialog {better}\nmenu mnuSaveAs\n"
+                )
+                self.assertEqual((done.stderr, done.returncode), ("", 0))
+                self.assertTrue(done.stdout.startswith("\n" + table), "no box, the same table")
+                for line in ("Saved=0", "mnuSave=off", f"FileName={path}"):
+                    self.assertIn(f"\n{line}\n", done.stdout)
+                self.assertEqual(better.read_bytes(), good.read_bytes())
+
+    def test_a_scratch_file_that_cannot_be_written_is_a_run_time_error(self):
+        for name, script in (
+            ("Temp.Sav", "press cmdPrevious\nmenu mnuInsMeas\n"),
+            ("CopyBuff.Dat", "copy 1 1\n"),
+        ):
+            for reason, folder in self.worlds(name).items():
+                with self.subTest(name, reason=reason):
+                    self.assert_fault(self.play(script + "table\n", folder))
+
+    def test_a_pasted_measure_whose_tail_cannot_be_parked_is_a_run_time_error(self):
+        full = self.disk()
+        full.fill(spare=PAGE)  # for the copied measure
+        worlds = self.worlds("Temp.Dat")
+        for folder in full.path, worlds["Is a directory"], worlds["no space on a device"]:
+            done = self.play("copy 1 1\nprompt 1\npress lblMeasNum\nmenu mnuPaste\n", folder)
+            self.assert_fault(done)
+
+    def test_a_scratch_file_that_cannot_be_deleted_is_a_run_time_error(self):
+        for end in "cmdNext", "cmdPrevious":
+            folder = pathlib.Path(tempfile.mkdtemp(dir=self.home))
+            scratch = folder / "Temp.Sav"
+            scratch.touch()
+            mount("--bind", scratch, scratch)
+            self.addCleanup(subprocess.run, ["umount", scratch], check=True)
+            with self.subTest(end):
+                script = "prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\nkey Enter\n"
+                self.assert_fault(self.play(script + f"press {end}\n", folder))
+
+    def test_standard_output_that_is_full(self):
+        with open("/dev/full", "w", encoding="ascii") as device:
+            done = self.play("table\n", stdout=device)
+        self.assertEqual(done.stderr, "play-scenario: standard output cannot be written\n")
+        self.assertEqual(done.returncode, 2)
+
+
+class Player:
+    """The real window, led by a hand that reads lines. `boxes` has what was shown so far."""
+
+    def __init__(self, tune, folder, environment):
+        self.boxes = []
+        self.process = subprocess.Popen(
+            ["timeout", "30", PROGRAMS / "window_player", *([tune] if tune else [])],
+            cwd=folder, env=environment, text=True,
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+        )
+        self.open = self._answer()
+
+    def do(self, *lines):
+        """True while the window is there."""
+        for line in lines:
+            self.process.stdin.write(line + "\n")
+            self.process.stdin.flush()
+            self.open = self._answer()
+        return self.open
+
+    def _answer(self):
+        for line in self.process.stdout:
+            if line.startswith("done "):
+                return line == "done 1\n"
+            self.boxes.append(line.rstrip("\n").removeprefix("box "))
+        return False
+
+    def end(self):
+        """The exit status."""
+        self.process.stdin.close()
+        status = self.process.wait(20)
+        self.process.stdout.close()
+        errors = self.process.stderr.read()
+        self.process.stderr.close()
+        assert "This plugin does not support" in errors or not errors, errors
+        return status
+
+
+class Window(DiskTest):
+    """Home has room; what a test puts on a small disk it names."""
+
+    GROW = ("menu mnuNoteBefore",) * 30  # more than fits into the last page of the tune's file
+
+    def setUp(self):
+        super().setUp()
+        self.work = self.home / "work"
+        self.work.mkdir()
+        (self.home / "temporary").mkdir()
+
+    def environment(self, **more):
+        own = {
+            "HOME": self.home,
+            "XDG_CONFIG_HOME": self.home / "config",
+            "XDG_DATA_HOME": self.home / "data",
+            "XDG_RUNTIME_DIR": self.home,
+            "TMPDIR": self.home / "temporary",
+            "QT_QPA_PLATFORM": "offscreen",
+            "QUILLON_AUDIO_DRIVER": "file",
+            "QUILLON_AUDIO_FILE": "/dev/null",
+            **more,
+        }
+        return {**os.environ, **{name: str(value) for name, value in own.items()}}
+
+    def window(self, tune="", folder=None, **more):
+        player = Player(tune, folder or self.work, self.environment(**more))
+        self.addCleanup(player.process.kill)
+        return player
+
+    def on(self, disk):
+        """A tune on that disk."""
+        return shutil.copy(TUNE, disk.path)
+
+    def rescued(self, folder=None):
+        """The bytes of the one rescue copy there, None without any."""
+        copies = list((folder or self.home / "data/quillon").glob("Rescue-*"))
+        self.assertLess(len(copies), 2)
+        return copies[0].read_bytes() if copies else None
+
+    def saved_after(self, *lines):
+        """What the tune's file holds when those lines are done and it is saved."""
+        path = self.home / "expected.gui"
+        shutil.copy(TUNE, path)
+        window = self.window(path, XDG_DATA_HOME=self.home / "other")
+        self.assertTrue(window.do(*lines, "menu mnuSave"), window.boxes)
+        self.assertEqual(window.end(), 0)
+        return path.read_bytes()
+
+    def assert_fault(self, window, doing, kept=None):
+        self.assertFalse(window.open)
+        self.assertEqual(window.end(), 1)
+        self.assertEqual(len(window.boxes), 1)
+        lines = window.boxes[0].split(r"\n")
+        self.assertEqual(lines[:2], [BOX, f"It happened at: {doing}"])
+        if kept is None:
+            self.assertEqual(len(lines), 2)
+        else:
+            self.assertRegex(lines[2], f"^Your work was kept in {re.escape(str(kept))}/Rescue-")
+            self.assertEqual(len(lines), 3)
+
+    # Saving
+
+    def test_save_on_a_full_disk_keeps_the_work(self):
+        disk = self.disk()
+        window = self.window(self.on(disk))
+        window.do(*self.GROW)
+        disk.fill()
+        window.do("menu mnuSave")
+        self.assert_fault(window, "Save", self.home / "data/quillon")
+        expected = self.saved_after(*self.GROW)
+        self.assertEqual(self.rescued(), expected)
+        self.assertGreater(len(expected), len((disk.path / TUNE.name).read_bytes()))
+        reopened = self.window(next((self.home / "data/quillon").glob("Rescue-*")))
+        self.assertEqual((reopened.open, reopened.boxes), (True, []))
+        self.assertEqual(reopened.end(), 0)
+
+    def test_save_of_an_unchanged_tune_keeps_it_too(self):
+        tune = self.work / "tune.gui"
+        shutil.copy(TUNE, tune)
+        window = self.window(tune)
+        tune.unlink()
+        tune.symlink_to("/dev/full")
+        window.do("menu mnuSave")
+        self.assert_fault(window, "Save", self.home / "data/quillon")
+        self.assertEqual(self.rescued(), TUNE.read_bytes())
+
+    def test_save_where_the_file_cannot_be_opened_leaves_it_whole(self):
+        disk = self.disk()
+        path = self.on(disk)
+        for protected in True, False:
+            window = self.window(path)
+            window.do("type 7", "key Enter")
+            if protected:
+                disk.protect()
+            else:
+                disk.protect(False)
+                os.rename(path, disk.path / "before.gui")
+                os.mkdir(path)
+            window.do("menu mnuSave")
+            self.assert_fault(window, "Save", self.home / "data/quillon")
+            self.assertEqual(self.rescued(), self.saved_after("type 7", "key Enter"))
+            shutil.rmtree(self.home / "data")
+        self.assertEqual((disk.path / "before.gui").read_bytes(), TUNE.read_bytes())
+
+    def test_save_where_the_folder_has_gone(self):
+        folder = self.home / "stick"
+        folder.mkdir()
+        window = self.window(shutil.copy(TUNE, folder))
+        window.do("type 7", "key Enter")
+        shutil.rmtree(folder)
+        window.do("menu mnuSave")
+        self.assert_fault(window, "Save", self.home / "data/quillon")
+        self.assertEqual(self.rescued(), self.saved_after("type 7", "key Enter"))
+
+    def test_save_as_on_a_full_disk_says_nothing_and_the_window_goes_on(self):
+        disk = self.disk()
+        disk.fill(spare=PAGE)
+        window = self.window(shutil.copy(TUNE, self.work))
+        window.do("type 7", "key Enter", f"file {disk.path}/new.gui", "menu mnuSaveAs")
+        expected = self.saved_after("type 7", "key Enter")
+        self.assertEqual((window.open, window.boxes), (True, []))
+        self.assertEqual(self.rescued(), expected)
+        self.assertEqual((disk.path / "new.gui").read_bytes(), expected[:PAGE])
+        self.assertEqual((self.work / TUNE.name).read_bytes(), TUNE.read_bytes())
+        window.do(f"file {self.work}/new.gui", "menu mnuSaveAs")
+        self.assertEqual((self.work / "new.gui").read_bytes(), expected)
+        self.assertIsNone(self.rescued())
+        self.assertFalse(window.do("menu mnuExit"))
+        self.assertEqual((window.end(), window.boxes), (0, []))
+
+    # The rescue copy
+
+    def test_a_rescue_copy_that_finds_no_room_stays_as_it_is(self):
+        disk = self.disk()
+        window = self.window(shutil.copy(TUNE, self.work), XDG_DATA_HOME=disk.path)
+        window.do("type 7", "key Enter")
+        before = self.rescued(disk.path / "quillon")
+        self.assertEqual(before, self.saved_after("type 7", "key Enter"))
+        for spare in 0, PAGE:  # a part of the new copy finds room
+            disk.fill(spare)
+            window.do("type 8", "key Enter")
+            self.assertEqual((window.open, window.boxes), (True, []))
+            self.assertEqual(self.rescued(disk.path / "quillon"), before)
+        disk.protect()
+        window.do("type 9", "key Enter")
+        self.assertEqual(self.rescued(disk.path / "quillon"), before)
+        disk.protect(False)
+        disk.free()
+        window.do("key Down")
+        copy = self.rescued(disk.path / "quillon")
+        window.do("menu mnuSave")
+        self.assertEqual((self.work / TUNE.name).read_bytes(), copy)
+        self.assertIsNone(self.rescued(disk.path / "quillon"))
+        self.assertNotEqual(copy, before)
+        self.assertEqual(window.end(), 0)
+
+    def test_without_a_place_for_rescue_copies_everything_else_works(self):
+        disk = self.disk()
+        self.window(XDG_DATA_HOME=disk.path).end()  # leaves the tuning file
+        disk.protect()
+        window = self.window(shutil.copy(TUNE, self.work), XDG_DATA_HOME=disk.path)
+        window.do("type 7", "key Enter", "menu mnuSave", "menu mnuExit")
+        self.assertEqual((window.end(), window.boxes), (0, []))
+        expected = self.saved_after("type 7", "key Enter")
+        self.assertEqual((self.work / TUNE.name).read_bytes(), expected)
+
+    def test_a_fault_finds_another_place_for_the_work(self):
+        disk = self.disk()
+        path = self.on(disk)
+        for kept_before in (), ("type 7", "key Enter"):
+            window = self.window(path, XDG_DATA_HOME=disk.path)
+            window.do(*kept_before)
+            before = self.rescued(disk.path / "quillon")
+            disk.fill()
+            window.do(*self.GROW, "menu mnuSave")
+            self.assert_fault(window, "Save", self.home / "temporary")
+            expected = self.saved_after(*kept_before, *self.GROW)
+            self.assertEqual(self.rescued(self.home / "temporary"), expected)
+            self.assertEqual(self.rescued(disk.path / "quillon"), before)
+            shutil.rmtree(self.home / "temporary")
+            (self.home / "temporary").mkdir()
+            disk.free()
+            path = self.on(disk)
+
+    def test_where_nothing_can_be_written_no_copy_is_claimed(self):
+        disk, other = self.disk(), self.disk()
+        other.fill()
+        window = self.window(self.on(disk), XDG_DATA_HOME=disk.path, TMPDIR=other.path)
+        disk.fill()
+        window.do(*self.GROW)
+        self.assertEqual((window.open, window.boxes), (True, []))
+        window.do(f"file {self.work}/elsewhere.gui", "menu mnuSaveAs")
+        self.assertEqual(
+            (self.work / "elsewhere.gui").read_bytes(), self.saved_after(*self.GROW)
+        )
+        window.do("type 7", f"file {disk.path}/new.gui", "menu mnuSaveAs", "menu mnuSave")
+        self.assert_fault(window, "Save")
+        self.assertEqual(disk.names(), [TUNE.name, "new.gui", "quillon"])
+        self.assertIsNone(self.rescued(disk.path / "quillon"))
+        self.assertEqual(other.names(), [])
+
+    # Scratch files
+
+    def test_scratch_files_that_cannot_be_written_end_with_the_work_kept(self):
+        for doing, lines in (
+            ("Insert Measure", ["menu mnuInsMeas"]),
+            ("Copy", ["menu mnuCopy", "type 1", "key Enter", "type 1", "key Enter"]),
+        ):
+            with self.subTest(doing):
+                disk = self.disk()
+                window = self.window(shutil.copy(TUNE, self.work), disk.path)
+                window.do("type 7", "key Enter")
+                disk.fill()
+                window.do(*lines)
+                self.assert_fault(window, doing, self.home / "data/quillon")
+                self.assertEqual(self.rescued(), self.saved_after("type 7", "key Enter"))
+                shutil.rmtree(self.home / "data")
+
+    def test_a_scratch_file_that_cannot_be_deleted_ends_with_the_work_kept(self):
+        disk = self.disk()
+        window = self.window(shutil.copy(TUNE, self.work), disk.path)
+        window.do("menu mnuInsMeas", "type 7", "key Enter")
+        disk.protect()
+        window.do("press cmdNext")
+        self.assert_fault(window, "Next", self.home / "data/quillon")
+        expected = self.saved_after("menu mnuInsMeas", "type 7", "key Enter", "press cmdNext")
+        self.assertEqual(self.rescued(), expected)
+
+    def test_in_a_protected_folder_scratch_files_lie_at_home(self):
+        disk = self.disk()
+        disk.protect()
+        window = self.window(shutil.copy(TUNE, self.work), disk.path)
+        window.do("menu mnuInsMeas")
+        self.assertTrue((self.home / "Temp.Sav").exists())
+        self.assertTrue(window.do("press cmdPrevious"))
+        self.assertFalse((self.home / "Temp.Sav").exists())
+        self.assertEqual((window.end(), window.boxes), (0, []))
+
+    # MIDI files
+
+    def build(self, window, kind):
+        """The box that a build brings up."""
+        count = len(window.boxes)
+        self.assertTrue(window.do("menu mnuOpnMidi", f"press FType_{kind}", "press cmdCreate"))
+        return window.boxes[count:]
+
+    def test_a_midi_file_on_a_full_disk_is_reported_and_none_is_left(self):
+        disk = self.disk()
+        path = disk.path / "long.gui"
+        path.write_bytes(long_tune())
+        window = self.window(path)
+        report = BOX + r"\nThe MIDI file cannot be written."
+        for spare in 0, PAGE:
+            disk.fill(spare)
+            self.assertEqual(self.build(window, 0), [report])
+            self.assertEqual(disk.names(), [path.name])
+        disk.free()
+        disk.protect()
+        self.assertEqual(self.build(window, 0), [report])
+        disk.protect(False)
+        self.assertEqual(self.build(window, 0), [])
+        self.assertEqual(disk.names(), ["long.Mid", path.name])
+        self.assertEqual(window.end(), 0)
+
+    def test_a_play_file_in_a_full_folder_is_reported_and_none_is_left(self):
+        disk = self.disk()
+        window = self.window(shutil.copy(TUNE, self.work), XDG_DATA_HOME=disk.path)
+        disk.fill()
+        report = BOX + r"\nThe MIDI file cannot be written."
+        self.assertEqual(self.build(window, 1), [report])
+        self.assertEqual(os.listdir(disk.path / "quillon"), ["Strings6.tun"])
+        disk.free()
+        self.assertEqual(self.build(window, 1), [])
+        whole = (disk.path / "quillon/Playfile.mid").read_bytes()
+        disk.protect()
+        window.do("press cmdClear")
+        report = BOX + r"\nThe MIDI file that is there cannot be deleted."
+        self.assertEqual(self.build(window, 1), [report])
+        self.assertEqual((disk.path / "quillon/Playfile.mid").read_bytes(), whole)
+        self.assertEqual(window.end(), 0)
+
+    # Settings and the program's folder
+
+    def test_settings_that_cannot_be_written(self):
+        disk = self.disk()
+        self.window(XDG_CONFIG_HOME=disk.path).do("menu mnuBanjo", "menu mnuExit")
+        settings = disk.path / "Quillon.ini"
+        before = settings.read_bytes()
+        for bar in disk.fill, disk.protect:
+            bar()
+            window = self.window(XDG_CONFIG_HOME=disk.path)
+            self.assertTrue(window.do("menu mnuGuitar", "type 7"))
+            window.do("answer no", "close")
+            self.assertEqual((window.end(), len(window.boxes)), (0, 1))
+            self.assertEqual(settings.read_bytes(), before)
+
+    def test_the_program_starts_and_ends_on_protected_settings(self):
+        disk = self.disk()
+        disk.protect()
+        program = subprocess.Popen(
+            [PROGRAMS / "quillon"], cwd=self.work, env=self.environment(XDG_CONFIG_HOME=disk.path),
+            stderr=subprocess.PIPE, text=True,
+        )
+        end = time.monotonic() + 20
+        while not (self.home / "data/quillon/Strings6.tun").exists():
+            self.assertLess(time.monotonic(), end)
+            time.sleep(0.01)
+        time.sleep(0.2)
+        program.send_signal(signal.SIGTERM)
+        errors = program.communicate(timeout=20)[1]
+        self.assertEqual(program.returncode, 0)
+        self.assertNotIn("ettings", errors)
+
+    def test_without_its_tuning_file_and_a_place_for_it_the_program_cannot_start(self):
+        disk = self.disk()
+        disk.fill()
+        window = self.window(XDG_DATA_HOME=disk.path)
+        self.assert_fault(window, "Start")
+
+
+class Result(unittest.TextTestResult):
+    """Counts tests, and a failing part of a test as that test's failure."""
+
+    def failed(self):
+        return len({test.id().split(" ")[0] for test, _ in self.failures + self.errors})
+
+
+def stay_apart():
+    """Runs this program again where its mounts are its own."""
+    for way in ["unshare", "--mount"], ["unshare", "--mount", "--map-root-user"]:
+        mounts = subprocess.run(
+            [*way, "mount", "-t", "tmpfs", "tmpfs", "/mnt"], stderr=subprocess.PIPE, check=False
+        )
+        if mounts.returncode == 0:
+            os.execvp(way[0], [*way, sys.executable, __file__, APART, *sys.argv[1:]])
+    print(mounts.stderr.decode(), end="")
+    print("No disk can be mounted here: run as root, or allow users to have name spaces")
+    print("0 passed, 1 failed")
+    sys.exit(1)
+
+
+def main():
+    global PROGRAMS
+    if APART not in sys.argv:
+        stay_apart()
+    sys.argv.remove(APART)
+    PROGRAMS = pathlib.Path(sys.argv.pop(1)).resolve()
+    program = unittest.main(
+        exit=False, testRunner=unittest.TextTestRunner(sys.stdout, resultclass=Result)
+    )
+    result = program.result
+    print(f"{result.testsRun - result.failed()} passed, {result.failed()} failed")
+    sys.exit(0 if result.wasSuccessful() else 1)
+
+
+if __name__ == "__main__":
+    main()
