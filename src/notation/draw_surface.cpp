@@ -27,7 +27,6 @@ Operation DrawSurface::Make(Shape shape, double x, double y) const
     op.X1 = x;
     op.Y1 = y;
     op.Width = DrawWidth;
-    op.Filled = FillSolid;
     op.Mode = DrawMode;
     op.Style = DrawStyle;
     return op;
@@ -63,6 +62,7 @@ void DrawSurface::Circle(double x, double y, double radius)
 {
     Operation op = Make(Shape::Circle, x, y);
     op.Radius = radius;
+    op.Filled = FillSolid;
     drawing.Add(std::move(op));
     CurrentX = x;
     CurrentY = y;
@@ -92,7 +92,6 @@ void DrawSurface::Print(std::string_view text)
         op.Text = text;
         op.TextFont = Font;
         op.Width = 1;  // text knows no pen
-        op.Filled = false;
         op.Style = PenStyle::Solid;
         drawing.Add(std::move(op));
     }
@@ -120,7 +119,7 @@ Drawing DrawSurface::TakePicture()
 
 std::string PrintedInteger(int value)
 {
-    return (value < 0 ? "" : " ") + std::to_string(value) + " ";
+    return " " + std::to_string(value) + " ";
 }
 
 }  // namespace quillon

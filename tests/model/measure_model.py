@@ -71,8 +71,8 @@ def print_signature(editor):
 
 
 def integer_text(value):
-    """An integer as it prints, with a blank (or the minus) before and one after it."""
-    return f"{value} " if value < 0 else f" {value} "
+    """An integer as it prints, with a blank before and one after it."""
+    return f" {value} "
 
 
 def redraw_measure(editor):

@@ -93,6 +93,15 @@ TEST_F(Surface, TakesAnXorOperationDrawnTwiceOffTheList)
     EXPECT_EQ(Log(), "line 9 9 8 8 w=1\nline 5 6 7 8 w=1 mode=xor\nline 1 2 3 4 w=1 mode=xor\n");
 }
 
+TEST_F(Surface, TakesAnXorLineOffThoughTheFillStyleHasChanged)
+{
+    surface.DrawMode = PenMode::Xor;
+    surface.Line(1, 2, 3, 4);
+    surface.FillSolid = true;
+    surface.Line(1, 2, 3, 4);
+    EXPECT_EQ(Log(), "");
+}
+
 TEST_F(Surface, TakesAnInvertedBoxDrawnTwiceOffTheList)
 {
     surface.DrawMode = PenMode::Invert;
@@ -184,7 +193,7 @@ TEST(PrintedInteger, HasABlankBeforeAndBehind)
 {
     EXPECT_EQ(PrintedInteger(4), " 4 ");
     EXPECT_EQ(PrintedInteger(0), " 0 ");
-    EXPECT_EQ(PrintedInteger(-12), "-12 ");
+    EXPECT_EQ(PrintedInteger(-12), " -12 ");
 }
 
 }  // namespace
