@@ -102,9 +102,10 @@ void PageView::mnuClipbrd(Clipboard& clipboard)
     const double h = MarqueeY2 / clipboard.TwipsPerPixelY() - y1;
     if (w < 0 || h < 0)
         throw Fault(Error::InvalidPropertyValue);
-    // One pixel keeps the dotted border out, on the left and on top.
-    clipboard.SetPicture(Page(ShownPage).Surface.Picture(), x1 + 1, y1 + 1, std::max(w - 1, 0.0),
-                         std::max(h - 1, 0.0));
+    // One pixel keeps the dotted border out, on the left and on top. The picture is as large as
+    // the marquee all the same.
+    const PagePart part{x1 + 1, y1 + 1, std::max(w - 1, 0.0), std::max(h - 1, 0.0)};
+    clipboard.SetPicture(Page(ShownPage).Surface.Picture(), part, w, h);
 }
 
 void PageView::BlankPages()

@@ -6,6 +6,11 @@ namespace quillon {
 
 class Drawing;
 
+/// Part of a page, in pixels of the screen.
+struct PagePart {
+    double X, Y, Width, Height;
+};
+
 class Clipboard {
 public:
     virtual ~Clipboard() = default;
@@ -14,9 +19,9 @@ public:
     virtual double TwipsPerPixelX() const = 0;
     virtual double TwipsPerPixelY() const = 0;
 
-    /// Puts a picture of part of a page on the clipboard. The page is drawn in twips; the part
-    /// begins at (x, y) and has the given size, all in pixels of the screen.
-    virtual void SetPicture(const Drawing& page, double x, double y, double width,
+    /// Puts a picture of a part of a page, which is drawn in twips, on the clipboard. The part
+    /// fills the picture; the picture's size is in pixels of the screen too.
+    virtual void SetPicture(const Drawing& page, const PagePart& part, double width,
                             double height) = 0;
 };
 

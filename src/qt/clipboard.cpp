@@ -11,7 +11,8 @@
 
 namespace quillon {
 
-void QtClipboard::SetPicture(const Drawing& page, double x, double y, double width, double height)
+void QtClipboard::SetPicture(const Drawing& page, const PagePart& part, double width,
+                             double height)
 {
     QGuiApplication::clipboard()->clear();
     // As sharp as the page is on the screen.
@@ -26,9 +27,12 @@ void QtClipboard::SetPicture(const Drawing& page, double x, double y, double wid
     image.setDotsPerMeterY(image.dotsPerMeterX());
     image.fill(Qt::white);
     QPainter painter(&image);
-    painter.scale(ratio / kScreenDot, ratio / kScreenDot);
-    painter.translate(-x * kScreenDot, -y * kScreenDot);
-    Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true});
+    if (part.Width > 0 && part.Height > 0) {
+        painter.scale(ratio * width / part.Width / kScreenDot,
+                      ratio * height / part.Height / kScreenDot);
+        painter.translate(-part.X * kScreenDot, -part.Y * kScreenDot);
+        Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true});
+    }
     painter.end();
     QGuiApplication::clipboard()->setImage(image);
 }

@@ -13,7 +13,8 @@ public:
     double TwipsPerPixelY() const override { return kScreenDot; }
 
     /// A part of no size only clears the clipboard.
-    void SetPicture(const Drawing& page, double x, double y, double width, double height) override;
+    void SetPicture(const Drawing& page, const PagePart& part, double width,
+                    double height) override;
 };
 
 }  // namespace quillon

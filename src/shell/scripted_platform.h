@@ -88,7 +88,7 @@ class NoClipboard : public Clipboard {
 public:
     double TwipsPerPixelX() const override { return 15; }
     double TwipsPerPixelY() const override { return 15; }
-    void SetPicture(const Drawing&, double, double, double, double) override {}
+    void SetPicture(const Drawing&, const PagePart&, double, double) override {}
 };
 
 class NoPlayer : public Player {

@@ -148,10 +148,12 @@ TEST_F(PageViewTest, TheClipboardGetsThePageWithoutTheMarqueesBorder)
     pages.mnuClipbrd(clipboard);
     ASSERT_EQ(clipboard.Pictures.size(), 1U);
     const FakeClipboard::Cut& cut = clipboard.Pictures[0];
-    EXPECT_EQ(cut.X, 101);
-    EXPECT_EQ(cut.Y, 201);
-    EXPECT_EQ(cut.Width, 199);
-    EXPECT_EQ(cut.Height, 99);
+    EXPECT_EQ(cut.Part.X, 101);
+    EXPECT_EQ(cut.Part.Y, 201);
+    EXPECT_EQ(cut.Part.Width, 199);
+    EXPECT_EQ(cut.Part.Height, 99);
+    EXPECT_EQ(cut.Width, 200);
+    EXPECT_EQ(cut.Height, 100);
     EXPECT_EQ(LinesOf(cut.Page), Log(2));
     EXPECT_EQ(Only(Log(2), "box 1500 3000 4500 4500").size(), 1U);  // it stays
 }

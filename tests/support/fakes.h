@@ -147,7 +147,8 @@ class FakeClipboard : public Clipboard {
 public:
     struct Cut {
         Drawing Page;
-        double X, Y, Width, Height;  // pixels
+        PagePart Part;
+        double Width, Height;  // pixels
     };
 
     double TwipsPerPixel = 15;
@@ -156,9 +157,9 @@ public:
     double TwipsPerPixelX() const override { return TwipsPerPixel; }
     double TwipsPerPixelY() const override { return TwipsPerPixel; }
 
-    void SetPicture(const Drawing& page, double x, double y, double width, double height) override
+    void SetPicture(const Drawing& page, const PagePart& part, double width, double height) override
     {
-        Pictures.push_back({page, x, y, width, height});
+        Pictures.push_back({page, part, width, height});
     }
 };
 
