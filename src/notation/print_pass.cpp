@@ -10,19 +10,26 @@ std::string JobName(const Tune& tune)
     return tune.FileName.substr(tune.FileName.find_last_of('/') + 1);
 }
 
+// In single precision, as the margins themselves: .8 inches are 1152 twips, not a little more, which
+// could move a line to the next page.
+float Twips(float inches)
+{
+    return inches * static_cast<float>(kTwipsPerInch);
+}
+
 LayoutValues PrinterValues(PageSettings& page, double width)
 {
     LayoutValues values;
-    values.LineLeft = Round(double{page.PageLeft} * kTwipsPerInch - 360);
-    values.LineRight = Round(width - double{page.PageRight} * kTwipsPerInch);
-    values.TitleY = Round(double{page.PageTop} * kTwipsPerInch);
+    values.LineLeft = Round(Twips(page.PageLeft) - 360);
+    values.LineRight = Round(width - Twips(page.PageRight));
+    values.TitleY = Round(Twips(page.PageTop));
     if (page.BodyFontSize != 8 && page.BodyFontSize != 10)
         page.BodyFontSize = 12;
     const bool small = page.BodyFontSize == 8;
     const bool middle = page.BodyFontSize == 10;
     values.StringGap = small ? 140 : middle ? 165 : 185;
     values.CharUnit = small ? 80 : middle ? 100 : 120;
-    values.LineDistance = double{page.StaveSpace} * kTwipsPerInch;
+    values.LineDistance = Twips(page.StaveSpace);
     values.HeadingGap = 3 * values.StringGap;
     values.Pens = kPrinterPens;
     values.TieInset = 0;

@@ -752,14 +752,14 @@ class Printer(Layout):
 
     def set_page_values(self):
         settings = self.settings
-        self.LineLeft = nearest(settings.PageLeft * 1440 - 360)
-        self.PageLineRight = int16(nearest(Surface.Width - settings.PageRight * 1440))
-        self.TitleY = nearest(settings.PageTop * 1440)
+        self.LineLeft = nearest(single(settings.PageLeft * 1440) - 360)
+        self.PageLineRight = int16(nearest(Surface.Width - single(settings.PageRight * 1440)))
+        self.TitleY = nearest(single(settings.PageTop * 1440))
         if settings.BodyFontSize not in (8, 10, 12):
             settings.BodyFontSize = 12.0
         self.StringGap = {8: 140, 10: 165, 12: 185}[settings.BodyFontSize]
         self.CharUnit = {8: 80, 10: 100, 12: 120}[settings.BodyFontSize]
-        self.line_distance = settings.StaveSpace * 1440
+        self.line_distance = single(settings.StaveSpace * 1440)
 
     def run(self):
         try:
