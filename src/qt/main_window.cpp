@@ -26,6 +26,7 @@ namespace {
 constexpr QSize kLargestStart(1280, 1024);
 constexpr QSize kFrameOfWindow(24, 60);  // room for the frame and a panel
 constexpr int kTimer1Milliseconds = 500;
+constexpr int kPlaceMilliseconds = 300;
 constexpr QRectF kBracketText(12, 9, 72, 17);  // on StaffBox, in points: below the bracket's line
 
 /// Writes a text only if it differs, so that nothing is laid out anew for no reason.
@@ -85,7 +86,10 @@ MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
     system.OnShow = [this](Form form) { otherForms.Open(form); };
     system.OnEnd = [this] { End(); };
     resize(screen()->availableSize().boundedTo(kLargestStart) - kFrameOfWindow);
-    RestorePlace(*this, win.platform.settings);
+    RestorePlace(*this);
+    placeTimer.setSingleShot(true);
+    placeTimer.setInterval(kPlaceMilliseconds);
+    connect(&placeTimer, &QTimer::timeout, this, [this] { RememberPlace(*this); });
     ShowForm();
 }
 
@@ -158,9 +162,9 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::End()
 {
-    if (!std::exchange(ended, true))
-        RememberPlace(*this, win.platform.settings);
+    ended = true;
     Timer1.stop();
+    placeTimer.stop();
     hide();
     QMetaObject::invokeMethod(
         qApp, [] { QApplication::exit(); }, Qt::QueuedConnection);
@@ -170,7 +174,6 @@ void MainWindow::EndUnasked()
 {
     if (runner.Busy()) {
         // A handler waits in a dialog. It must not go on with an answer that nobody gave.
-        RememberPlace(*this, win.platform.settings);
         std::_Exit(EXIT_SUCCESS);
     }
     End();
@@ -184,9 +187,16 @@ void MainWindow::changeEvent(QEvent* event)
         runner.Run("Return to the main form", [this] { win.editor.Activate(); });
 }
 
+void MainWindow::moveEvent(QMoveEvent* event)
+{
+    QMainWindow::moveEvent(event);
+    placeTimer.start();
+}
+
 void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
+    placeTimer.start();
     if (!win.pages.LargeView)
         win.pages.SizePages(height() * kScreenDot);
     FitStaff();

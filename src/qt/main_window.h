@@ -39,6 +39,7 @@ protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -64,6 +65,7 @@ private:
     std::unique_ptr<Ui::MainWin> ui;
     QLineEdit* txtRptBracket;
     QTimer Timer1;
+    QTimer placeTimer;  // settings are written when they change, and the place when it rests
     std::unique_ptr<MenuBar> menus;
     OtherForms otherForms;
     bool activated = false;  // the first activation has been

@@ -11,7 +11,9 @@ namespace quillon {
 
 namespace {
 
-constexpr const char* kWindow = "Window";  // section
+struct PlaceStore : QSettings {
+    PlaceStore() : QSettings(IniFormat, UserScope, "Quillon", "Window") {}
+};
 
 QString StoreKey(const std::string& section, const std::string& key)
 {
@@ -36,31 +38,28 @@ void QtSettings::Set(const std::string& section, const std::string& key, const s
     store.sync();
 }
 
-void RememberPlace(const QWidget& window, Settings& settings)
+void RememberPlace(const QWidget& window)
 {
-    const auto set = [&](const char* key, int number) {
-        settings.Set(kWindow, key, std::to_string(number));
-    };
-    settings.Set(kWindow, "Maximized", window.isMaximized() ? "True" : "False");
+    PlaceStore store;
+    store.setValue("Maximized", window.isMaximized());
     if (window.isMaximized() || window.isFullScreen())
         return;
-    set("Left", window.x());
-    set("Top", window.y());
-    set("Width", window.width());
-    set("Height", window.height());
+    store.setValue("Left", window.x());
+    store.setValue("Top", window.y());
+    store.setValue("Width", window.width());
+    store.setValue("Height", window.height());
 }
 
-void RestorePlace(QWidget& window, const Settings& settings)
+void RestorePlace(QWidget& window)
 {
-    const auto number = [&](const char* key) {
-        return ToUnicode(settings.Get(kWindow, key, "0")).toInt();
-    };
+    const PlaceStore store;
+    const auto number = [&](const char* key) { return store.value(key).toInt(); };
     const QRect place(number("Left"), number("Top"), number("Width"), number("Height"));
     if (!place.isEmpty() && QGuiApplication::screenAt(place.center())) {
         window.move(place.topLeft());
         window.resize(place.size());
     }
-    if (settings.Get(kWindow, "Maximized", "False") == "True")
+    if (store.value("Maximized").toBool())
         window.setWindowState(Qt::WindowMaximized);
 }
 

@@ -22,9 +22,9 @@ private:
     QSettings store{QSettings::IniFormat, QSettings::UserScope, "Quillon"};
 };
 
-/// The place of the main window, in section "Window". One that is on no screen now is not
+/// The place of the main window, in a store of its own. One that is on no screen now is not
 /// restored; of a window that fills the screen, the place before is remembered.
-void RememberPlace(const QWidget& window, Settings& settings);
-void RestorePlace(QWidget& window, const Settings& settings);
+void RememberPlace(const QWidget& window);
+void RestorePlace(QWidget& window);
 
 }  // namespace quillon

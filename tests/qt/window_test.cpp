@@ -33,6 +33,11 @@ class WindowTest : public QObject, private WindowDesk {
 private:
     static std::string RescueFolder() { return QtSystem().ProgramFolder(); }
 
+    static QSettings StoredPlace()
+    {
+        return QSettings(QSettings::IniFormat, QSettings::UserScope, "Quillon", "Window");
+    }
+
     /// Drops on the window; returns whether it was taken.
     bool Drop(const QList<QUrl>& urls)
     {
@@ -338,7 +343,7 @@ private slots:
         line.X2 = 3000;
         line.Y1 = line.Y2 = 450;
         page.Add(line);
-        program->clipboard.SetPicture(page, 10, 20, 100, 50);
+        program->clipboard.SetPicture(page, {10, 20, 100, 50}, 100, 50);
         const QImage picture = QGuiApplication::clipboard()->image();
         const double ratio = qApp->devicePixelRatio();
         QCOMPARE(picture.size(), QSize(100, 50) * ratio);
@@ -423,31 +428,47 @@ private slots:
     {
         Window().move(-200, 40);  // its middle is on any screen
         Window().resize(Window().minimumSizeHint() + QSize(10, 20));
+        QTRY_COMPARE(StoredPlace().value("Width").toInt(), Window().width());
         const QRect place(Window().pos(), Window().size());
         Window().close();
         program = std::make_unique<Program>("");
         QVERIFY(program->Start());
         QCOMPARE(QRect(Window().pos(), Window().size()), place);
         Window().showMaximized();
-        QCoreApplication::processEvents();
+        QTRY_VERIFY(StoredPlace().value("Maximized").toBool());
+        QCOMPARE(StoredPlace().value("Width").toInt(), place.width());
         Window().close();
-        QCOMPARE(program->settings.Get("Window", "Width", ""), std::to_string(place.width()));
         program = std::make_unique<Program>("");
         QVERIFY(program->Start());
         QVERIFY(Window().isMaximized());
-        program->settings.Set("Window", "Maximized", "False");
+        StoredPlace().setValue("Maximized", false);
+    }
+
+    void NothingIsWrittenAtExit()
+    {
+        program->settings.Set("Prefs", "PageTop", "1");
+        const auto stores = [] {
+            return ReadFileBytes(QSettings(QSettings::IniFormat, QSettings::UserScope, "Quillon")
+                                     .fileName()
+                                     .toStdString()) +
+                   ReadFileBytes(StoredPlace().fileName().toStdString());
+        };
+        StoredPlace().setValue("Left", 77);
+        const std::string before = stores();
+        Window().close();
+        QCOMPARE(stores(), before);
     }
 
     void PlaceOnNoScreenIsNotRestored()
     {
         for (const char* left : {"-9000", "9000", "left"}) {
-            program->settings.Set("Window", "Left", left);
-            program->settings.Set("Window", "Top", "20");
-            program->settings.Set("Window", "Width", "900");
-            program->settings.Set("Window", "Height", *left == 'l' ? "-5" : "700");
+            StoredPlace().setValue("Left", left);
+            StoredPlace().setValue("Top", 20);
+            StoredPlace().setValue("Width", 900);
+            StoredPlace().setValue("Height", *left == 'l' ? -5 : 700);
             QWidget window;
             window.setGeometry(10, 10, 500, 400);
-            RestorePlace(window, program->settings);
+            RestorePlace(window);
             QCOMPARE(window.geometry(), QRect(10, 10, 500, 400));
         }
     }
