@@ -129,6 +129,15 @@ private:
                   " 0 " + (large ? "1" : "0") + " 0 " + at(op.End) + "\"" + Pen(op) + "/>\n";
     }
 
+    /// The control characters that XML forbids are shown as what cannot be shown.
+    static std::string Escaped(QString text)
+    {
+        for (QChar& c : text)
+            if (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r')
+                c = QChar::ReplacementCharacter;
+        return text.toHtmlEscaped().toStdString();
+    }
+
     void AddText(const Operation& op)
     {
         const QFontMetricsF metrics(FontInTwips(op.TextFont));
@@ -136,9 +145,9 @@ private:
         const QString family = ToUnicode(op.TextFont.Name);
         texts += "<text" + Attribute("x", op.X1) + Attribute("y", op.Y1 + metrics.ascent()) +
                  Attribute("font-size", op.TextFont.Size * kTwips) + " font-family=\"" +
-                 family.toHtmlEscaped().toStdString() + ",Liberation Sans,sans-serif\"" +
+                 Escaped(family) + ",Liberation Sans,sans-serif\"" +
                  (op.TextFont.Bold ? " font-weight=\"bold\"" : "") + " xml:space=\"preserve\">" +
-                 text.toHtmlEscaped().toStdString() + "</text>\n";
+                 Escaped(text) + "</text>\n";
     }
 
     /// Notation signs, as uses of outlines that stand in the file once each.
