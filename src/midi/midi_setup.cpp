@@ -6,6 +6,8 @@ namespace quillon {
 
 void MidiSetup::Show()
 {
+    if (Visible)
+        return;
     Visible = true;
     ComboMidiOut.clear();
     const int count = ports.Count();

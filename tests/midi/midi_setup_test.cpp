@@ -37,7 +37,17 @@ TEST_F(MidiSetupTest, ADeviceThatIsGoneGivesWayToTheDefaultOne)
         page.MidiDevice = device;
         form.Show();
         EXPECT_EQ(form.ComboMidiOutIndex, 0) << device;
+        form.cmdExit();
     }
+}
+
+TEST_F(MidiSetupTest, ShowingTheOpenFormChangesNothing)
+{
+    ports.Names = {"Synth", "Cable"};
+    form.Show();
+    form.ComboMidiOutClick(2);
+    form.Show();
+    EXPECT_EQ(form.ComboMidiOutIndex, 2);
 }
 
 TEST_F(MidiSetupTest, ExitHidesTheFormAndKeepsTheChoice)
