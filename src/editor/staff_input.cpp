@@ -320,15 +320,15 @@ void Editor::CommitNote()
 
 void Editor::ChordKey(char character)
 {
-    NoteRecord& note = Current();
     if (character == kKeyEnter) {
         form.CursorY = form.SavedCursorY;
-        form.CursorX = note.XPos;
+        form.CursorX = Current().XPos;
         if (form.MeasEnd < tune.CurNote)
             form.MeasEnd = tune.CurNote;
         form.InputMode = kFretMode;
         view.RedrawMeasure();
     } else if (character == kKeyBackspace) {
+        NoteRecord& note = Current();
         if (note.ChordText.empty())
             return;
         note.ChordText.pop_back();
@@ -337,7 +337,7 @@ void Editor::ChordKey(char character)
         form.CursorX = note.XPos + 10 * Length(note.ChordText);
     } else if (character >= 32 && character <= 126) {
         view.StaffBox.PrintLineAt(form.CursorX, 12, {&character, 1});
-        note.ChordText += character;
+        Current().ChordText += character;
         form.CursorX += 10;
     }
 }

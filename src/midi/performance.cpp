@@ -233,11 +233,9 @@ void Performance::SkipToCoda()
 /// False when the table ends before another head comes. What stands above LastNote counts too.
 bool Performance::NextMeasureHead()
 {
-    while (tune.CurNote < kLastRecord) {
-        ++tune.CurNote;
+    while (++tune.CurNote <= kLastRecord)
         if (Record().IsHead())
             return true;
-    }
     return false;
 }
 

@@ -266,10 +266,10 @@ void MainWin::ShowTune(std::string bytes)
         platform.system.SetWaitCursor(true);
         ItemReader reader(std::move(bytes));
         ReadTune(reader, tune);
-        FontsFromHeader();
     } catch (const Fault&) {
         IncompatibleFile();
     }
+    FontsFromHeader();
     form.EntryState = kReviewState;
     tune.CurMeas = 0;
     tune.CurNote = 0;
@@ -302,8 +302,8 @@ void MainWin::IncompatibleFile()
 {
     platform.system.SetWaitCursor(false);
     platform.dialogs.Message(Icon::Stop, "", kIncompatible);
-    ResetTuneState(tune.NumStrings * 10 + 24);
     view.ClearStaff();
+    ResetTuneState(tune.NumStrings * 10 + 24);
     editor.SetToolbarValue(7);
     throw Fault(Error::ObjectRequired);
 }

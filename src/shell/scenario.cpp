@@ -64,7 +64,11 @@ const char* OnOff(bool on)
 
 bool IsFunctionKey(std::string_view name)
 {
-    return name.size() >= 2 && name[0] == 'F' && name[1] >= '1' && name[1] <= '9';
+    if (!name.starts_with('F'))
+        return false;
+    int number = 0;
+    const char* end = name.data() + name.size();
+    return std::from_chars(name.data() + 1, end, number).ptr == end && number >= 1 && number <= 12;
 }
 
 /// The first word of `rest`, which loses it.
@@ -95,14 +99,12 @@ std::optional<std::string> Answer(const std::string& rest)
 /// As Quoted, with line ends as \r and \n.
 std::string QuotedBoxText(std::string_view text)
 {
-    std::string quoted = Quoted(text);
-    for (const auto& [hex, letter] : {
-             std::pair{"\\x0d", "\\r"},
-             std::pair{"\\x0a", "\\n"}
-    })
-        for (std::size_t at = 0; (at = quoted.find(hex, at)) != std::string::npos; at += 2)
-            quoted.replace(at, 4, letter);
-    return quoted;
+    std::string quoted = "\"";
+    for (char c : text) {
+        const std::string one = Quoted({&c, 1});
+        quoted += c == '\r' ? "\\r" : c == '\n' ? "\\n" : one.substr(1, one.size() - 2);
+    }
+    return quoted + '"';
 }
 
 }  // namespace
@@ -201,17 +203,35 @@ bool Scenario::RunMenu(std::string_view name)
     const MenuEntry* entry = FindMenuEntry(name);
     if (!entry)
         return false;
-    if (IsEnabled(*entry, win)) {
-        entry->Run(win);
-        copyBoxCaret = 0;
-    }
+    RunEntry(*entry);
     return true;
+}
+
+void Scenario::RunEntry(const MenuEntry& entry)
+{
+    if (!IsEnabled(entry, win))
+        return;
+    entry.Run(win);
+    if (entry.Name == std::string_view("mnuCopy"))
+        copyBoxCaret = 0;
+}
+
+bool Scenario::InCopyBox() const
+{
+    return win.form.Focus == Control::Text1 || win.form.Focus == Control::Text2;
 }
 
 bool Scenario::Press(std::string_view name)
 {
     if (name == "lblMeasNum") {
         win.editor.lblMeasNum();
+        return true;
+    }
+    if (name == "lblLastNote" || name == "hdbkbox")
+        return true;  // nothing answers a click
+    if (name == "cmdCopyMeasure") {
+        if (InCopyBox())
+            win.editor.cmdCopyMeasure();
         return true;
     }
     for (const ControlRow& row : kControls)
@@ -249,11 +269,9 @@ bool Scenario::PressButton(Control button)
 
 bool Scenario::PressKey(const std::string& name)
 {
-    if (const MenuEntry* entry = FindShortcut(name)) {
-        if (IsEnabled(*entry, win)) {
-            entry->Run(win);
-            copyBoxCaret = 0;
-        }
+    const MenuEntry* entry = InCopyBox() ? nullptr : FindShortcut(name);
+    if (entry) {
+        RunEntry(*entry);
         return true;
     }
     const bool onButton = win.form.Focus >= Control::cmdNext && win.form.Focus <= Control::cmdRest;

@@ -12,6 +12,8 @@
 
 namespace quillon {
 
+struct MenuEntry;
+
 class Scenario {
 public:
     /// The program has started without a command line. Tuning files lie in `programFolder`.
@@ -28,6 +30,8 @@ public:
 private:
     bool Run(std::string_view command, const std::string& rest);
     bool RunMenu(std::string_view name);
+    void RunEntry(const MenuEntry& entry);
+    bool InCopyBox() const;
     bool Press(std::string_view name);
     bool PressKey(const std::string& name);
     bool PressButton(Control button);

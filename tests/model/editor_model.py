@@ -116,6 +116,11 @@ class ScenarioPlayer:
         name = rest.strip()
         if name == "lblMeasNum":
             self.editor.lblMeasNum_click()
+        elif name in ("lblLastNote", "hdbkbox"):
+            pass
+        elif name == "cmdCopyMeasure":
+            if self.editor.focus in ("Text1", "Text2"):
+                self.editor.cmdCopyMeasure()
         elif name in BUTTONS:
             self.press_button(name)
         else:
@@ -141,7 +146,7 @@ class ScenarioPlayer:
 
     def do_key(self, rest):
         key = rest.strip()
-        if key in SHORTCUTS:
+        if key in SHORTCUTS and self.editor.focus not in ("Text1", "Text2"):
             self.run_menu(SHORTCUTS[key])
         elif self.editor.focus in BUTTONS:
             if key in ("Enter", "Space"):
@@ -234,7 +239,8 @@ def record_line(index, record):
 
 
 def box_text(text):
-    return quoted(text).replace("\\x0d", "\\r").replace("\\x0a", "\\n")
+    letters = {"\r": "\\r", "\n": "\\n"}
+    return '"' + "".join(letters.get(c) or quoted(c)[1:-1] for c in text) + '"'
 
 
 def script_lines(data):

@@ -224,8 +224,8 @@ class StaffInput:
             self.CursorX += width * 6
 
     def ChordKey(self, character):
-        note = self.note()
         if character == ENTER:
+            note = self.note()
             self.CursorY = self.SavedCursorY
             self.CursorX = note.XPos
             if self.MeasEnd < self.CurNote:
@@ -233,6 +233,7 @@ class StaffInput:
             self.InputMode = FRET_ENTRY
             self.redraw()
         elif character == BACKSPACE:
+            note = self.note()
             if note.ChordText:
                 note.ChordText = note.ChordText[:-1]
                 self.redraw()
@@ -240,7 +241,7 @@ class StaffInput:
                 self.CursorX = note.XPos + 10 * len(note.ChordText)
         elif " " <= character <= "~":
             self.surface.text_at(self.CursorX, 12, character)
-            note.ChordText += character
+            self.note().ChordText += character
             self.CursorX += 10
 
     def HandKey(self, character):
