@@ -10,8 +10,8 @@ std::string JobName(const Tune& tune)
     return tune.FileName.substr(tune.FileName.find_last_of('/') + 1);
 }
 
-// In single precision, as the margins themselves: .8 inches are 1152 twips, not a little more, which
-// could move a line to the next page.
+// In single precision, as the margins themselves: .8 inches are 1152 twips, not a little more,
+// which could move a line to the next page.
 float Twips(float inches)
 {
     return inches * static_cast<float>(kTwipsPerInch);

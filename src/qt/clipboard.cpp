@@ -11,8 +11,7 @@
 
 namespace quillon {
 
-void QtClipboard::SetPicture(const Drawing& page, const PagePart& part, double width,
-                             double height)
+void QtClipboard::SetPicture(const Drawing& page, const PagePart& part, double width, double height)
 {
     QGuiApplication::clipboard()->clear();
     // As sharp as the page is on the screen.
