@@ -191,6 +191,14 @@ class Desktop:
         self._hit(X.ButtonRelease, 1)
         self.display.sync()
 
+    def turn_wheel(self, x, y, notches):
+        """Towards the person, over that place."""
+        self._hit(X.MotionNotify, x=x, y=y)
+        for _ in range(notches):
+            self._hit(X.ButtonPress, 5)
+            self._hit(X.ButtonRelease, 5)
+        self.display.sync()
+
     # Windows
 
     def windows(self, pid):

@@ -1,0 +1,43 @@
+#!/bin/bash
+# Runs the fuzzers, as many at a time as there are processors:
+#
+#   tests/fuzz/fuzz.sh FOLDER [SECONDS [NAME...]]
+#
+# Each gets SECONDS, 60 unless told otherwise; without a NAME all run. What a fuzzer learns is kept
+# in FOLDER/NAME, where its next run begins. An input that shows a fault is kept in FOLDER/faults,
+# and the exit status is 1.
+set -eu
+root=$(cd -- "$(dirname -- "$0")/../.." && pwd)
+[ $# -gt 0 ] || { sed -n '2,8s/^# \?//p' "$0" && exit 2; }
+mkdir -p "$1/faults"
+folder=$(cd -- "$1" && pwd)
+seconds=${2:-60}
+export folder seconds
+cd "$root"
+
+run() {  # name
+    local dictionary=
+    mkdir -p "$folder/$1"
+    case $1 in
+    tune_fuzzer)
+        cp -n examples/*.gui examples/*.bjo examples/*.bss "$folder/$1"
+        ;;
+    scenario_fuzzer)
+        cp -n tests/scenarios/*.scn "$folder/$1"
+        dictionary=-dict=tests/fuzz/scenario.dict
+        ;;
+    esac
+    "build/fuzz/bin/$1" -max_total_time="$seconds" -max_len=16384 -timeout=10 $dictionary \
+        -artifact_prefix="$folder/faults/$1-" "$folder/$1"
+}
+export -f run
+
+names=("${@:3}")
+[ ${#names[@]} -gt 0 ] || mapfile -t names < <(basename -s .cpp tests/fuzz/*_fuzzer.cpp)
+[ -f build/fuzz/build.ninja ] || cmake --preset fuzz
+ninja -C build/fuzz "${names[@]}"
+if ! printf '%s\n' "${names[@]}" | xargs -P "$(nproc)" -I {} bash -c 'run {}'; then
+    echo "To see a fault again: build/fuzz/bin/NAME FILE. The files:"
+    ls -d "$folder"/faults/*
+    exit 1
+fi
