@@ -144,7 +144,7 @@ std::string RescueCopy::Keep()
     const std::string before = path;
     Refresh();
     if (win.form.Saved == 0 && behind) {
-        const std::string elsewhere = KeepElsewhere();
+        std::string elsewhere = KeepElsewhere();
         if (!elsewhere.empty())
             return elsewhere;
     }
