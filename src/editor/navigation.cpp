@@ -23,7 +23,7 @@ void Editor::Activate()
 
 void Editor::SetToolbarValue(int code)
 {
-    form.Toolbar1 = code >= 1 && code <= 11 ? code : 0;
+    form.Toolbar1 = IsNoteValue(code) ? code : 0;
 }
 
 /// Finds the measure CurMeas. One that is not there leaves MeasHead and MeasEnd as they were.
@@ -274,7 +274,7 @@ void Editor::Toolbar1(int button)
     form.CurValue = button;
     SetToolbarValue(button);
     NoteRecord& note = Current();
-    if (note.NoteCode < 12)
+    if (note.NoteCode <= kNoteValues)
         note.NoteCode = form.CurValue;
     else if (note.NoteCode >= 92 && note.NoteCode <= 99)
         note.NoteCode = RestCodeOf(form.CurValue);

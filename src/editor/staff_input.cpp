@@ -3,6 +3,7 @@
 #include "editor/editor.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace quillon {
 
@@ -11,7 +12,7 @@ namespace {
 /// The characters that go into a string's slot.
 constexpr std::string_view kFretCharacters = "0123456789-><xX^/()=";
 
-/// What the value keys make of CurValue 1..11 (0 stands for no value).
+/// What the value keys make of CurValue (0 stands for no value).
 struct ValueKeyRow {
     int plus;
     int dot;
@@ -32,6 +33,7 @@ constexpr ValueKeyRow kValueKeys[] = {
     {7, 8, 10},
     {7, 8, 11},
 };
+static_assert(std::size(kValueKeys) == kNoteValues + 1);
 
 int Length(const std::string& text)
 {
@@ -227,8 +229,7 @@ void Editor::FretKey(char character)
         EnterFret(character);
         return;
     }
-    const bool known = form.CurValue >= 1 && form.CurValue <= 11;
-    const ValueKeyRow row = known ? kValueKeys[form.CurValue] : ValueKeyRow{};
+    const ValueKeyRow row = IsNoteValue(form.CurValue) ? kValueKeys[form.CurValue] : ValueKeyRow{};
     switch (character) {
     case '+':
         SelectValue(row.plus);

@@ -66,13 +66,13 @@ std::optional<int> PrintTune(const Tune& tune, PageSettings& page, const TextMet
 {
     std::optional<int> tooWideMeasure;
     try {
-        const std::optional<int> copies = printer.ShowDialog();
+        const std::optional<int> copies = printer.ShowDialog(JobName(tune));
         if (!copies)
             return std::nullopt;
         for (int copy = 0; copy < *copies; ++copy) {
             const PrintedTune printed =
                 RunPrintPass(tune, page, metrics, printer.Width(), printer.Height());
-            printer.Print(printed.Pages, JobName(tune));
+            printer.Print(printed.Pages);
             tooWideMeasure = printed.TooWideMeasure;
         }
         printer.SetCopies(1);

@@ -14,8 +14,9 @@ class Printer {
 public:
     virtual ~Printer() = default;
 
-    /// Shows the print dialog and returns the copies asked for, nothing if it was cancelled.
-    virtual std::optional<int> ShowDialog() = 0;
+    /// Shows the print dialog for jobs of that name and returns the copies asked for, nothing if
+    /// it was cancelled.
+    virtual std::optional<int> ShowDialog(const std::string& jobName) = 0;
 
     /// What the dialog offers the next time.
     virtual void SetCopies(int copies) = 0;
@@ -25,7 +26,7 @@ public:
     virtual double Height() const = 0;
 
     /// Prints the pages, drawn in twips, as one job.
-    virtual void Print(const std::vector<Drawing>& pages, const std::string& jobName) = 0;
+    virtual void Print(const std::vector<Drawing>& pages) = 0;
 };
 
 }  // namespace quillon

@@ -65,6 +65,16 @@ private:
     void closeEvent(QCloseEvent* event) override { event->ignore(); }
 };
 
+/// Asked here, as a desktop's own dialog asks before the extension is added, about another file.
+bool MayReplace(QWidget* owner, const QString& path)
+{
+    const QFileInfo file(path);
+    return !file.exists() ||
+           QMessageBox::warning(
+               owner, "Save As", file.fileName() + " already exists.\nDo you want to replace it?",
+               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+}
+
 }  // namespace
 
 void QtDialogs::Message(Icon icon, const std::string& title, const std::string& text)
@@ -106,7 +116,7 @@ QString FileFilters(const QString& filter)
     for (qsizetype i = 0; i < parts.size(); i += 2) {
         const bool bare = i + 1 == parts.size();
         const QString pattern = bare ? "*." + parts[i] : parts[i + 1];
-        const QString label = bare ? parts[i].toUpper() : QString(parts[i]).remove(shownPattern);
+        const QString label = bare ? parts[i].toUpper() + " Files" : QString(parts[i]).remove(shownPattern);
         filters += label + " (" + (pattern == "*.*" ? "*" : pattern) + ')';
     }
     return filters.join(";;");
@@ -145,9 +155,13 @@ std::optional<std::string> QtDialogs::SaveFile(const std::string& initialName,
     QFileDialog dialog(owner, "Save As", folder, FileFilters(ToUnicode(filter)));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(ToUnicode(defaultExtension));
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (!initialName.empty())
         dialog.selectFile(initial.fileName());
-    return RunFileDialog(dialog);
+    std::optional<std::string> path = RunFileDialog(dialog);
+    while (path && !MayReplace(owner, PathFromBytes(*path)))
+        path = RunFileDialog(dialog);
+    return path;
 }
 
 std::optional<FontChoice> QtDialogs::ChooseFont(const FontChoice& current)
@@ -157,7 +171,9 @@ std::optional<FontChoice> QtDialogs::ChooseFont(const FontChoice& current)
     QFont font(ToUnicode(current.Name));
     font.setPointSizeF(current.Size > 0 ? double{current.Size} : 1.0);
     bool accepted = false;
-    font = QFontDialog::getFont(&accepted, font, owner);
+    // Some desktops' own dialogs lose the font and the size that they are given.
+    font = QFontDialog::getFont(&accepted, font, owner, QString(),
+                                QFontDialog::DontUseNativeDialog);
     if (!accepted)
         return {};
     return FontChoice{FromUnicode(font.family()), static_cast<float>(font.pointSizeF())};

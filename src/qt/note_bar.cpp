@@ -1,5 +1,7 @@
 #include "qt/note_bar.h"
 
+#include "store/note_table.h"
+
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -8,6 +10,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <iterator>
 
 namespace quillon {
 
@@ -37,6 +40,7 @@ constexpr NoteSign kNoteSigns[] = {
     {"Dotted half",       nullptr,              0, true,  false, true,  false},
     {"Whole",             nullptr,              0, false, false, false, false},
 };
+static_assert(std::size(kNoteSigns) == kNoteValues);
 
 /// Draws the sign in a field of 24 x 32 units.
 void PaintSign(QPainter& painter, const NoteSign& sign, const QColor& color)

@@ -34,10 +34,11 @@ QPrinter& QtPrinter::Device() const
     return *device;
 }
 
-std::optional<int> QtPrinter::ShowDialog()
+std::optional<int> QtPrinter::ShowDialog(const std::string& jobName)
 {
     runner.ShowForm();
     Device().setCopyCount(copies);
+    Device().setDocName(BoxText(jobName));  // names the file too, if it is printed to one
     QPrintDialog dialog(&Device(), QApplication::activeWindow());
     dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
     if (dialog.exec() != QDialog::Accepted)
@@ -58,9 +59,8 @@ double QtPrinter::Height() const
     return Device().pageLayout().fullRectPoints().height() * kTwips;
 }
 
-void QtPrinter::Print(const std::vector<Drawing>& pages, const std::string& jobName)
+void QtPrinter::Print(const std::vector<Drawing>& pages)
 {
-    Device().setDocName(BoxText(jobName));
     QPainter painter;
     if (!painter.begin(&Device()))
         throw Fault(Error::PathFileAccess);

@@ -16,13 +16,13 @@ public:
     explicit QtPrinter(Runner& theRunner);
     ~QtPrinter() override;
 
-    std::optional<int> ShowDialog() override;
+    std::optional<int> ShowDialog(const std::string& jobName) override;
     void SetCopies(int count) override { copies = count; }
     double Width() const override;
     double Height() const override;
 
     /// A printer or file that refuses the job is a path/file-access Fault.
-    void Print(const std::vector<Drawing>& pages, const std::string& jobName) override;
+    void Print(const std::vector<Drawing>& pages) override;
 
 private:
     QPrinter& Device() const;

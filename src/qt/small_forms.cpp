@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kSplashMilliseconds = 5000;
 
-/// What the greeting says of the rescue copies that earlier runs have left. "" without any.
+/// What the greeting says of the rescue copies that other runs have made. "" without any.
 QString AboutRescueCopies()
 {
     constexpr std::size_t kMostNamed = 3;
@@ -29,7 +29,7 @@ QString AboutRescueCopies()
     const std::vector<std::string> copies = RescueCopiesIn(folder);
     if (copies.empty())
         return {};
-    QString text = "\n\nUnsaved work of an earlier run lies in " + PathFromBytes(folder) + ':';
+    QString text = "\n\nUnsaved work of another run lies in " + PathFromBytes(folder) + ':';
     const std::size_t named = std::min(copies.size(), kMostNamed);
     for (std::size_t i = copies.size(); i > copies.size() - named; --i)
         text += '\n' + PathFromBytes(copies[i - 1]);
@@ -67,16 +67,19 @@ void SignPicture::paintEvent(QPaintEvent*)
     font.setBold(true);
     painter.setFont(font);
     painter.setPen(Qt::black);
+    constexpr int kMargin = 44;
+    const int step = (width() - 2 * kMargin) / 6;
     int note = 0;
     for (const char* figure : kFigures) {
-        const int x = 44 + 38 * note;
+        const int x = kMargin + step * note;
         const int string = note < 4 ? 4 - note : note - 2;
         painter.drawText(QRect(x - 12, kTop + kGap * string - 10, 24, 20), Qt::AlignCenter, figure);
         painter.fillRect(x, kTop + 5 * kGap + 8, 1, 18, Qt::black);
         ++note;
     }
-    painter.fillRect(44, kTop + 5 * kGap + 23, 3 * 38 + 1, 3, Qt::black);
-    painter.fillRect(44 + 4 * 38, kTop + 5 * kGap + 23, 2 * 38 + 1, 3, Qt::black);
+    const int beam = kTop + 5 * kGap + 23;
+    painter.fillRect(kMargin, beam, 3 * step + 1, 3, Qt::black);
+    painter.fillRect(kMargin + 4 * step, beam, 2 * step + 1, 3, Qt::black);
 }
 
 SplashForm::SplashForm(QWidget* mainWindow) : QWidget(mainWindow)

@@ -17,7 +17,7 @@ namespace quillon {
 /// the bytes of a tune file. A table that overflowed gives more records than can be opened.
 std::string RescueBytes(const MainWin& win);
 
-/// The rescue copies of earlier runs that lie in a folder, as file names.
+/// The rescue copies that lie in a folder, as file names.
 std::vector<std::string> RescueCopiesIn(const std::string& folder);
 
 class RescueCopy {

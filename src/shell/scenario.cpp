@@ -154,7 +154,7 @@ bool Scenario::Run(std::string_view command, const std::string& text)
         return PressKey(TakeWord(rest));
     if (command == "toolbar") {
         const auto button = TakeNumber(rest);
-        if (!button || *button < 1 || *button > 11)
+        if (!button || *button < 1 || *button > kNoteValues)
             return false;
         win.editor.Toolbar1(static_cast<int>(*button));
     } else if (command == "click") {

@@ -77,11 +77,11 @@ private:
 
 class NoPrinter : public Printer {
 public:
-    std::optional<int> ShowDialog() override { return std::nullopt; }
+    std::optional<int> ShowDialog(const std::string&) override { return std::nullopt; }
     void SetCopies(int) override {}
     double Width() const override { return 12240; }
     double Height() const override { return 15840; }
-    void Print(const std::vector<Drawing>&, const std::string&) override {}
+    void Print(const std::vector<Drawing>&) override {}
 };
 
 class NoClipboard : public Clipboard {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace quillon {
 
@@ -20,6 +21,7 @@ constexpr const char* kValueNames[] = {
     "dotted half",
     "whole",
 };
+static_assert(std::size(kValueNames) == kNoteValues);
 
 constexpr int kFirstRest = 92;
 constexpr int kLastRest = 99;
@@ -62,7 +64,7 @@ std::string SpokenValue(const NoteRecord& record, const MainForm& form, bool fre
 
 const char* ValueName(int button)
 {
-    return button >= 1 && button <= 11 ? kValueNames[button - 1] : "";
+    return IsNoteValue(button) ? kValueNames[button - 1] : "";
 }
 
 std::string SpokenCursor(const Tune& tune, const MainForm& form)

@@ -1,6 +1,7 @@
 #include "store/note_table.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace quillon {
 
@@ -36,6 +37,7 @@ constexpr CodeRow kCodes[] = {
 };
 
 constexpr int kRestCodes[] = {0, 94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
+static_assert(std::size(kRestCodes) == kNoteValues + 1);
 
 constexpr CodeRow kNoRow{};
 
@@ -96,7 +98,7 @@ int SpacingOf(int noteCode)
 
 int RestCodeOf(int value)
 {
-    return value < 1 || value > 11 ? 0 : kRestCodes[value];
+    return IsNoteValue(value) ? kRestCodes[value] : 0;
 }
 
 int ValueOf(int noteCode)

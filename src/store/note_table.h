@@ -20,6 +20,7 @@ constexpr int kLastRecord = 1500;  // highest index of the table
 constexpr int kStringSlots = 6;    // slots of a record, whatever the instrument
 constexpr int kHead = 999;         // NoteCode of a measure's head record
 constexpr int kTicksPerQuarter = 12;
+constexpr int kNoteValues = 11;  // note codes, and buttons of Toolbar1: 1..11
 
 /// One record. What the fields mean depends on the kind of record:
 ///
@@ -99,13 +100,18 @@ private:
     std::vector<NoteRecord> records;
 };
 
+constexpr bool IsNoteValue(int value)
+{
+    return value >= 1 && value <= kNoteValues;
+}
+
 /// Ticks of a note or rest code, quarter = 12; 0 for any other code.
 int TicksOf(int noteCode);
 
 /// Width that the measure view gives a note or rest code, in units of 6 points; 0 for others.
 int SpacingOf(int noteCode);
 
-/// The rest that is entered with button `value` (1..11) of Toolbar1; 0 for others. Dotted values
+/// The rest that is entered with button `value` of Toolbar1; 0 for others. Dotted values
 /// give the plain rest: there are no dotted rests.
 int RestCodeOf(int value);
 

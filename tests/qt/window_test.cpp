@@ -374,7 +374,7 @@ private slots:
     {
         QCOMPARE(FileFilters("Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*"),
                  QString("Guitar Files (*.gui);;All Files (*)"));
-        QCOMPARE(FileFilters("gui"), QString("GUI (*.gui)"));
+        QCOMPARE(FileFilters("gui"), QString("GUI Files (*.gui)"));
     }
 
     void SaveQuestionWantsAnAnswer()

@@ -123,8 +123,9 @@ public:
     std::vector<std::vector<Drawing>> Jobs;
     std::vector<std::string> JobNames;
 
-    std::optional<int> ShowDialog() override
+    std::optional<int> ShowDialog(const std::string& jobName) override
     {
+        JobNames.push_back(jobName);
         if (Copies.empty())
             return std::nullopt;
         const std::optional<int> answer = Copies.front();
@@ -136,11 +137,7 @@ public:
     double Width() const override { return PaperWidth; }
     double Height() const override { return PaperHeight; }
 
-    void Print(const std::vector<Drawing>& pages, const std::string& jobName) override
-    {
-        Jobs.push_back(pages);
-        JobNames.push_back(jobName);
-    }
+    void Print(const std::vector<Drawing>& pages) override { Jobs.push_back(pages); }
 };
 
 class FakeClipboard : public Clipboard {
