@@ -58,7 +58,7 @@ void SignPicture::paintEvent(QPaintEvent*)
     painter.setPen(QPen(QColor(0x8c, 0x8c, 0x8c), 1));
     painter.setRenderHint(QPainter::Antialiasing, false);
     for (int line = 0; line < 6; ++line)
-        painter.drawLine(20, kTop + kGap * line, width() - 20, kTop + kGap * line);
+        painter.drawLine(20, kTop + kGap * line, width() - 21, kTop + kGap * line);
     painter.fillRect(20, kTop, 2, 5 * kGap + 1, Qt::black);
     painter.fillRect(width() - 24, kTop, 4, 5 * kGap + 1, Qt::black);
     painter.fillRect(width() - 29, kTop, 2, 5 * kGap + 1, Qt::black);
