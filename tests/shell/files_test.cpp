@@ -154,8 +154,15 @@ TEST_F(Files, ATuneShownOnceIsSavedByteForByteAsItWasOpened)
 
 TEST_F(Files, ABanjoFileOpenedInGuitarModeLoadsUnchanged)
 {
-    const std::string path = WriteTune("tune.bjo", 2);
+    Tune tune;
+    AddFullMeasures(tune, 2);
+    tune[0].ChordText = "Reel";
+    tune[8].Slot(5) = "0";
+    tune[9].LeftHand = 'T';
+    const std::string path = folder.Path("tune.bjo");
+    WriteFileBytes(path, TuneBytes(tune));
     Open(path);
+    EXPECT_EQ(Table(), TableText(tune));
     EXPECT_EQ(win.tune.NumStrings, 6);
     EXPECT_EQ(win.tune.LastMeas, 2);
     EXPECT_EQ(win.form.Caption, "LYRANO Tablature Editor for Guitar");
@@ -198,11 +205,18 @@ TEST_F(Files, AQuotedTextWhereANumberIsDueReadsAs0AndTheLoadGoesOn)
 {
     const std::string path = WriteTune("tune.gui", 2);
     std::string bytes = ReadFileBytes(path);
-    bytes.replace(bytes.find("1,7,48"), 6, "1,7,\"48\"");
-    bytes.replace(bytes.rfind("0,4,4,4"), 7, "\"0\",4,4,4");
+    // Of measure 2, which is not shown yet, so that nothing is derived anew.
+    bytes.replace(bytes.find("2,7,48"), 6, "2,7,\"48\"");
+    bytes.replace(bytes.rfind("0,4,4,4"), 7, "0,4,\"4\",4");
     WriteFileBytes(path, bytes);
     Open(path);
     EXPECT_EQ(win.tune.LastNote, 10);
+    EXPECT_EQ(win.tune[7].XPos, 0);
+    EXPECT_EQ(win.tune[7].Slot(2), "2");
+    EXPECT_EQ(win.tune[8].XPos, 72);
+    EXPECT_EQ(win.tune[10].BeatUnit, 4);
+    EXPECT_EQ(win.tune[10].Beats, 0);
+    EXPECT_EQ(win.tune[10].Spacing, 4);
     EXPECT_TRUE(dialogs.Shown.empty());
 }
 
@@ -381,6 +395,19 @@ TEST_F(Files, FontsComeFromTheHeaderWhereItHasThem)
     Open(WriteTune("plain.gui", 1));
     EXPECT_EQ(win.page.BodyFontName, "Times") << "an empty field leaves what is in force";
     EXPECT_EQ(win.page.TitleFontSize, 28);
+}
+
+TEST_F(Files, ABodySizeInTheHeaderBeyondASingleIsAnOverflowWithoutTheIncompatibleBox)
+{
+    for (const char* size : {"1e39", "1e999", "-1e39", "4e38"}) {
+        Tune tune;
+        AddFullMeasures(tune, 1);
+        tune[0].Slot(5) = size;
+        WriteFileBytes("a.gui", TuneBytes(tune));
+        EXPECT_FAULT(Open("a.gui"), Overflow);
+        EXPECT_TRUE(dialogs.Shown.empty()) << size;
+        EXPECT_EQ(win.tune.LastNote, 5) << "the tune has been read";
+    }
 }
 
 TEST_F(Files, AFontThatCannotBeSetFallsBackToArialWithoutAMessage)

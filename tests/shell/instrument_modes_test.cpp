@@ -44,6 +44,34 @@ TEST_F(InstrumentModes, AChangeDisablesSaveForgetsTheNameAndEmptiesThePages)
     EXPECT_EQ(win.form.Saved, 1);
 }
 
+TEST_F(InstrumentModes, ATuningFileIsMadeWhenItsInstrumentIsFirstChosen)
+{
+    const auto has = [&](const char* name) { return std::filesystem::exists(folder.Path(name)); };
+    EXPECT_TRUE(has("Strings6.tun"));
+    EXPECT_FALSE(has("Strings5.tun") || has("Strings4.tun"));
+    settings.Written.clear();
+    win.mnuBanjo();
+    EXPECT_EQ(ReadFileBytes(folder.Path("Strings5.tun")),
+              "\"G Tuning\",62,59,55,50,67\r\n\"C Tuning\",62,59,55,48,67\r\n"
+              "\"D Tuning\",62,57,54,50,66\r\n");
+    EXPECT_EQ(win.tunings.CurTuning[0], 62);
+    EXPECT_EQ(settings.Get("Prefs", "NumStrings", ""), "5");
+    EXPECT_FALSE(has("Strings4.tun"));
+    win.mnuMandolin();
+    EXPECT_TRUE(has("Strings4.tun"));
+    EXPECT_EQ(win.tunings.CurTuning[0], 76);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
+TEST_F(InstrumentModes, ATuningFileThatHasGoneIsMadeAgainWhenItsFormIsOpened)
+{
+    std::filesystem::remove(folder.Path("Strings6.tun"));
+    win.mnuTuning();
+    EXPECT_TRUE(ReadFileBytes(folder.Path("Strings6.tun")).starts_with("\"Standard\",64,59,"));
+    EXPECT_EQ(win.tuningForms[0].Combo1.size(), 4U);
+    EXPECT_TRUE(dialogs.Shown.empty());
+}
+
 TEST_F(InstrumentModes, AChangeWithADamagedTuningFileLeavesTheDefaultRowsAndTheSettingWritten)
 {
     WriteFileBytes(folder.Path("Strings5.tun"), "\"Broken\",1,2\r\n");

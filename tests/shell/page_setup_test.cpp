@@ -60,6 +60,20 @@ TEST_F(PageSetupTest, ATitleFontOfSize14AndAHalfStaysWhileTheHeaderHasAWholeNumb
     EXPECT_EQ(setup.lblTitleFontSize, "14.5");
 }
 
+TEST_F(PageSetupTest, ATitleFontOfSize14AndAHalfComesBackAs14)
+{
+    Type("3\r");
+    PageSetup setup = OpenForm();
+    dialogs.Fonts.push_back(FontChoice{"Serif", 14.5F});
+    setup.cmdTitleFont();
+    setup.cmdPgExit();
+    SaveAs(folder.Path("air.gui"));
+    EXPECT_EQ(win.page.TitleFontSize, 14.5F) << "saving leaves it";
+    Open(folder.Path("air.gui"));
+    EXPECT_EQ(win.page.TitleFontSize, 14);
+    EXPECT_EQ(win.page.TitleFontName, "Serif");
+}
+
 TEST_F(PageSetupTest, ACancelledFontDialogChangesNothing)
 {
     PageSetup setup = OpenForm();
