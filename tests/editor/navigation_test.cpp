@@ -14,6 +14,21 @@ TEST_F(Navigation, NextInAnEmptyOpenMeasureOnlyKeepsTheFocus)
     EXPECT_EQ(form.Focus, Control::StaffBox);
 }
 
+TEST_F(Navigation, TheButtonInAnEmptyOpenMeasureGivesTheFocusBackToStaffBox)
+{
+    const std::string state = State(), table = Table();
+    editor.SetFocus(Control::cmdNext);
+    form.Timer1Enabled = false;
+    const unsigned before = view.StaffBox.Picture().Revision();
+    editor.cmdNext();
+    EXPECT_NE(view.StaffBox.Picture().Revision(), before) << "redrawn as it gets the focus";
+    EXPECT_EQ(Log(), "clear\ntext 2 36 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
+                     "text 2 56 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
+                     "line 350 36 350 76 w=1\n");
+    EXPECT_EQ(State(), state) << "with the focus and Timer1 on";
+    EXPECT_EQ(Table(), table);
+}
+
 TEST_F(Navigation, NextAfterAFullMeasureOpensANewOneBehindItsLastNote)
 {
     Type("1\r1\r1\r1\r\r");
@@ -87,6 +102,39 @@ TEST_F(Navigation, NextInReviewStateOnAMeasureThatStartsWithARestLeavesCursorYAt
     AddMeasure(tune);
     AddNote(tune, 99);
     Show();
+    EXPECT_EQ(form.CursorY, 54);
+}
+
+TEST_F(Navigation, NextInReviewStateStepsOntoARestWithCursorYAt54)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddNote(tune, 93);
+    Show();
+    EXPECT_EQ(form.CursorY, StringY(2));
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.CursorY, 54);
+}
+
+TEST_F(Navigation, NextAfterOkStepsOntoARestWithCursorYAt54)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddNote(tune, 93);
+    Show();
+    form.EntryState = kEditState;
+    editor.mnuInsMeas();
+    Type("3\r");
+    editor.cmdNext();
+    EXPECT_EQ(form.CursorY, StringY(2)) << "left as it was by OK";
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.CursorY, StringY(2));
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 3);
     EXPECT_EQ(form.CursorY, 54);
 }
 

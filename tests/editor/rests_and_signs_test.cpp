@@ -47,6 +47,23 @@ TEST_F(RestsAndSigns, TheRestOfADottedQuarterIs99With12TicksSoTheMeasureStaysSho
     EXPECT_EQ(form.MeasFill, 48) << "18 + 12 + 18";
 }
 
+TEST_F(RestsAndSigns, TheRestOfADottedQuarterDoesNotFill38)
+{
+    Click(5, 60);
+    ASSERT_EQ(tune[1].Beats, 3);
+    Type(".");
+    ASSERT_EQ(form.CurValue, 8);
+    editor.mnuRest();
+    EXPECT_EQ(tune[2].NoteCode, 99);
+    EXPECT_EQ(form.MeasCapacity, 18);
+    EXPECT_EQ(form.MeasFill, 12);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune.LastNote, 2);
+    EXPECT_EQ(form.CursorX, 72);
+    EXPECT_TRUE(form.Timer1Enabled);
+}
+
 TEST_F(RestsAndSigns, EveryValueHasItsRest)
 {
     const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
@@ -165,6 +182,17 @@ TEST_F(RestsAndSigns, BarsAreDrawnAtOnceWithoutARedraw)
     editor.mnuRptSign();
     EXPECT_EQ(Drawn(plain), "line 144 36 144 76 w=3\nline 141 36 141 76 w=1\n"
                             "circle 137 47 2 w=1 fill=solid\ncircle 137 67 2 w=1 fill=solid\n");
+}
+
+TEST_F(RestsAndSigns, TheCaretIsTakenOffThoughABarSignWasDrawnMeanwhile)
+{
+    ShowFullMeasures(2);
+    editor.Timer1();
+    EXPECT_NE(Log().find("mode=xor"), std::string::npos);
+    editor.mnuRptStart();  // its dots are the first that fill the surface solid
+    editor.HideCaret();
+    EXPECT_EQ(Log().find("mode=xor"), std::string::npos);
+    EXPECT_EQ(form.CaretOn, 0);
 }
 
 TEST_F(RestsAndSigns, DcOnAMeasureWithTheSignReplacesIt)

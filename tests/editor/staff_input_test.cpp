@@ -45,6 +45,43 @@ TEST_F(StaffInput, TwoStringsAtOnePositionMakeAChordInOneRecord)
     EXPECT_EQ(tune.LastNote, 2);
 }
 
+TEST_F(StaffInput, AChordIsMadeDownwardsAsWell)
+{
+    Key(kKeyUp);
+    Type("2");
+    Key(kKeyDown);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.CursorY, StringY(6));
+    Type("3");
+    Key(kKeyDown);  // wraps to the first string
+    Type("0\r");
+    EXPECT_EQ(RecordText(tune[2]),
+              "1 7 48 0 4 4 4 0 \"\" \" \" \" \" \"\" \"0\" \"\" \"\" \"\" \"2\" \"3\"");
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(tune.LastNote, 2);
+}
+
+TEST_F(StaffInput, SixteenthsAreBeamedAsTheyAreEntered)
+{
+    const auto beams = [&] {
+        std::vector<int> codes;
+        for (int i = 2; i <= tune.LastNote; ++i)
+            codes.push_back(tune[i].BeamCode);
+        return codes;
+    };
+    editor.Toolbar1(2);
+    Type("1\r");
+    EXPECT_EQ(beams(), (std::vector{1}));
+    Type("1\r");
+    EXPECT_EQ(beams(), (std::vector{0, 2}));
+    Type("1\r");
+    EXPECT_EQ(beams(), (std::vector{0, 2, 2}));
+    Type("1\r");
+    EXPECT_EQ(beams(), (std::vector{0, 2, 2, 2}));
+    Type("1\r");
+    EXPECT_EQ(beams(), (std::vector{0, 2, 2, 2, 1})) << "another beat";
+}
+
 TEST_F(StaffInput, EnterInAnEmptyPositionLeavesEverythingAsItWas)
 {
     form.Saved = 0;
@@ -452,6 +489,16 @@ TEST_F(StaffInput, AChordTextIsTypedAboveTheNoteAndEnterEndsIt)
     EXPECT_EQ(form.InputMode, kFretMode);
     EXPECT_EQ(form.CursorX, 48);
     EXPECT_EQ(form.CursorY, StringY(2));
+}
+
+TEST_F(StaffInput, ControlCharactersOfAChordAskForNoRecord)
+{
+    form.InputMode = kChordMode;
+    tune.CurNote = kLastRecord + 1;
+    Type("\x1b\t\x7f\xE9");
+    EXPECT_EQ(form.InputMode, kChordMode);
+    EXPECT_FAULT(Type("A"), SubscriptOutOfRange);
+    EXPECT_FAULT(Type("\b"), SubscriptOutOfRange);
 }
 
 TEST_F(StaffInput, ChordEntryWipesTheOldChord)
