@@ -53,6 +53,8 @@ TEST_F(BeamPassOver, TwoEighthsOnABeatIn44JoinsThemByTheMainBeam)
 TEST_F(BeamPassOver, FourSixteenthsOnABeatDrawsTwoBeamsToTheStart)
 {
     EXPECT_EQ(Common({2}), (Codes{1}));
+    EXPECT_EQ(Common({2, 2}), (Codes{0, 2})) << "the first has been changed";
+    EXPECT_EQ(Common({2, 2, 2}), (Codes{0, 2, 2}));
     EXPECT_EQ(Common({2, 2, 2, 2}), (Codes{0, 2, 2, 2}));
 }
 

@@ -107,6 +107,14 @@ TEST_F(NoteColumnsTest, ASlashStands100HigherWhereTheFontTakesEverySize)
     EXPECT_EQ(Columns().at(0), "text 970 880 size=10 font=\"Tab\" bold=0 \"/\"");
 }
 
+TEST_F(NoteColumnsTest, ASlashStands40HigherWhereTheSizeInForceIsTwoLess)
+{
+    page.BodyFontSize = 1e9F;  // two less is the same single
+    Note(7, "/", 3);
+    Note(7);
+    EXPECT_TRUE(Columns().at(0).starts_with("text 970 940 size=1000000000 font=\"Tab\" "));
+}
+
 TEST_F(NoteColumnsTest, ATripletAtTheLinesEndHasABracketThatRunsBackToTheLeft)
 {
     Note(7);

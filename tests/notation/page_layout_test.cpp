@@ -41,6 +41,18 @@ TEST_F(PageLayoutTest, ALineOf40UnitsIsSpreadBy150)
     EXPECT_TRUE(frets[1].starts_with("text 1420 "));
 }
 
+TEST_F(PageLayoutTest, AUnitIsNeverWiderThan150)
+{
+    AddQuarters(23);  // 73 units: 11040 / 73 is 151
+    const LogLines limited = Only(Screen(), "text", "\"3\"");
+    EXPECT_TRUE(limited[0].starts_with("text 970 "));
+    EXPECT_TRUE(limited[22].starts_with("text 10870 "));
+    AddNote(tune, 7, 1, "3");  // 76 units: 145
+    const LogLines spread = Only(Screen(), "text", "\"3\"");
+    EXPECT_TRUE(spread[0].starts_with("text 955 "));
+    EXPECT_TRUE(spread[23].starts_with("text 10960 "));
+}
+
 TEST_F(PageLayoutTest, ALineOf82UnitsIsSpreadBy134)
 {
     AddQuarters(26);  // 2 + 1 + 78, and one more for the last column

@@ -136,6 +136,19 @@ TEST_F(PrintPassTest, ALastLinePastTheLimitLeavesAnEmptyPage)
     EXPECT_EQ(paperPages, 2U);
 }
 
+TEST_F(PrintPassTest, ALineThatEndsAtTheLimitItselfLeavesTheNextOneOnThePage)
+{
+    for (int m = 0; m < 6; ++m)
+        AddQuarters(4).Slot(6) = "NL";
+    page.PageTop = 1.379861F;  // 1987 twips
+    page.StaveSpace = .8F;     // 1152: the fifth line starts at 1987 + 495 + 4 * 2554.5 = 12700
+    EXPECT_EQ(Only(Paper(0), "line 1080 ", " w=3").size(), 5U * 6);
+    EXPECT_EQ(Only(Paper(1), "line 1080 ", " w=3").size(), 6U);
+    EXPECT_EQ(paperPages, 2U);
+    page.StaveSpace = 1153.0F / 1440;
+    EXPECT_EQ(Only(Paper(0), "line 1080 ", " w=3").size(), 4U * 6);
+}
+
 TEST_F(PrintPassTest, AnEmptyTuneIsOneEmptyPage)
 {
     EXPECT_TRUE(Paper().empty());
