@@ -301,6 +301,21 @@ TEST_F(MidiFormTest, APlayFileIsReplacedSilently)
     EXPECT_EQ(Built().Tracks.size(), 7u);
 }
 
+TEST_F(MidiFormTest, ASecondPlayFileReplacesTheFirstSilently)
+{
+    form.Show();
+    form.cmdCreate();
+    const std::string first = ReadFileBytes(PlayFile());
+    form.cmdClear();
+    form.HSlider1Change(222);
+    form.cmdCreate();
+    EXPECT_TRUE(dialogs.Shown.empty());
+    EXPECT_EQ(Built().Division, 222);
+    EXPECT_NE(ReadFileBytes(PlayFile()), first);
+    EXPECT_EQ(player.Loaded, PlayFile());
+    EXPECT_EQ(Buttons(), "clear play loop");
+}
+
 TEST_F(MidiFormTest, AMidiFileIsReplacedOnlyOnYesEvenIfTheSystemWroteIt)
 {
     form.Show();
@@ -371,6 +386,9 @@ TEST_F(MidiFormTest, AMissingCodaIsReportedInTheTunesOwnWords)
     ASSERT_EQ(dialogs.Shown.size(), 1u);
     EXPECT_EQ(dialogs.Shown[0].Text,
               "Run-time error 9: subscript out of range\r\nNo Coda follows measure 3.");
+    EXPECT_EQ(tune.CurNote, kLastRecord + 1) << "where the search ran off the table";
+    form.Unload();
+    EXPECT_EQ(tune.CurNote, 2);
 }
 
 TEST_F(MidiFormTest, RepeatsWithoutAnEndAreReported)

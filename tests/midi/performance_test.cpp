@@ -123,6 +123,20 @@ TEST_F(PerformanceTest, ARestIsSilenceOnEveryTrack)
                                       std::to_string(sound.OpenPitch[s - 1]) + " 100");
 }
 
+TEST_F(PerformanceTest, ARestWritesNothingOnAnyTrack)
+{
+    AddMeasure(tune);
+    for (const char* cell : {"0", "2"}) {
+        AddNote(tune, 99);
+        AddNote(tune, 7, 1, cell);
+    }
+    AddNote(tune, 97).Slot(2) = "3";
+    EXPECT_EQ(Track(1),
+              (Events{"120 145 64 100", "120 145 64 0", "120 145 66 100", "120 145 66 0"}));
+    for (int s = 2; s <= 6; ++s)
+        EXPECT_EQ(Track(s), Events{}) << s;
+}
+
 TEST_F(PerformanceTest, NoteLengthsAreCutToWholeTicksOneByOne)
 {
     const std::vector<std::pair<int, int>> lengths = {
@@ -225,6 +239,18 @@ TEST_F(PerformanceTest, ALaterRepeatWithoutAStartGoesBackAsFarAndRoundInACircle)
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 3, 4, 5, 4, 5}));
 }
 
+TEST_F(PerformanceTest, ALaterRepeatWithoutAStartGoesBackToTheSameStart)
+{
+    AddTelling(5);
+    Head(2).BarCode = "98";
+    Head(3).Slot(2) = "1";
+    Head(3).BarCode = "99";
+    Head(4).Slot(2) = "2";
+    Head(4).BarCode = "99";
+    Head(5).Slot(2) = "3";
+    EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 4, 2, 5}));
+}
+
 TEST_F(PerformanceTest, ARepeatStartOnTheRepeatStartItselfChangesNothing)
 {
     AddTelling(3);
@@ -319,6 +345,66 @@ TEST_F(PerformanceTest, DsAlCodaWithoutASignGoesBackToTheFirstMeasure)
     Head(4).Slot(1) = "88";
     Head(5).Slot(1) = "84";
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 1, 2, 5, 6}));
+}
+
+TEST_F(PerformanceTest, DsAlCodaGoesBackToTheSignAndMissesACodaRightAfterToCoda)
+{
+    AddTelling(8);
+    Head(2).Slot(1) = "87";
+    Head(3).Slot(3) = "/To Coda";
+    Head(4).Slot(1) = "84";
+    Head(5).Slot(1) = "88";
+    EXPECT_FAULT(Build(), SubscriptOutOfRange);
+    EXPECT_EQ(Explanation(), "No Coda follows measure 4.");
+    Head(7).Slot(1) = "84";
+    EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 5, 2, 3, 7, 8}));
+}
+
+TEST_F(PerformanceTest, ARepeatAndADsAtOneHeadGoToTheSignForAnotherPass)
+{
+    AddTelling(5);
+    Head(2).Slot(1) = "87";
+    Head(3).Slot(1) = "89";
+    Head(3).Slot(2) = "1";
+    Head(3).BarCode = "99";
+    Head(4).Slot(1) = "83";
+    Head(4).Slot(2) = "2";
+    EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 4}));
+}
+
+TEST_F(PerformanceTest, AFineInTheLastMeasureEndsTheRepeatThatIsTakenThere)
+{
+    AddTelling(3);
+    Head(2).Slot(1) = "89";
+    Head(2).Slot(2) = "1";
+    Head(2).BarCode = "99";
+    Head(3).Slot(1) = "83";
+    Head(3).Slot(2) = "2";
+    Head(3).BarCode = "99";
+    EXPECT_EQ(Journey(), (Measures{1, 2, 1, 3}));
+}
+
+TEST_F(PerformanceTest, ADsInsideARepeatMakesTheSignTheRepeatsStart)
+{
+    AddTelling(7);
+    Head(2).BarCode = "98";
+    Head(3).Slot(1) = "87";
+    Head(4).Slot(3) = "/To Coda";
+    Head(5).Slot(1) = "88";
+    Head(6).Slot(1) = "84";
+    Head(6).BarCode = "99";
+    EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 5, 3, 4, 6, 3, 4, 6, 7}));
+}
+
+TEST_F(PerformanceTest, AlCodaStaysInForceWhenAlFineFollows)
+{
+    AddTelling(7);
+    Head(2).Slot(3) = "/To Coda";
+    Head(3).Slot(1) = "85";
+    Head(4).Slot(1) = "84";
+    Head(5).Slot(1) = "83";
+    Head(6).Slot(1) = "86";
+    EXPECT_EQ(Journey(), (Measures{1, 2, 3, 1, 2, 4, 5, 6, 1, 2, 4, 5}));
 }
 
 TEST_F(PerformanceTest, ADcInTheLastMeasureIsTakenAtTheTunesEnd)
