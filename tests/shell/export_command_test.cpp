@@ -1,0 +1,136 @@
+#include "app/export_command.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace quillon {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+/// Why the arguments are bad usage.
+std::string Refusal(const Arguments& arguments)
+{
+    try {
+        ParseExportCommand(arguments);
+    } catch (const std::invalid_argument& usage) {
+        return usage.what();
+    }
+    return "none";
+}
+
+TEST(ExportCommandTest, TheFormIsTheOutputsExtension)
+{
+    for (const auto& [output, format] : {
+             std::pair{"a.pdf",     "pdf" },
+             {"a.svg",     "svg" },
+             {"a.png",     "png" },
+             {"a.mid",     "mid" },
+             {"a.wav",     "wav" },
+             {"a.gui",     "tune"},
+             {"a.b.bjo",   "tune"},
+             {"d.x/a.bss", "tune"}
+    }) {
+        const ExportCommand command = ParseExportCommand({"tune.gui", "-o", output});
+        EXPECT_EQ(command.Format, format);
+        EXPECT_EQ(command.Output, output);
+        EXPECT_EQ(command.Tunes, Arguments{"tune.gui"});
+    }
+}
+
+TEST(ExportCommandTest, AnOutputThatTellsNoFormNeedsFormat)
+{
+    for (const char* output : {"a.txt", "a", "-", "folder.pdf/a", "a.PDF", "a.page-log", "a.tune"})
+        EXPECT_NE(Refusal({"t.gui", "-o", output}).find("--format"), std::string::npos) << output;
+    for (const char* format :
+         {"pdf", "svg", "png", "mid", "wav", "tune", "measure-log", "page-log", "print-log"})
+        EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "-", "--format", format}).Format, format);
+    EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "a.pdf", "--format", "svg"}).Format, "svg");
+    EXPECT_EQ(Refusal({"t.gui", "-o", "-", "--format", "gui"}), "unknown format gui");
+}
+
+TEST(ExportCommandTest, EveryOptionSetsItsOwnValue)
+{
+    const ExportOptions o =
+        ParseExportCommand(
+            {"--strings",     "5",      "--tempo",       "99.5", "--tuning",       "2",
+             "--tuning-file", "my.tun", "--capo",        "3",    "--instrument",   "24",
+             "--body-font",   "Serif",  "--body-size",   "8",    "--title-font",   "Mono",
+             "--title-size",  "14.5",   "--left",        "0.5",  "--right",        "1.25",
+             "--top",         "-0.25",  "--stave-space", "0.8",  "--center-title", "no",
+             "t.gui",         "-o",     "t.pdf"})
+            .Options;
+    EXPECT_EQ(o.Strings, 5);
+    EXPECT_EQ(o.Tempo, 99.5);
+    EXPECT_EQ(o.Tuning, 2);
+    EXPECT_EQ(o.TuningFile, "my.tun");
+    EXPECT_EQ(o.Capo, 3);
+    EXPECT_EQ(o.Instrument, 24);
+    EXPECT_EQ(o.BodyFont, "Serif");
+    EXPECT_EQ(o.BodySize, 8.0F);
+    EXPECT_EQ(o.TitleFont, "Mono");
+    EXPECT_EQ(o.TitleSize, 14.5F);
+    EXPECT_EQ(o.Left, .5F);
+    EXPECT_EQ(o.Right, 1.25F);
+    EXPECT_EQ(o.Top, -.25F);
+    EXPECT_EQ(o.StaveSpace, .8F);
+    EXPECT_EQ(o.CenterTitle, false);
+}
+
+TEST(ExportCommandTest, WithoutOptionsNothingIsSet)
+{
+    const ExportOptions o = ParseExportCommand({"t.gui", "-o", "t.pdf"}).Options;
+    EXPECT_FALSE(o.Strings || o.Tempo || o.Tuning || o.Capo || o.Instrument || o.BodyFont ||
+                 o.BodySize || o.TitleFont || o.TitleSize || o.Left || o.Right || o.Top ||
+                 o.StaveSpace || o.CenterTitle);
+    EXPECT_EQ(o.TuningFile, "");
+}
+
+TEST(ExportCommandTest, AValueMayFollowAnEqualsSignAndATuneTheDoubleDash)
+{
+    const ExportCommand command =
+        ParseExportCommand({"--output=a.mid", "--tempo=120", "--", "-o", "--tempo"});
+    EXPECT_EQ(command.Output, "a.mid");
+    EXPECT_EQ(command.Options.Tempo, 120);
+    EXPECT_EQ(command.Tunes, (Arguments{"-o", "--tempo"}));
+}
+
+TEST(ExportCommandTest, BadUsageIsRefusedWithItsReason)
+{
+    const std::pair<Arguments, const char*> rows[] = {
+        {{},                                                  "no tune is named"                         },
+        {{"-o", "a.pdf"},                                     "no tune is named"                         },
+        {{"t.gui"},                                           "no output is named; give one with -o"     },
+        {{"t.gui", "-o"},                                     "-o wants a value"                         },
+        {{"t.gui", "-o", "a.pdf", "--tempo"},                 "--tempo wants a value"                    },
+        {{"t.gui", "-o", "a.pdf", "--loud", "1"},             "unknown option --loud"                    },
+        {{"t.gui", "-o", "a.pdf", "-x", "1"},                 "unknown option -x"                        },
+        {{"t.gui", "-o", "a.pdf", "--strings", "7"},          "--strings is 4, 5 or 6"                   },
+        {{"t.gui", "-o", "a.pdf", "--strings", "six"},        "--strings wants a whole number, not 'six'"},
+        {{"t.gui", "-o", "a.pdf", "--capo", "1.5"},           "--capo wants a whole number, not '1.5'"   },
+        {{"t.gui", "-o", "a.pdf", "--left", "1in"},           "--left wants a number, not '1in'"         },
+        {{"t.gui", "-o", "a.pdf", "--left", ""},              "--left wants a number, not ''"            },
+        {{"t.gui", "-o", "a.pdf", "--top", "nan"},            "--top wants a number, not 'nan'"          },
+        {{"t.gui", "-o", "a.pdf", "--center-title", "maybe"}, "--center-title is yes or no"              },
+        {{"a.gui", "b.gui", "-o", "-", "--format", "mid"},
+         "several tunes go into a folder, not to standard output"                                        },
+        {{"t.gui", "--check", "--order"},                     "--check and --order do not go together"   },
+        {{"t.gui", "--check", "-o", "a.pdf"},
+         "--check and --order have no output but the standard one"                                       },
+    };
+    for (const auto& [arguments, reason] : rows)
+        EXPECT_EQ(Refusal(arguments), reason);
+    EXPECT_NE(Refusal({"t.gui", "-o", "a.pdf", "--loud"}), "none") << "an unknown last option";
+}
+
+TEST(ExportCommandTest, HelpCheckAndOrderNeedNoOutput)
+{
+    EXPECT_TRUE(ParseExportCommand({"--help"}).Help);
+    EXPECT_TRUE(ParseExportCommand({"-h"}).Help);
+    EXPECT_TRUE(ParseExportCommand({"--check", "a.gui", "b.gui"}).Check);
+    EXPECT_TRUE(ParseExportCommand({"a.gui", "--order"}).Order);
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,96 @@
+#include "shell/export.h"
+
+#include "store/tune_file.h"
+#include "support/faults.h"
+#include "support/temporary_directory.h"
+#include "support/tunes.h"
+
+namespace quillon {
+namespace {
+
+class ExportTest : public testing::Test {
+protected:
+    ExportedTune Load(const std::string& name)
+    {
+        WriteFileBytes(name, TuneBytes(tune));
+        return ExportedTune(name, options, metrics);
+    }
+
+    std::string Failure(const std::string& name)
+    {
+        try {
+            ExportedTune(name, options, metrics);
+        } catch (const ExportError& error) {
+            return error.what();
+        }
+        return "none";
+    }
+
+    TemporaryDirectory folder;
+    FixedTextMetrics metrics;
+    ExportOptions options;
+    Tune tune;
+};
+
+TEST_F(ExportTest, PagesBehindTheSixthHaveNoClearLine)
+{
+    AddFullMeasures(tune, 60);
+    for (int i = 1; i <= tune.LastNote; i += 5)
+        tune[i].Slot(6) = "NL";
+    std::istringstream log(Load("long.gui").PageLog());
+    std::vector<std::string> pages, clears;
+    std::string page;
+    for (std::string line; std::getline(log, line);) {
+        if (line.starts_with("page "))
+            pages.push_back(page = line);
+        else if (line == "clear")
+            clears.push_back(page);
+    }
+    EXPECT_EQ(pages, (std::vector<std::string>{"page 1", "page 2", "page 3", "page 4", "page 5",
+                                               "page 6", "page 7", "page 8", "page 9"}));
+    EXPECT_EQ(clears, (std::vector<std::string>{"page 1", "page 2", "page 3", "page 4", "page 5",
+                                                "page 6"}));
+}
+
+TEST_F(ExportTest, TheExtensionTellsTheStringsUnlessAnOptionDoes)
+{
+    AddFullMeasures(tune, 1);
+    EXPECT_EQ(Load("a.bjo").Window().tune.NumStrings, 5);
+    EXPECT_EQ(Load("a.bss").Window().tune.NumStrings, 4);
+    EXPECT_EQ(Load("a.BSS").Window().tune.NumStrings, 6);
+    options.Strings = 5;
+    EXPECT_EQ(Load("a.gui").Window().tune.NumStrings, 5);
+}
+
+TEST_F(ExportTest, OptionsBeatTheHeaderWhichBeatsTheDefaults)
+{
+    AddFullMeasures(tune, 1);
+    tune[0].Slot(5) = "12";
+    tune[0].Slot(6) = "Serif";
+    EXPECT_EQ(Load("a.gui").Window().page.BodyFontSize, 12);
+    options.BodySize = 8.0F;
+    ExportedTune exported = Load("a.gui");
+    EXPECT_EQ(exported.Window().page.BodyFontSize, 8);
+    EXPECT_EQ(exported.Window().page.BodyFontName, "Serif");
+    EXPECT_EQ(exported.Window().page.StaveSpace, .75F);
+}
+
+TEST_F(ExportTest, FailuresAreToldInTheBoxesWordsOnOneLine)
+{
+    EXPECT_EQ(Failure("missing.gui"), "File Not Found");
+    WriteFileBytes("broken.gui", "1");
+    EXPECT_EQ(Failure("broken.gui"),
+              "File is incompatible.  See the trouble shooting section in your manual for "
+              "possible solutions You may need to eliminate the use of quote marks in your title "
+              "or remarks.");
+}
+
+TEST_F(ExportTest, ABodySizeBeyondASingleIsAnOverflow)
+{
+    AddFullMeasures(tune, 1);
+    tune[0].Slot(5) = "1e39";
+    EXPECT_FAULT(Load("a.gui"), Overflow);
+}
+
+}  // namespace
+}  // namespace quillon
