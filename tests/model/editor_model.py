@@ -36,7 +36,7 @@ SHORTCUTS = {
 KEY_CHARACTERS = {"Enter": "\r", "Backspace": "\x08", "Space": " ", "Escape": "\x1b"}
 
 MENUS = {
-    "mnuNew", "mnuOpen", "mnuAppend", "mnuSave", "mnuSaveAs", "mnuExit",
+    "mnuNew", "mnuOpen", "mnuAppend", "mnuSave", "mnuSaveAs", "mnuPrint", "mnuExit", "mnuOpnMidi",
     "mnuNoteBefore", "mnuInsNoteAfter", "mnuDelNote", "mnuCopy", "mnuPaste", "mnuInsMeas", "mnuDelMeas",
     "mnuChord", "mnuRemarks", "mnuRHEdit", "mnuLHEdit", "mnuHardBrk",
     "mnuRest", "mnuHalfRest", "mnuWholeRest",
@@ -45,8 +45,8 @@ MENUS = {
     "mnuDCcoda", "mnuRepeatEnds", "mnuGuitar", "mnuBanjo", "mnuMandolin",
 }
 
-# They change the page view alone, which no print shows.
-PAGE_VIEW_MENUS = {"mnuSmallView", "mnuPgDown"}
+# They change the page view or open a form beside the main one, and no print shows that.
+QUIET_MENUS = {"mnuLargeview", "mnuSmallView", "mnuPgDown", "mnuTuning", "mnuSetup", "mnuAbout"}
 
 BUTTONS = {"cmdNext", "cmdPrevious", "cmdRefresh", "cmdRest"}
 
@@ -100,13 +100,13 @@ class ScenarioPlayer:
 
     def do_menu(self, rest):
         name = rest.strip()
-        if name not in MENUS | PAGE_VIEW_MENUS:
+        if name not in MENUS | QUIET_MENUS:
             raise UnknownCommand(name)
         self.run_menu(name)
 
     def run_menu(self, name):
         editor = self.editor
-        if name in PAGE_VIEW_MENUS:
+        if name in QUIET_MENUS:
             return
         if name == "mnuSave" and not editor.mnuSave_on or name == "mnuPaste" and not editor.mnuPaste_on:
             return

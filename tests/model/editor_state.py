@@ -77,6 +77,8 @@ class EditorState:
         self.cmdRefresh_on = True
         self.mnuSave_on = False
         self.mnuPaste_on = False
+        self.midi_open = False
+        self.tuning_setting = {}  # by strings
 
         self.dialogs, self.prompts, self.questions = [], [], []
         self.boxes = []

@@ -2,8 +2,8 @@
 
 from editor_state import APPEND, FRET_ENTRY, INSERTED_MEASURE, REVIEW
 from line_model import too_wide_measure
-from number_rules import RunTimeFault, val
-from store_model import ItemReader, load_active_tuning, read_record, tune_bytes
+from number_rules import RunTimeFault, single, val
+from store_model import DEFAULT_TUNINGS, ItemReader, load_active_tuning, read_record, tune_bytes
 
 INCOMPATIBLE = (
     "File is incompatible.  See the trouble shooting \r\n"
@@ -133,11 +133,25 @@ class FileCommands:
         if header.Slot[6]:
             self.BodyFontName = header.Slot[6]
         if header.Slot[5]:
-            self.BodyFontSize = val(header.Slot[5])
+            self.BodyFontSize = single(val(header.Slot[5]))
         if header.Slot[3]:
             self.TitleFontName = header.Slot[3]
         if header.NoteCode:
             self.TitleFontSize = header.NoteCode
+
+    def mnuPrint(self):
+        """There is no printer: the dialog counts as cancelled."""
+        self.redraw()
+
+    def mnuOpnMidi(self):
+        """The form, which stays open, selects the tune's tuning as it opens."""
+        if self.midi_open:
+            return
+        self.midi_open = True
+        header = self.table[0]
+        row = val(header.Slot[4] or self.tuning_setting.get(self.NumStrings, "0"))
+        header.Slot[4] = str(round(row) if 0 <= row < len(DEFAULT_TUNINGS[self.NumStrings]) else 0)
+        self.tuning_setting[self.NumStrings] = header.Slot[4]
 
     def mnuExit(self):
         if self.Saved == 0:

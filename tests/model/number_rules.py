@@ -2,6 +2,7 @@
 to even, `Val`, and run-time faults as exceptions with a number."""
 
 import re
+import struct
 
 FAULT_TEXTS = {
     5: "invalid procedure call",
@@ -37,6 +38,14 @@ def int16(value):
 def rounded16(real):
     """A real as a 16-bit integer: nearest, ties to the even number."""
     return int16(round(real))
+
+
+def single(real):
+    """A real in single precision."""
+    try:
+        return struct.unpack("<f", struct.pack("<f", real))[0]
+    except OverflowError:
+        raise RunTimeFault(6) from None
 
 
 BLANKS = re.compile(r"[ \t\r\n]+")

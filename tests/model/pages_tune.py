@@ -70,7 +70,10 @@ def val(text):
     found = LEADING_NUMBER.match(re.sub(r"[ \t\r\n]", "", text))
     if not found:
         return 0.0
-    return float(found.group(1) + "e" + (found.group(2) or "0"))
+    value = float(found.group(1) + "e" + (found.group(2) or "0"))
+    if value in (float("inf"), float("-inf")):
+        raise RuntimeFault(6)
+    return value
 
 
 # Records

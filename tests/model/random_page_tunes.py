@@ -81,7 +81,8 @@ class TuneMaker:
         if self.chance(0.2):
             header.Slot[4] = "1"
         if self.odd and self.chance(0.2):
-            header.Slot[5] = pick.choice(("9", "11.5", " 1 2", "10pt", "8.25", "1e1", "14"))
+            header.Slot[5] = pick.choice(("9", "11.5", " 1 2", "10pt", "8.25", "1e1", "14", "0", "-10",
+                                          "1e39", "1e999"))
         if self.odd and self.chance(0.1):
             header.NoteCode = pick.choice((1, 400))
         return header
@@ -244,7 +245,8 @@ class TuneMaker:
 
     def strange_signature(self, record):
         record.Beats, record.BeatUnit = self.random.choice(((12, 8), (0, 0), (12, 12), (4, 4),
-                                                            (100, 4), (3, 12)))
+                                                            (100, 4), (3, 12), (-4, 4), (-12, 8),
+                                                            (4, -4), (-100, -16)))
 
     def strange_hand(self, record):
         record.LeftHand = self.random.choice("\t\x01!\xff\"'")

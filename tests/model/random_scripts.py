@@ -26,6 +26,7 @@ SIGN_MENUS = ["mnuSign", "mnuCoda", "mnuFine", "mnuDS", "mnuDC", "mnuDSfine", "m
               "mnuDCcoda"]
 BAR_KEYS = ["F6", "F8", "F9", "F12"]
 BAR_MENUS = ["mnuRptSign", "mnuRptStart", "mnuDoubBar", "mnuBegDoubBar"]
+COPY_BOXES = ("Text1", "Text2")
 FAULTS_KEPT = 0.1
 
 
@@ -187,6 +188,16 @@ class ScriptWriter:
     def tick(self):
         self.emit("tick")
 
+    def caret_under_bar(self):
+        """A bar sign drawn while the caret stands there, and the caret moved after it."""
+        self.emit("tick")
+        self.command(*self.pick(("mnuRptSign", "F6"), ("mnuRptStart", "F8"), ("mnuDoubBar", "F9")))
+        for _ in range(self.rng.randrange(1, 4)):
+            self.emit(self.pick("key Up", "key Down", "key Left", "key Right", "tick", "type 3", "log"))
+
+    def label(self):
+        self.emit("press " + self.pick("lblLastNote", "hdbkbox"))
+
     # Text modes
 
     def chord(self):
@@ -289,6 +300,39 @@ class ScriptWriter:
         if self.chance(0.8):
             self.paste()
 
+    def copy_box(self):
+        """The copy box typed into, with other commands in between; left in some way or not at all."""
+        last = self.editor.LastMeas
+        self.command("mnuCopy", "Ctrl+C")
+        for _ in range(self.rng.randrange(1, 9)):
+            chance = self.rng.random()
+            if chance < 0.5:
+                self.emit("type " + self.pick("1", "1", "2", "3", "12", ".", ".5", "0", "-1", "x", " ", "1 ", "\xe9",
+                                              str(last), str(last + 1)))
+            elif chance < 0.6:
+                self.emit("key Backspace")
+            elif chance < 0.75:
+                self.emit("key Enter")
+            elif chance < 0.85:
+                self.emit("key " + self.pick("F4", "F8", "F12", "F5", "Shift+F5", "Ctrl+H", "Ctrl+N", "Ctrl+C",
+                                             "Space", "Escape", "Up"))
+            elif chance < 0.95:
+                self.emit("menu " + self.pick("mnuHardBrk", "mnuRptStart", "mnuRest", "mnuSign", "mnuChord", "mnuPaste",
+                                              "mnuLHEdit", "mnuDelMeas", "mnuNoteBefore", "mnuInsMeas", "mnuCopy",
+                                              "mnuRepeatEnds", "mnuAppend", "mnuPgDown"))
+            else:
+                self.emit(self.pick("tick", "press lblLastNote", "press cmdRest", "press cmdNext", "toolbar 4"))
+        if self.chance(0.8):
+            self.leave_copy_box()
+        if self.chance(0.5):
+            self.paste()
+
+    def leave_copy_box(self):
+        if self.chance(0.5):
+            self.emit("press cmdCopyMeasure")
+        while self.editor.focus in COPY_BOXES:
+            self.emit("key Enter")
+
     def paste(self):
         self.command("mnuPaste", "Ctrl+P")
 
@@ -334,12 +378,17 @@ class ScriptWriter:
         self.emit("press cmdRefresh")
 
     def page_view(self):
-        self.emit("menu " + self.pick("mnuSmallView", "mnuPgDown"))
+        self.emit("menu " + self.pick("mnuLargeview", "mnuSmallView", "mnuPgDown"))
+
+    def other_form(self):
+        self.emit("menu " + self.pick("mnuTuning", "mnuOpnMidi", "mnuSetup", "mnuAbout", "mnuPrint"))
 
     def leave_mode(self):
-        """Out of a text mode or an inserted measure that was left standing."""
+        """Out of a text mode, an inserted measure or a copy box that was left standing."""
         mode = self.editor.InputMode
-        if mode == INSERTED_MEASURE:
+        if self.editor.focus in COPY_BOXES:
+            self.leave_copy_box()
+        elif mode == INSERTED_MEASURE:
             self.emit("press " + self.pick("cmdNext", "cmdPrevious"))
         elif mode in (CHORD_TEXT, LEFT_HAND, RIGHT_HAND, REPEAT_BRACKET):
             self.emit(self.pick("key Enter", "press cmdNext", "press cmdPrevious"))
@@ -359,7 +408,9 @@ WEIGHTED_ACTIONS = {
     ScriptWriter.append: 3,
     ScriptWriter.click: 6,
     ScriptWriter.click_note: 6,
-    ScriptWriter.tick: 6,
+    ScriptWriter.tick: 5,
+    ScriptWriter.caret_under_bar: 2,
+    ScriptWriter.label: 0.5,
     ScriptWriter.chord: 5,
     ScriptWriter.hand_letter: 4,
     ScriptWriter.bracket: 4,
@@ -373,6 +424,7 @@ WEIGHTED_ACTIONS = {
     ScriptWriter.delete_measure: 2,
     ScriptWriter.insert_measure: 4,
     ScriptWriter.copy: 3,
+    ScriptWriter.copy_box: 2,
     ScriptWriter.paste: 2,
     ScriptWriter.save: 1.5,
     ScriptWriter.save_again: 1,
@@ -381,6 +433,7 @@ WEIGHTED_ACTIONS = {
     ScriptWriter.change_strings: 1,
     ScriptWriter.refresh: 1.5,
     ScriptWriter.page_view: 0.5,
+    ScriptWriter.other_form: 1,
     ScriptWriter.leave_mode: 3,
 }
 ACTIONS = list(WEIGHTED_ACTIONS)

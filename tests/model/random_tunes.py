@@ -160,8 +160,8 @@ class TuneWriter:
 
     def odd_signature(self, i):
         record = self.head_of(i)
-        record.Beats = self.rng.choice((-2, 0, 1, 3, 7, 13))
-        record.BeatUnit = self.rng.choice((0, 2, 4, 8, 16))
+        record.Beats = self.rng.choice((-12, -2, -1, 0, 1, 3, 7, 13, 100))
+        record.BeatUnit = self.rng.choice((-8, -4, 0, 2, 4, 8, 16, 32))
 
     def odd_bar(self, i):
         record = self.head_of(i)
@@ -182,6 +182,14 @@ class TuneWriter:
 
     def odd_break(self, i):
         self.records[i].Slot[6] = self.rng.choice(("NL", "nl", "NL "))
+
+    def odd_header(self, i):
+        header = self.records[0]
+        header.Slot[5] = self.rng.choice(("9", "14.5", "-3", "large", "0", "1e2"))
+        if self.chance(0.3):
+            header.Slot[5] = self.rng.choice(("1e39", "-1e39", "3.5e38", "1e999", "1d400"))
+        header.NoteCode = self.rng.choice((0, -14, 11, 32767))
+        header.Slot[4] = self.rng.choice(("", "-1", "1.5", "9", "x", "2"))
 
     def lose_record(self, i):
         del self.records[i]
@@ -221,7 +229,7 @@ class TuneWriter:
 
     ODD_EDITS = (
         odd_code, odd_code, odd_number, odd_number, odd_signature, odd_bar, odd_sign, odd_cell, odd_cell,
-        odd_cell, odd_chord, odd_break, lose_record, double_record, empty_record, empty_measure,
+        odd_cell, odd_chord, odd_break, odd_header, lose_record, double_record, empty_record, empty_measure,
         lose_measure, renumber, long_measure, long_measure, huge_measure)
 
     def odd_bytes(self, data):
@@ -241,6 +249,7 @@ class TuneWriter:
             lambda: data.replace(b",4,", b",3.5,", 1),
             lambda: data.replace(b",4,", b",1e1,", 1),
             lambda: data.replace(b",4,", b",40000,", 1),
+            lambda: data.replace(b"0,0,0", rng.choice((b"32768,0,0", b"0,40000,0", b"0,0,-32769", b"7,-8,32767")), 1),
             lambda: data.replace(b'" "', b'"long"', 3),
             lambda: data.replace(b'"Trad."', b'"A "quoted" word"'),
             lambda: data.replace(b'"Trad."', b'"say "yes", then"'),

@@ -352,6 +352,30 @@ class Signs(unittest.TestCase):
         self.assertEqual(opened(marked, script="prompt cancel\nmenu mnuRemarks").table[1].Slot[3], "")
 
 
+class Files(unittest.TestCase):
+    def open_with_header(self, script="", **fields):
+        slots = fields.pop("slots", {})
+        records = [record(slots, **fields)] + measure(1, [7])
+        return play(f"dialog t.gui\nmenu mnuOpen\n{script}", MemoryFiles({"t.gui": records_bytes(records)}))
+
+    def test_the_body_size_is_a_single(self):
+        self.assertEqual(self.open_with_header(slots={5: "8.1"}).editor.BodyFontSize, 8.100000381469727)
+        for size in ("1e39", "1e999", "-4e38"):
+            player = self.open_with_header(slots={5: size})
+            self.assertEqual(player.output, ["fault: run-time error 6: overflow"])
+            self.assertEqual(player.editor.boxes, [])
+
+    def test_the_midi_form_selects_a_tuning_once(self):
+        for kept, row in (("", "0"), ("2", "2"), ("9", "0"), ("-1", "0")):
+            self.assertEqual(self.open_with_header("menu mnuOpnMidi", slots={4: kept}).editor.table[0].Slot[4], row)
+        editor = self.open_with_header("menu mnuOpnMidi\nmenu mnuNew\nmenu mnuOpnMidi").editor
+        self.assertEqual(editor.table[0].Slot[4], "")
+
+    def test_a_menu_command_leaves_the_copy_boxs_caret(self):
+        editor = editor_after("press cmdRest\nmenu mnuCopy\ntype .\nmenu mnuHardBrk\ntype 21")
+        self.assertEqual(editor.copy_texts["Text1"], ".21 ")
+
+
 class RandomInput(unittest.TestCase):
     def test_a_seed_gives_the_same_script(self):
         tunes = random_tunes_for(7)
