@@ -24,6 +24,46 @@ make() { "$export_program" "$tune" -o "$1"; }
 fonts_are_embedded() { pdffonts "$1" | tail -n +3 | awk '$(NF-4) != "yes" { bad = 1 } END { exit bad }'; }
 frets_stand_in_text() { [ "$(pdftotext -layout "$1" - | grep -o '[0-9]' | wc -l)" -ge 50 ]; }
 
+record() {  # measure code x string-1 break
+    printf '%s,%s,%s\r\n0,4,4,4\r\n0,""," "," ",""\r\n"%s"\r\n""\r\n""\r\n""\r\n""\r\n"%s"\r\n' "$@"
+}
+three_pages() {  # seven lines fit on a page, a measure each
+    local m
+    record 0 0 0 '' ''
+    for m in $(seq 16); do
+        record "$m" 999 0 '' NL
+        record "$m" 11 48 '' 7
+    done
+}
+same_pages() {  # a file of each page, as they also come to standard output
+    cat "$@" | cmp -s - "$scratch/all"
+}
+draws_a_page_more() { [ "$(grep -c '<svg ' "$1")" = 1 ] && ! cmp -s "$1" "$2"; }
+
+tune=$scratch/three.gui
+three_pages > "$tune"
+cd "$scratch" || exit
+for form in svg png; do
+    make "pages.$form"
+    check "$form: a file a page" test "$(echo pages*.$form)" = "pages-2.$form pages-3.$form pages.$form"
+    check "$form: to standard output" sh -c "'$export_program' three.gui --format $form -o - > all"
+    check "$form: page after page" same_pages pages.$form pages-2.$form pages-3.$form
+    mkdir "into-$form"
+    "$export_program" three.gui --format $form -o "into-$form"
+    for page in .$form -2.$form -3.$form; do
+        check "$form: into a folder, under the tune's name" cmp -s "pages$page" "into-$form/three$page"
+    done
+    "$export_program" three.gui three.gui --format $form -o "new/$form"
+    check "$form: into a folder that is made" test "$(ls "new/$form" | wc -l)" = 3
+done
+check "page 2 is another page" draws_a_page_more pages-2.svg pages.svg
+check "page 3 is another page" draws_a_page_more pages-3.svg pages-2.svg
+make a.b.svg
+check "the number stands before the last dot" test -s a.b-2.svg
+make pages.pdf
+check "PDF: the pages in one file" test "$(pdfinfo pages.pdf | sed -n 's/^Pages: *//p') $(echo pages*.pdf)" = "4 pages.pdf"
+cd - > /dev/null || exit
+
 for tune in examples/*.gui examples/*.bjo examples/*.bss; do
     stem=$scratch/$(basename "${tune%.*}")
     title=$(sed -n '3s/.*,"\([^"]*\)"\r$/\1/p' "$tune")
