@@ -111,9 +111,11 @@ void PageFormatter::PrintCredits()
     DrawSurface& surface = *line.surface;
     const std::string& first = tune[0].Slot(1);
     const std::string& second = tune[0].Slot(2);
-    const double x = line.LineRight - std::max(surface.TextWidth(first), surface.TextWidth(second));
-    if (!first.empty())
+    double x = line.LineRight - surface.TextWidth(second);
+    if (!first.empty()) {
+        x = std::min(x, line.LineRight - surface.TextWidth(first));
         surface.PrintLineAt(x, surface.CurrentY, first);
+    }
     if (!second.empty())
         surface.PrintLineAt(x, surface.CurrentY, second);
 }

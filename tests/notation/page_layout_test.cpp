@@ -112,6 +112,17 @@ TEST_F(PageLayoutTest, BothCreditsBeginAtOneXAndTheLongerEndsAtLineRight)
     EXPECT_TRUE(log.at(1).starts_with("text 10340 840 "));
 }
 
+TEST_F(PageLayoutTest, ACreditOfANegativeSizeBeginsBehindLineRight)
+{
+    page.BodyFontSize = -10;  // as only a hand-made file has it
+    tune[0].Slot(2) = "arr.";
+    EXPECT_TRUE(Screen().at(0).starts_with("text 11840 600 "));
+    tune[0].Slot(1) = "Trad.";
+    EXPECT_TRUE(Screen().at(0).starts_with("text 11840 600 "));
+    tune[0].Slot(2).clear();
+    EXPECT_TRUE(Screen().at(0).starts_with("text 11440 600 "));
+}
+
 TEST_F(PageLayoutTest, ATimeSignatureOf12GetsItsFurtherRoomOnlyOnPaper)
 {
     AddMeasure(tune, 12, 8);
