@@ -25,7 +25,9 @@ TEST_F(Navigation, TheButtonInAnEmptyOpenMeasureGivesTheFocusBackToStaffBox)
     EXPECT_EQ(Log(), "clear\ntext 2 36 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
                      "text 2 56 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
                      "line 350 36 350 76 w=1\n");
-    EXPECT_EQ(State(), state) << "with the focus and Timer1 on";
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_TRUE(form.Timer1Enabled);
+    EXPECT_EQ(State(), state);
     EXPECT_EQ(Table(), table);
 }
 
