@@ -7,19 +7,17 @@ namespace quillon {
 
 namespace {
 
-constexpr const char* kDesktopId = "org.quillon.Quillon";  // desktop file and icon are called so
-
-/// Where the icon is for a program that the desktop does not know, as after a build.
-constexpr const char* kIconsBesideProgram = "/../share/icons/hicolor/128x128/apps";
+/// Seen from the program's folder, installed or built. To ask the desktop's theme for it would take
+/// a tenth of the start.
+constexpr const char* kIcon = "/../share/icons/hicolor/128x128/apps/org.quillon.Quillon.png";
 
 }  // namespace
 
 Program::Program(std::string theCommandLine) : commandLine(std::move(theCommandLine))
 {
     QApplication::setApplicationName("Quillon");  // a display name would stand in every caption
-    QApplication::setDesktopFileName(kDesktopId);
-    QIcon::setFallbackSearchPaths({QApplication::applicationDirPath() + kIconsBesideProgram});
-    QApplication::setWindowIcon(QIcon::fromTheme(kDesktopId));
+    QApplication::setDesktopFileName("org.quillon.Quillon");
+    QApplication::setWindowIcon(QIcon(QApplication::applicationDirPath() + kIcon));
     QApplication::setQuitOnLastWindowClosed(false);  // the main form's end is the program's
     LoadNotationFont();
     runner.KeepWork = [this] { rescue.Refresh(); };
