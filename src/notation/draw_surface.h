@@ -91,7 +91,7 @@ private:
     Drawing drawing;
 };
 
-/// A number as it is printed: a blank (or the minus) before it and a blank behind.
+/// A number as it is printed: a blank before it and a blank behind.
 std::string PrintedInteger(int value);
 
 }  // namespace quillon

@@ -116,7 +116,8 @@ QString FileFilters(const QString& filter)
     for (qsizetype i = 0; i < parts.size(); i += 2) {
         const bool bare = i + 1 == parts.size();
         const QString pattern = bare ? "*." + parts[i] : parts[i + 1];
-        const QString label = bare ? parts[i].toUpper() + " Files" : QString(parts[i]).remove(shownPattern);
+        const QString label =
+            bare ? parts[i].toUpper() + " Files" : QString(parts[i]).remove(shownPattern);
         filters += label + " (" + (pattern == "*.*" ? "*" : pattern) + ')';
     }
     return filters.join(";;");
@@ -172,8 +173,8 @@ std::optional<FontChoice> QtDialogs::ChooseFont(const FontChoice& current)
     font.setPointSizeF(current.Size > 0 ? double{current.Size} : 1.0);
     bool accepted = false;
     // Some desktops' own dialogs lose the font and the size that they are given.
-    font = QFontDialog::getFont(&accepted, font, owner, QString(),
-                                QFontDialog::DontUseNativeDialog);
+    font =
+        QFontDialog::getFont(&accepted, font, owner, QString(), QFontDialog::DontUseNativeDialog);
     if (!accepted)
         return {};
     return FontChoice{FromUnicode(font.family()), static_cast<float>(font.pointSizeF())};
