@@ -276,7 +276,7 @@ void Editor::Toolbar1(int button)
     NoteRecord& note = Current();
     if (note.NoteCode <= kNoteValues)
         note.NoteCode = form.CurValue;
-    else if (note.NoteCode >= 92 && note.NoteCode <= 99)
+    else if (note.IsRest())
         note.NoteCode = RestCodeOf(form.CurValue);
     view.RedrawMeasure();
 }

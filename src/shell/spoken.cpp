@@ -23,9 +23,6 @@ constexpr const char* kValueNames[] = {
 };
 static_assert(std::size(kValueNames) == kNoteValues);
 
-constexpr int kFirstRest = 92;
-constexpr int kLastRest = 99;
-
 int StringUnder(int cursorY)
 {
     return static_cast<int>(std::nearbyint((cursorY - StringY(0)) / 8.0));
@@ -55,9 +52,8 @@ std::string SpokenCell(const NoteRecord& record, const MainForm& form)
 std::string SpokenValue(const NoteRecord& record, const MainForm& form, bool free)
 {
     const int value = free ? int{form.CurValue} : ValueOf(record.NoteCode);
-    const bool rest = !free && record.NoteCode >= kFirstRest && record.NoteCode <= kLastRest;
     const std::string name = ValueName(value);
-    return name.empty() ? "" : ", " + name + (rest ? " rest" : " note");
+    return name.empty() ? "" : ", " + name + (!free && record.IsRest() ? " rest" : " note");
 }
 
 }  // namespace

@@ -21,6 +21,8 @@ constexpr int kStringSlots = 6;    // slots of a record, whatever the instrument
 constexpr int kHead = 999;         // NoteCode of a measure's head record
 constexpr int kTicksPerQuarter = 12;
 constexpr int kNoteValues = 11;  // note codes, and buttons of Toolbar1: 1..11
+constexpr int kFirstRest = 92;   // rest codes: 92..99
+constexpr int kLastRest = 99;
 
 /// One record. What the fields mean depends on the kind of record:
 ///
@@ -62,6 +64,7 @@ struct NoteRecord {
     void Clear();
     bool IsClear() const;
     bool IsHead() const { return NoteCode == kHead; }
+    bool IsRest() const { return NoteCode >= kFirstRest && NoteCode <= kLastRest; }
 
     /// The highest string with a text in its slot, 0 if all are empty.
     int HighestFilledSlot() const;
