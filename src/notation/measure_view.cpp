@@ -255,15 +255,7 @@ void MeasureView::DrawStemless()
         StaffBox.PrintLine(code <= 95 ? kSixteenthRest : code <= 97 ? kEighthRest : kQuarterRest);
     }
     UseBodyFont();
-    if (code == 94 || code == 96 || code == 98) {
-        if (tripletCount == 0 && code != 98)
-            DrawTripletBracket(false, TripletEnd());
-        else if (tripletCount == 0)
-            DrawTripletBracket(false, noteX + 39);
-        ++tripletCount;
-    }
-    if (tripletCount > 2)
-        tripletCount = 0;
+    CountTriplet(code);
 }
 
 void MeasureView::DrawStem(int lowestString)
@@ -273,13 +265,7 @@ void MeasureView::DrawStem(int lowestString)
     const int stemTopY = lowestString > 0 ? 32 + 8 * lowestString : 40;
     StaffBox.Line(noteX, stemTopY, noteX, StemBaseY());
     DrawBeam();
-    if (code == 1 || code == 3 || code == 6) {
-        if (tripletCount == 0)
-            DrawTripletBracket(code == 6, code == 6 ? noteX + 39 : TripletEnd());
-        ++tripletCount;
-        if (tripletCount > 2)
-            tripletCount = 0;
-    }
+    CountTriplet(code);
     StaffBox.PrintLineAt(noteX + 3, StemBaseY() - 18, {&note.RightHand, 1});
     StaffBox.PrintLineAt(noteX, StemBaseY(), {&note.LeftHand, 1});
 }
@@ -320,6 +306,16 @@ void MeasureView::DrawBeam()
     default:
         break;
     }
+}
+
+/// The first of the three draws the bracket. The bracket of quarters has a length of its own.
+void MeasureView::CountTriplet(int code)
+{
+    if (!IsTriplet(code))
+        return;
+    if (tripletCount == 0)
+        DrawTripletBracket(code == 6, code == 6 || code == 98 ? noteX + 39 : TripletEnd());
+    tripletCount = (tripletCount + 1) % 3;
 }
 
 /// Where the bracket of a triplet of short notes ends: behind the next note but one, or at a fixed

@@ -50,6 +50,7 @@ private:
     void DrawStemless();
     void DrawStem(int lowestString);
     void DrawBeam();
+    void CountTriplet(int code);
     void DrawTripletBracket(bool longForm, double farEnd);
     double TripletEnd();
     void Glyph(double x, double y, std::string_view glyph);
@@ -68,10 +69,10 @@ private:
 
     // Working values of the second pass
     int tickCount = 0;
-    int beamStartX = 0;   // XPos at which the main beam starts, 0 is none
-    int beam2StartX = 0;  // XPos at which the second beam starts
-    int tripletCount = 0;
-    int noteX = 0;  // x of the stem of the note being drawn
+    int beamStartX = 0;    // XPos at which the main beam starts, 0 is none
+    int beam2StartX = 0;   // XPos at which the second beam starts
+    int tripletCount = 0;  // notes of the present triplet
+    int noteX = 0;         // x of the stem of the note being drawn
 };
 
 }  // namespace quillon

@@ -14,12 +14,6 @@ int BeamTicks(int noteCode)
     return noteCode >= 9 && noteCode <= 11 ? 0 : TicksOf(noteCode);
 }
 
-bool IsTripletValue(int noteCode)
-{
-    return noteCode == 1 || noteCode == 3 || noteCode == 6 || noteCode == 94 || noteCode == 96 ||
-           noteCode == 98;
-}
-
 int Length(const std::string& text)
 {
     return static_cast<int>(text.size());
@@ -54,7 +48,7 @@ void NoteColumns::DrawColumn(int n)
     DrawBeams(n);
     TickCount += BeamTicks(column.NoteCode);
     PrintRightHand(column);
-    if (IsTripletValue(column.NoteCode)) {
+    if (IsTriplet(column.NoteCode)) {
         if (TripletCount == 0)
             line.Attempt([&] { DrawTriplet(n); });
         ++TripletCount;

@@ -11,29 +11,9 @@ namespace quillon {
 namespace {
 
 constexpr int kWidestUnit = 150;  // a short line stays short
+constexpr int kHeadWidth = 2;     // width units
 constexpr int kNarrowestEnd = 4;  // width units of a line's last column, at least
 constexpr int kNearLineEnd = 9000;
-
-/// Width units of a column by its code; 0 for a code without a width of its own.
-int ColumnWidth(int noteCode)
-{
-    switch (noteCode) {
-    case kHead:
-        return 2;
-    case 9:
-    case 92:
-        return 5;
-    case 10:
-        return 8;
-    case 11:
-    case 93:
-        return 12;
-    default:
-        if ((noteCode >= 7 && noteCode <= 8) || (noteCode >= 94 && noteCode <= 99))
-            return 3;
-        return noteCode >= 1 && noteCode <= 6 ? 2 : 0;
-    }
-}
 
 int Length(const std::string& text)
 {
@@ -163,7 +143,7 @@ void PageFormatter::CopyRecords(int firstRecord)
 
 void PageFormatter::SetWidth(NoteRecord& column)
 {
-    if (const int width = ColumnWidth(column.NoteCode))
+    if (const int width = column.IsHead() ? kHeadWidth : PageWidthOf(column.NoteCode))
         column.Spacing = width;
     const auto makeRoomFor = [&](const std::string& text) {
         if (Length(text) >= column.Spacing)

@@ -11,29 +11,31 @@ struct CodeRow {
     int code;
     int ticks;
     int spacing;
+    int pageWidth;
     int value;
+    bool triplet;
 };
 
 constexpr CodeRow kCodes[] = {
-    {1,  2,  2,  1 },
-    {2,  3,  2,  2 },
-    {3,  4,  2,  3 },
-    {4,  6,  3,  4 },
-    {5,  9,  3,  5 },
-    {6,  8,  3,  6 },
-    {7,  12, 4,  7 },
-    {8,  18, 4,  8 },
-    {9,  24, 8,  9 },
-    {10, 36, 12, 10},
-    {11, 48, 16, 11},
-    {92, 24, 8,  9 },
-    {93, 48, 16, 11},
-    {94, 2,  2,  1 },
-    {95, 3,  2,  2 },
-    {96, 4,  2,  3 },
-    {97, 6,  3,  4 },
-    {98, 8,  3,  6 },
-    {99, 12, 4,  7 },
+    {1,  2,  2,  2,  1,  true },
+    {2,  3,  2,  2,  2,  false},
+    {3,  4,  2,  2,  3,  true },
+    {4,  6,  3,  2,  4,  false},
+    {5,  9,  3,  2,  5,  false},
+    {6,  8,  3,  2,  6,  true },
+    {7,  12, 4,  3,  7,  false},
+    {8,  18, 4,  3,  8,  false},
+    {9,  24, 8,  5,  9,  false},
+    {10, 36, 12, 8,  10, false},
+    {11, 48, 16, 12, 11, false},
+    {92, 24, 8,  5,  9,  false},
+    {93, 48, 16, 12, 11, false},
+    {94, 2,  2,  3,  1,  true },
+    {95, 3,  2,  3,  2,  false},
+    {96, 4,  2,  3,  3,  true },
+    {97, 6,  3,  3,  4,  false},
+    {98, 8,  3,  3,  6,  true },
+    {99, 12, 4,  3,  7,  false},
 };
 
 constexpr int kRestCodes[] = {0, 94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
@@ -94,6 +96,16 @@ int TicksOf(int noteCode)
 int SpacingOf(int noteCode)
 {
     return RowOf(noteCode).spacing;
+}
+
+int PageWidthOf(int noteCode)
+{
+    return RowOf(noteCode).pageWidth;
+}
+
+bool IsTriplet(int noteCode)
+{
+    return RowOf(noteCode).triplet;
 }
 
 int RestCodeOf(int value)

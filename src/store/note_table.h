@@ -114,6 +114,12 @@ int TicksOf(int noteCode);
 /// Width that the measure view gives a note or rest code, in units of 6 points; 0 for others.
 int SpacingOf(int noteCode);
 
+/// Width of its column on the page, in width units; 0 for others.
+int PageWidthOf(int noteCode);
+
+/// Whether three of a note or rest code make a triplet.
+bool IsTriplet(int noteCode);
+
 /// The rest that is entered with button `value` of Toolbar1; 0 for others. Dotted values
 /// give the plain rest: there are no dotted rests.
 int RestCodeOf(int value);

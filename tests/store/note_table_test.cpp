@@ -119,6 +119,27 @@ TEST(NoteValues, HaveTheTicksAndSpacingOfTheirCode)
     }
 }
 
+TEST(NoteValues, HaveTheWidthOfTheirCodeOnThePage)
+{
+    const int width[] = {2, 2, 2, 2, 2, 2, 3, 3, 5, 8, 12};
+    for (int code = 1; code <= kNoteValues; ++code)
+        EXPECT_EQ(PageWidthOf(code), width[code - 1]) << code;
+    const int restWidth[] = {5, 12, 3, 3, 3, 3, 3, 3};  // 92 to 99
+    for (int code = kFirstRest; code <= kLastRest; ++code)
+        EXPECT_EQ(PageWidthOf(code), restWidth[code - kFirstRest]) << code;
+    for (int code : {-1, 0, 12, 91, 100, kHead})
+        EXPECT_EQ(PageWidthOf(code), 0) << code;
+}
+
+TEST(NoteValues, ThreeOfSixCodesMakeATriplet)
+{
+    for (int code = -1; code <= kHead; ++code) {
+        const bool triplet =
+            code == 1 || code == 3 || code == 6 || code == 94 || code == 96 || code == 98;
+        EXPECT_EQ(IsTriplet(code), triplet) << code;
+    }
+}
+
 TEST(NoteValues, HaveTheRestOfTheirButton)
 {
     const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
