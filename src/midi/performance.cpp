@@ -1,5 +1,7 @@
 #include "midi/performance.h"
 
+#include "store/signs.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -154,13 +156,13 @@ bool Performance::TakeHead()
     if (fromCoda)
         SkipToCoda();
     RepeatAgain();
-    if (Record().BarCode == "98" && tune.CurNote > way.RepeatStart) {
+    if (Record().BarCode == kRepeatStart && tune.CurNote > way.RepeatStart) {
         way.RepeatStart = tune.CurNote;
         way.EndingNumber = way.PassNumber = 1;
     }
     TakeEndings();
     played.push_back({tune.CurNote, way.PassNumber, fromCoda, way.FineMode});
-    if (Record().BarCode == "99") {
+    if (Record().BarCode == kRepeatEnd) {
         if (way.PassNumber == way.EndingNumber)
             way.RepeatPending = true;
         else
@@ -207,15 +209,15 @@ void Performance::TakeEndings()
 void Performance::TakeSign()
 {
     const std::string& sign = Record().Slot(1);
-    const bool ds = sign == "88" || sign == "89";
-    const bool dc = sign == "85" || sign == "86";
+    const bool ds = sign == kDsAlCoda || sign == kDsAlFine;
+    const bool dc = sign == kDcAlCoda || sign == kDcAlFine;
     if (ds || dc) {
         (ds ? way.DsPending : way.DcPending) = true;
-        (sign == "88" || sign == "85" ? way.CodaMode : way.FineMode) = true;
+        (sign == kDsAlCoda || sign == kDcAlCoda ? way.CodaMode : way.FineMode) = true;
         way.EndingNumber = way.PassNumber = 1;
-    } else if (sign == "87") {
+    } else if (sign == kSign) {
         way.SegnoHead = tune.CurNote;
-    } else if (sign == "83" && way.FineMode) {
+    } else if (sign == kFine && way.FineMode) {
         way.FinePending = true;
     }
 }
@@ -227,7 +229,7 @@ void Performance::SkipToCoda()
     do {
         if (!NextMeasureHead())
             throw Fault(Error::SubscriptOutOfRange, "No Coda follows " + from + ".");
-    } while (Record().Slot(1) != "84");
+    } while (Record().Slot(1) != kCoda);
 }
 
 /// False when the table ends before another head comes. What stands above LastNote counts too.

@@ -1,7 +1,7 @@
 #include "notation/page_layout.h"
 
 #include "notation/line_furniture.h"
-#include "notation/signs.h"
+#include "store/signs.h"
 
 #include <algorithm>
 #include <utility>

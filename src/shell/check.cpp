@@ -3,7 +3,7 @@
 #include "midi/performance.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
-#include "notation/signs.h"
+#include "store/signs.h"
 
 #include <algorithm>
 #include <map>
