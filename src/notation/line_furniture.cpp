@@ -8,23 +8,6 @@ namespace quillon {
 
 namespace {
 
-struct PageSign {
-    std::string_view code;
-    const char* text;
-    bool glyph;
-};
-
-// "81" and "82" have no row: they take up the top row and print nothing.
-constexpr PageSign kPageSigns[] = {
-    {kSign,     "$",            true },
-    {kCoda,     "@",            true },
-    {kDsAlFine, "D.S. Al Fine", false},
-    {kDsAlCoda, "D.S. Al Coda", false},
-    {kDcAlFine, "D.C. Al Fine", false},
-    {kDcAlCoda, "D.C. Al Coda", false},
-    {kFine,     "Fine",         false},
-};
-
 /// The size of time signatures beside a body font; 0 if it has none of its own.
 int SignatureSize(float bodySize)
 {
@@ -96,15 +79,14 @@ void LineFurniture::DrawRepeatBracket(int n)
 void LineFurniture::PrintSign(int n)
 {
     surface.CurrentY = RowTop;
-    for (const PageSign& sign : kPageSigns) {
-        if (sign.code != columns[n].Slot(1))
-            continue;
-        if (sign.glyph) {
-            surface.CurrentX = columns[n + 1].XPos - 2 * line.UnitSpacing;
-            line.PrintSymbol(sign.text);
-        } else {
-            PrintAtMeasureEnd(n, sign.text);
-        }
+    const SignRow* sign = FindSign(columns[n].Slot(1));
+    if (!sign || sign->PageText.empty())
+        return;
+    if (sign->Glyph) {
+        surface.CurrentX = columns[n + 1].XPos - 2 * line.UnitSpacing;
+        line.PrintSymbol(sign->PageText);
+    } else {
+        PrintAtMeasureEnd(n, sign->PageText);
     }
 }
 
@@ -121,7 +103,7 @@ void LineFurniture::PrintRemark(int n)
 }
 
 /// Sets a text to end behind the measure's last column, by its width in the main form's own font.
-void LineFurniture::PrintAtMeasureEnd(int n, const std::string& text)
+void LineFurniture::PrintAtMeasureEnd(int n, std::string_view text)
 {
     int w = n;
     while (columns[w + 1].Measure == columns[n].Measure)

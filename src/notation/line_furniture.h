@@ -8,6 +8,8 @@
 
 #include "notation/page_line.h"
 
+#include <string_view>
+
 namespace quillon {
 
 class LineFurniture {
@@ -26,7 +28,7 @@ private:
     void DrawRepeatBracket(int n);
     void PrintSign(int n);
     void PrintRemark(int n);
-    void PrintAtMeasureEnd(int n, const std::string& text);
+    void PrintAtMeasureEnd(int n, std::string_view text);
     void PrintChords();
     void DrawStaff();
     void PrintSignature(int n);

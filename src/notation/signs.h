@@ -16,25 +16,26 @@ inline constexpr std::string_view kSixteenthRest = "%";
 inline constexpr std::string_view kEighthRest = "`";
 inline constexpr std::string_view kQuarterRest = "~";
 
-/// How the measure view shows a navigation sign.
+/// How a navigation sign looks.
 struct SignRow {
     std::string_view Code;
-    std::string_view Text;
-    int X;  // points on StaffBox
+    std::string_view Text;      // in the measure view
+    std::string_view PageText;  // "" takes up the top row and prints nothing
+    int X;                      // points on StaffBox
     int Y;
     bool Glyph;  // in the notation font
 };
 
 inline constexpr SignRow kSignRows[] = {
-    {kDsAlFine, "D.S. al Fine", 248, 12, false},
-    {kDsAlCoda, "D.S. al Coda", 248, 12, false},
-    {kDcAlFine, "D.C. al Fine", 248, 12, false},
-    {kDcAlCoda, "D.C. al Coda", 248, 12, false},
-    {kCoda,     kCodaGlyph,     12,  12, true },
-    {kSign,     kSignGlyph,     12,  12, true },
-    {kFine,     "Fine",         260, 12, false},
-    {kDs,       "D.S.",         260, 12, false},
-    {kDc,       "D.C.",         260, 12, false},
+    {kDsAlFine, "D.S. al Fine", "D.S. Al Fine", 248, 12, false},
+    {kDsAlCoda, "D.S. al Coda", "D.S. Al Coda", 248, 12, false},
+    {kDcAlFine, "D.C. al Fine", "D.C. Al Fine", 248, 12, false},
+    {kDcAlCoda, "D.C. al Coda", "D.C. Al Coda", 248, 12, false},
+    {kCoda,     kCodaGlyph,     kCodaGlyph,     12,  12, true },
+    {kSign,     kSignGlyph,     kSignGlyph,     12,  12, true },
+    {kFine,     "Fine",         "Fine",         260, 12, false},
+    {kDs,       "D.S.",         "",             260, 12, false},
+    {kDc,       "D.C.",         "",             260, 12, false},
 };
 
 /// The row of a sign code, null for any other text.
