@@ -171,8 +171,8 @@ void Editor::ToggleSign(std::string_view code)
     } else {
         sign.clear();
     }
-    const bool glyph = code == kCoda || code == kSign;
-    if (!set || !glyph)
+    // A glyph is drawn over what is there.
+    if (!set || !FindSign(code)->Glyph)
         view.RedrawMeasure();
 }
 
