@@ -16,6 +16,7 @@ namespace quillon {
 struct TuningFormDesign {
     int NumStrings;  // also the number of Text1 boxes
     Form Name;
+    const char* ObjectName;
     const char* Caption;
     bool HasDefault;       // whether there is a button cmdDefault
     bool EnterInTextAdds;  // Enter in a Text1 box runs cmdAdd
@@ -23,9 +24,9 @@ struct TuningFormDesign {
 };
 
 inline constexpr TuningFormDesign kTuningForms[] = {
-    {6, Form::Guitar, "Tuning for 6 String Instrument", false, true,  true },
-    {5, Form::banjo,  "Tuning for 5 String Instrument", true,  false, false},
-    {4, Form::bass,   "Tuning for 4 String Instrument", true,  false, false},
+    {6, Form::Guitar, "Guitar", "Tuning for 6 String Instrument", false, true,  true },
+    {5, Form::banjo,  "banjo",  "Tuning for 5 String Instrument", true,  false, false},
+    {4, Form::bass,   "bass",   "Tuning for 4 String Instrument", true,  false, false},
 };
 
 class TuningForm {

@@ -89,8 +89,7 @@ TuningWindow::TuningWindow(QWidget* mainWindow, TuningForm& tuningForm, Runner& 
     : FormWindow(mainWindow, theRunner), form(tuningForm), ui(std::make_unique<Ui::Tuning>())
 {
     ui->setupUi(this);
-    constexpr const char* kNames[] = {"bass", "banjo", "Guitar"};
-    setObjectName(kNames[form.design.NumStrings - 4]);
+    setObjectName(form.design.ObjectName);
     setWindowTitle(form.design.Caption);
     ui->cmdDefault->setVisible(form.design.HasDefault);
     AddTextBoxes();
