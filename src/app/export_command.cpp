@@ -104,8 +104,9 @@ std::string FormatOf(const std::string& output)
     const std::size_t dot = output.find_last_of("./");
     std::string extension =
         dot == std::string::npos || output[dot] == '/' ? "" : output.substr(dot + 1);
-    if (extension == "gui" || extension == "bjo" || extension == "bss")
-        return "tune";
+    for (const InstrumentMode& mode : kInstrumentModes)
+        if (extension == mode.Extension)
+            return "tune";
     if (std::find(std::begin(kFormats), std::begin(kFormats) + 5, extension) !=
         std::begin(kFormats) + 5)
         return extension;
