@@ -36,15 +36,15 @@ void MidiForm::Show()
     rememberedCurNote = tune.CurNote;
     controls.cmdClearEnabled = false;
     controls.cmdStopEnabled = false;
-    const SoundDefaults& defaults = DefaultsFor(tune.NumStrings);
+    const InstrumentMode& mode = *FindMode(tune.NumStrings);
     const auto setting = [&](const char* key, int byDefault) {
         return Val(platform.settings.Get(Section(), key, std::to_string(byDefault)));
     };
-    const int program = Round(setting("Instrument", defaults.Instrument));
+    const int program = Round(setting("Instrument", mode.Instrument));
     if (program < -1 || program >= static_cast<int>(InstrumentNames().size()))
         throw Fault(Error::InvalidPropertyValue);
     controls.Combo2Index = program;
-    HSlider1Change(HeldTempo(setting("Tempo", defaults.Tempo)));
+    HSlider1Change(HeldTempo(setting("Tempo", mode.Tempo)));
     controls.lblCapo = std::to_string(controls.Capo);
     LoadTunings();
     InitPlayer();

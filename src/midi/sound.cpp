@@ -4,16 +4,8 @@
 #include "midi/performance.h"
 
 #include <algorithm>
-#include <cassert>
 
 namespace quillon {
-
-const SoundDefaults& DefaultsFor(int numStrings)
-{
-    const auto* found = std::ranges::find(kSoundDefaults, numStrings, &SoundDefaults::NumStrings);
-    assert(found != std::end(kSoundDefaults));
-    return *found;
-}
 
 std::span<const char* const> InstrumentNames()
 {
@@ -103,14 +95,14 @@ std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
 {
     if (tunings.empty())
         throw Fault(Error::InvalidPropertyValue);
-    const SoundDefaults& defaults = DefaultsFor(tune.NumStrings);
+    const InstrumentMode& mode = *FindMode(tune.NumStrings);
     const std::string wanted = choices.Tuning ? std::to_string(*choices.Tuning) : tune[0].Slot(4);
     const int row = TuningRow(wanted, static_cast<int>(tunings.size()));
     KeepTuning(tune, row);
 
     Sound sound;
-    sound.Tempo = HeldTempo(choices.Tempo.value_or(defaults.Tempo));
-    sound.Instrument = choices.Instrument.value_or(defaults.Instrument);
+    sound.Tempo = HeldTempo(choices.Tempo.value_or(mode.Tempo));
+    sound.Instrument = choices.Instrument.value_or(mode.Instrument);
     sound.OpenPitch = OpenPitches(tunings[static_cast<std::size_t>(row)], HeldCapo(choices.Capo));
     MidiFileWriter writer;
     BuildMidiFile(tune, sound, writer);

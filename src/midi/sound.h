@@ -16,22 +16,6 @@ constexpr int kLowestTempo = 30;  // beats per minute
 constexpr int kHighestTempo = 300;
 constexpr int kHighestCapo = 12;  // fret, from 0
 
-/// What a tune of an instrument sounds like until the user says otherwise.
-struct SoundDefaults {
-    int NumStrings;
-    int Instrument;  // General MIDI program, from 0
-    int Tempo;       // beats per minute
-};
-
-inline constexpr SoundDefaults kSoundDefaults[] = {
-    {6, 25,  130},
-    {5, 105, 210},
-    {4, 25,  130},
-};
-
-/// The defaults for 6, 5 or 4 strings.
-const SoundDefaults& DefaultsFor(int numStrings);
-
 /// Names of the programs 0..105, in the order of the General MIDI sound set.
 std::span<const char* const> InstrumentNames();
 

@@ -33,17 +33,28 @@ struct InstrumentMode {
     const char* FileFilter;       // of the open dialog
     const char* TuningFile;       // in the program's own folder
     const char* SettingsSection;  // for tuning, instrument and tempo
+
+    // Until the user says otherwise
+    int Instrument;  // General MIDI program, from 0
+    int Tempo;       // beats per minute
 };
 
+// clang-format off
 inline constexpr InstrumentMode kInstrumentModes[] = {
-    {6, "mnuGuitar",   "LYRANO Tablature Editor for Guitar",        "Lyrano - Tablature Editor for Guitar",
-     "gui",                                                                                                        "Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*", "Strings6.tun", "Guitar"},
-    {5, "mnuBanjo",    "LYRANO Tablature Editor for Banjo",         "Lyrano - Tablature Editor for Banjo",
-     "bjo",                                                                                                        "Banjo Files (*.bjo)|*.bjo|All Files (*.*)|*.*",  "Strings5.tun", "Banjo" },
-    {4, "mnuMandolin", "LYRANO Tablature Editor for Mandolin/Bass",
-     "Lyrano - Tablature Editor for Mandolin/Bass",                                                         "bss",
-     "Bass Files (*.bss)|*.bss|All Files (*.*)|*.*",                                                                                                                 "Strings4.tun", "Bass"  },
+    {6, "mnuGuitar",
+     "LYRANO Tablature Editor for Guitar", "Lyrano - Tablature Editor for Guitar",
+     "gui", "Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*",
+     "Strings6.tun", "Guitar", 25, 130},
+    {5, "mnuBanjo",
+     "LYRANO Tablature Editor for Banjo", "Lyrano - Tablature Editor for Banjo",
+     "bjo", "Banjo Files (*.bjo)|*.bjo|All Files (*.*)|*.*",
+     "Strings5.tun", "Banjo", 105, 210},
+    {4, "mnuMandolin",
+     "LYRANO Tablature Editor for Mandolin/Bass", "Lyrano - Tablature Editor for Mandolin/Bass",
+     "bss", "Bass Files (*.bss)|*.bss|All Files (*.*)|*.*",
+     "Strings4.tun", "Bass", 25, 130},
 };
+// clang-format on
 
 /// The mode of 6, 5 or 4 strings; null for any other number.
 constexpr const InstrumentMode* FindMode(int numStrings)
