@@ -5,6 +5,7 @@
 #include <cmath>
 #include <functional>
 #include <map>
+#include <optional>
 
 namespace quillon {
 
@@ -67,34 +68,41 @@ float Single(const std::string& option, const std::string& text)
     return static_cast<float>(Real(option, text));
 }
 
-using Setter = std::function<void(ExportOptions&, const std::string& option, const std::string&)>;
+using Setter = std::function<void(ExportCommand&, const std::string& option, const std::string&)>;
 
 // clang-format off
 const std::map<std::string, Setter> kOptions = {
+    {"-o", [](auto& c, auto&, auto& text) { c.Output = text; }},
+    {"--output", [](auto& c, auto&, auto& text) { c.Output = text; }},
+    {"--format", [](auto& c, auto&, auto& text) { c.Format = text; }},
     {"--strings",
-     [](auto& o, auto& name, auto& text) {
-         o.Strings = Whole(name, text);
-         if (!FindMode(*o.Strings))
+     [](auto& c, auto& name, auto& text) {
+         c.Options.Strings = Whole(name, text);
+         if (!FindMode(*c.Options.Strings))
              Bad("--strings is 4, 5 or 6");
      }},
-    {"--tempo", [](auto& o, auto& name, auto& text) { o.Tempo = Real(name, text); }},
-    {"--tuning", [](auto& o, auto& name, auto& text) { o.Tuning = Whole(name, text); }},
-    {"--tuning-file", [](auto& o, auto&, auto& text) { o.TuningFile = text; }},
-    {"--capo", [](auto& o, auto& name, auto& text) { o.Capo = Whole(name, text); }},
-    {"--instrument", [](auto& o, auto& name, auto& text) { o.Instrument = Whole(name, text); }},
-    {"--body-font", [](auto& o, auto&, auto& text) { o.BodyFont = text; }},
-    {"--body-size", [](auto& o, auto& name, auto& text) { o.BodySize = Single(name, text); }},
-    {"--title-font", [](auto& o, auto&, auto& text) { o.TitleFont = text; }},
-    {"--title-size", [](auto& o, auto& name, auto& text) { o.TitleSize = Single(name, text); }},
-    {"--left", [](auto& o, auto& name, auto& text) { o.Left = Single(name, text); }},
-    {"--right", [](auto& o, auto& name, auto& text) { o.Right = Single(name, text); }},
-    {"--top", [](auto& o, auto& name, auto& text) { o.Top = Single(name, text); }},
-    {"--stave-space", [](auto& o, auto& name, auto& text) { o.StaveSpace = Single(name, text); }},
+    {"--tempo", [](auto& c, auto& name, auto& text) { c.Options.Tempo = Real(name, text); }},
+    {"--tuning", [](auto& c, auto& name, auto& text) { c.Options.Tuning = Whole(name, text); }},
+    {"--tuning-file", [](auto& c, auto&, auto& text) { c.Options.TuningFile = text; }},
+    {"--capo", [](auto& c, auto& name, auto& text) { c.Options.Capo = Whole(name, text); }},
+    {"--instrument",
+     [](auto& c, auto& name, auto& text) { c.Options.Instrument = Whole(name, text); }},
+    {"--body-font", [](auto& c, auto&, auto& text) { c.Options.BodyFont = text; }},
+    {"--body-size",
+     [](auto& c, auto& name, auto& text) { c.Options.BodySize = Single(name, text); }},
+    {"--title-font", [](auto& c, auto&, auto& text) { c.Options.TitleFont = text; }},
+    {"--title-size",
+     [](auto& c, auto& name, auto& text) { c.Options.TitleSize = Single(name, text); }},
+    {"--left", [](auto& c, auto& name, auto& text) { c.Options.Left = Single(name, text); }},
+    {"--right", [](auto& c, auto& name, auto& text) { c.Options.Right = Single(name, text); }},
+    {"--top", [](auto& c, auto& name, auto& text) { c.Options.Top = Single(name, text); }},
+    {"--stave-space",
+     [](auto& c, auto& name, auto& text) { c.Options.StaveSpace = Single(name, text); }},
     {"--center-title",
-     [](auto& o, auto&, auto& text) {
+     [](auto& c, auto&, auto& text) {
          if (text != "yes" && text != "no")
              Bad("--center-title is yes or no");
-         o.CenterTitle = text == "yes";
+         c.Options.CenterTitle = text == "yes";
      }},
 };
 // clang-format on
@@ -137,25 +145,18 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
             (argument == "--check" ? command.Check : command.Order) = true;
             continue;
         }
-        std::string value;
+        std::optional<std::string> value;
         const std::size_t equals = argument.find('=');
         if (argument.starts_with("--") && equals != std::string::npos) {
             value = argument.substr(equals + 1);
             argument.erase(equals);
-        } else if (i + 1 < arguments.size()) {
-            value = arguments[++i];
-        } else {
-            Bad(argument + " wants a value");
         }
-        if (argument == "-o" || argument == "--output") {
-            command.Output = value;
-        } else if (argument == "--format") {
-            command.Format = value;
-        } else if (const auto option = kOptions.find(argument); option != kOptions.end()) {
-            option->second(command.Options, argument, value);
-        } else {
+        const auto option = kOptions.find(argument);
+        if (option == kOptions.end())
             Bad("unknown option " + argument);
-        }
+        if (!value && i + 1 == arguments.size())
+            Bad(argument + " wants a value");
+        option->second(command, argument, value ? *value : arguments[++i]);
     }
     if (command.Tunes.empty())
         Bad("no tune is named");
