@@ -30,6 +30,8 @@ int main(int argc, char** argv)
         std::string line;
         while (std::getline(script, line) && scenario.Play(line)) {
         }
+        if (script.bad())  // a folder, for one
+            throw std::runtime_error(std::string(argv[1]) + ": cannot be read");
         if (!std::cout.flush())
             throw std::runtime_error("standard output cannot be written");
         status = scenario.Status();
