@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <optional>
@@ -107,6 +108,7 @@ const std::map<std::string, Setter> kOptions = {
 };
 // clang-format on
 
+/// The format that a file's extension tells, "" if none.
 std::string FormatOf(const std::string& output)
 {
     const std::size_t dot = output.find_last_of("./");
@@ -118,7 +120,13 @@ std::string FormatOf(const std::string& output)
     if (std::find(std::begin(kFormats), std::begin(kFormats) + 5, extension) !=
         std::begin(kFormats) + 5)
         return extension;
-    Bad("the form of '" + output + "' is not known; name it with --format");
+    return {};
+}
+
+bool IsFolder(const std::string& path)
+{
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
 }
 
 }  // namespace
@@ -169,10 +177,16 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
     }
     if (command.Output.empty())
         Bad("no output is named; give one with -o");
+    const std::string byExtension = FormatOf(command.Output);
     if (command.Format.empty())
-        command.Format = FormatOf(command.Output);
+        command.Format = byExtension;
+    if (command.Format.empty())
+        Bad("the form of '" + command.Output + "' is not known; name it with --format");
     if (command.Tunes.size() > 1 && command.Output == "-")
         Bad("several tunes go into a folder, not to standard output");
+    if (command.Tunes.size() > 1 && !byExtension.empty() && !IsFolder(command.Output))
+        Bad("several tunes go into a folder, not into a file; '" + command.Output +
+            "' is named like one");
     if (std::find(std::begin(kFormats), std::end(kFormats), command.Format) == std::end(kFormats))
         Bad("unknown format " + command.Format);
     return command;

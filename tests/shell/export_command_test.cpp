@@ -1,5 +1,7 @@
 #include "app/export_command.h"
 
+#include "support/temporary_directory.h"
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -90,8 +92,9 @@ TEST(ExportCommandTest, WithoutOptionsNothingIsSet)
 TEST(ExportCommandTest, AValueMayFollowAnEqualsSignAndATuneTheDoubleDash)
 {
     const ExportCommand command =
-        ParseExportCommand({"--output=a.mid", "--tempo=120", "--", "-o", "--tempo"});
-    EXPECT_EQ(command.Output, "a.mid");
+        ParseExportCommand({"--output=midi", "--format=mid", "--tempo=120", "--", "-o", "--tempo"});
+    EXPECT_EQ(command.Output, "midi");
+    EXPECT_EQ(command.Format, "mid");
     EXPECT_EQ(command.Options.Tempo, 120);
     EXPECT_EQ(command.Tunes, (Arguments{"-o", "--tempo"}));
 }
@@ -116,12 +119,24 @@ TEST(ExportCommandTest, BadUsageIsRefusedWithItsReason)
         {{"t.gui", "-o", "a.pdf", "--center-title", "maybe"}, "--center-title is yes or no"              },
         {{"a.gui", "b.gui", "-o", "-", "--format", "mid"},
          "several tunes go into a folder, not to standard output"                                        },
+        {{"a.gui", "b.gui", "-o", "out.mid"},
+         "several tunes go into a folder, not into a file; 'out.mid' is named like one"                  },
+        {{"a.gui", "b.gui", "-o", "o.bss", "--format=mid"},
+         "several tunes go into a folder, not into a file; 'o.bss' is named like one"                    },
         {{"t.gui", "--check", "--order"},                     "--check and --order do not go together"   },
         {{"t.gui", "--check", "-o", "a.pdf"},
          "--check and --order have no output but the standard one"                                       },
     };
     for (const auto& [arguments, reason] : rows)
         EXPECT_EQ(Refusal(arguments), reason);
+}
+
+TEST(ExportCommandTest, AFolderMayBeNamedLikeAFile)
+{
+    const TemporaryDirectory directory;
+    std::filesystem::create_directory("out.mid");
+    EXPECT_EQ(ParseExportCommand({"a.gui", "b.gui", "-o", "out.mid"}).Format, "mid");
+    EXPECT_EQ(Refusal({"a.gui", "b.gui", "-o", "new.mid/", "--format", "mid"}), "none");
 }
 
 TEST(ExportCommandTest, HelpCheckAndOrderNeedNoOutput)
