@@ -33,6 +33,7 @@ ninja -C "$build" --quiet quillon-export quillon_bench
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
+trap 'exit 1' INT TERM
 mkdir -p "$scratch/home" "$scratch/19" "$scratch/152"
 mkdir -m 700 "$scratch/runtime"
 tune=$root/examples/greensleeves.gui  # 19 measures
