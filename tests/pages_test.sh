@@ -38,11 +38,17 @@ three_pages() {  # seven lines fit on a page, a measure each
 same_pages() {  # a file of each page, as they also come to standard output
     cat "$@" | cmp -s - "$scratch/all"
 }
+refuses() {  # name that is taken, tunes...
+    rm -rf refused
+    "$export_program" "${@:2}" --format svg -o refused 2> errors
+    [ $? = 1 ] && [ "$(wc -l < errors)" = 1 ] && grep -q ": refused/$1 has been made of" errors
+}
 draws_a_page_more() { [ "$(grep -c '<svg ' "$1")" = 1 ] && ! cmp -s "$1" "$2"; }
 
 tune=$scratch/three.gui
 three_pages > "$tune"
 cd "$scratch" || exit
+tee other.gui three.bjo three-2.gui < three.gui > /dev/null
 for form in svg png; do
     make "pages.$form"
     check "$form: a file a page" test "$(echo pages*.$form)" = "pages-2.$form pages-3.$form pages.$form"
@@ -53,9 +59,14 @@ for form in svg png; do
     for page in .$form -2.$form -3.$form; do
         check "$form: into a folder, under the tune's name" cmp -s "pages$page" "into-$form/three$page"
     done
-    "$export_program" three.gui three.gui --format $form -o "new/$form"
-    check "$form: into a folder that is made" test "$(ls "new/$form" | wc -l)" = 3
+    "$export_program" three.gui other.gui --format $form -o "new/$form"
+    check "$form: into a folder that is made" test "$(ls "new/$form" | wc -l)" = 6
 done
+check "the same tune twice" refuses three.svg three.gui three.gui
+check "two tunes of one name" refuses three.svg three.gui three.bjo
+check "a tune that is named like a page" refuses three-2.svg three.gui three-2.gui
+check "a page that is named like a tune" refuses three-2.svg three-2.gui three.gui
+check "nothing of a tune that is refused" test ! -e refused/three.svg
 check "page 2 is another page" draws_a_page_more pages-2.svg pages.svg
 check "page 3 is another page" draws_a_page_more pages-3.svg pages-2.svg
 make a.b.svg

@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <system_error>
 #include <unistd.h>
@@ -94,30 +95,31 @@ void RemoveFile(const std::string& path)
         fs::remove(file, ignored);
 }
 
-/// The file of page `number`: OUT for page 1, then -2, -3, ... before the dot.
-std::string PageFile(const std::string& output, int number)
+/// OUT for the first file, then -2, -3, ... before the dot.
+std::vector<std::string> FileNames(const std::string& output, std::size_t count)
 {
-    if (number == 1)
-        return output;
     const fs::path path(output);
-    const std::string name =
-        path.stem().string() + "-" + std::to_string(number) + path.extension().string();
-    return (path.parent_path() / name).string();
+    std::vector<std::string> names{output};
+    for (std::size_t number = 2; number <= count; ++number) {
+        const std::string name =
+            path.stem().string() + "-" + std::to_string(number) + path.extension().string();
+        names.push_back((path.parent_path() / name).string());
+    }
+    return names;
 }
 
-/// One file, or one a page. A result that is not whole is removed.
-void WriteFiles(const std::string& output, const std::vector<std::string>& files)
+/// A result that is not whole is removed.
+void WriteFiles(const std::vector<std::string>& names, const std::vector<std::string>& files)
 {
-    int number = 0;
+    std::size_t i = 0;
     try {
-        for (const std::string& file : files)
-            WriteFileBytes(PageFile(output, ++number), file);
+        for (; i < files.size(); ++i)
+            WriteFileBytes(names[i], files[i]);
     } catch (const Fault&) {
         const std::error_code reason(errno, std::generic_category());
-        const std::string failed = PageFile(output, number);
-        for (; number > 0; --number)
-            RemoveFile(PageFile(output, number));
-        throw CannotWrite(failed, reason);
+        for (std::size_t begun = 0; begun <= i; ++begun)
+            RemoveFile(names[begun]);
+        throw CannotWrite(names[i], reason);
     }
 }
 
@@ -157,9 +159,11 @@ bool TakesARename(const std::string& output)
     return output != "-" && (!fs::exists(status) || fs::is_regular_file(status));
 }
 
-void Export(const ExportCommand& command, const std::string& path, const std::string& output)
+/// What was made of a tune: one file, or one a page.
+void WriteResult(const ExportCommand& command, const std::vector<std::string>& names,
+                 std::vector<std::string> files)
 {
-    std::vector<std::string> files = MakeFiles(command, path);
+    const std::string& output = names.front();
     if (command.Format == "wav") {
         if (TakesARename(output)) {
             WriteWav(files.front(), output);
@@ -168,11 +172,29 @@ void Export(const ExportCommand& command, const std::string& path, const std::st
         files.front() = WavBytes(files.front());
     }
     if (output != "-") {
-        WriteFiles(output, files);
+        WriteFiles(names, files);
         return;
     }
     for (const std::string& file : files)
         Say(file);
+}
+
+/// Names of the files that have been written, each with its tune.
+using Written = std::map<std::string, std::string>;
+
+/// Writes over no file that is among those written.
+void Export(const ExportCommand& command, const std::string& path, const std::string& output,
+            Written& written)
+{
+    const std::vector<std::string> files = MakeFiles(command, path);
+    const std::vector<std::string> names = FileNames(output, files.size());
+    for (const std::string& name : names)
+        if (const auto other = written.find(name); other != written.end())
+            throw ExportError(name + " has been made of " + other->second +
+                              "; export this tune into another folder");
+    WriteResult(command, names, files);
+    for (const std::string& name : names)
+        written[name] = path;
 }
 
 /// Runs what is done with one tune. A failure is told on standard error.
@@ -205,6 +227,7 @@ bool ExportAll(const ExportCommand& command)
     const bool progress = isatty(STDERR_FILENO) != 0;
     std::error_code ignored;
     fs::create_directories(command.Output, ignored);
+    Written written;
     bool allDone = true;
     for (std::size_t i = 0; i < command.Tunes.size(); ++i) {
         const fs::path tune = command.Tunes[i];
@@ -213,7 +236,8 @@ bool ExportAll(const ExportCommand& command)
                       << std::flush;
         const fs::path name = tune.stem().string() + ExtensionOf(command, tune);
         const std::string output = (fs::path(command.Output) / name).string();
-        allDone = Try(tune.string(), [&] { Export(command, tune.string(), output); }) && allDone;
+        allDone =
+            Try(tune.string(), [&] { Export(command, tune.string(), output, written); }) && allDone;
     }
     if (progress)
         std::cerr << "\r\x1b[K" << std::flush;
@@ -268,7 +292,8 @@ bool OrderAll(const ExportCommand& command)
 bool ExportOne(const ExportCommand& command)
 {
     const std::string& path = command.Tunes.front();
-    return Try(path, [&] { Export(command, path, command.Output); });
+    Written none;
+    return Try(path, [&] { Export(command, path, command.Output, none); });
 }
 
 bool WantsFolder(const ExportCommand& command)
