@@ -3,6 +3,7 @@
 #include "store/signs.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -43,6 +44,7 @@ constexpr Length kLengths[] = {
     {98, 3, 2},
     {99, 1, 1},
 };
+static_assert(std::size(kLengths) == kNoteValues + kRests);
 
 int LengthOf(int noteCode, int beatTicks)
 {

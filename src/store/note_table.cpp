@@ -37,6 +37,7 @@ constexpr CodeRow kCodes[] = {
     {98, 8,  3,  3,  6,  true },
     {99, 12, 4,  3,  7,  false},
 };
+static_assert(std::size(kCodes) == kNoteValues + kRests);
 
 constexpr int kRestCodes[] = {0, 94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
 static_assert(std::size(kRestCodes) == kNoteValues + 1);

@@ -23,6 +23,7 @@ constexpr int kTicksPerQuarter = 12;
 constexpr int kNoteValues = 11;  // note codes, and buttons of Toolbar1: 1..11
 constexpr int kFirstRest = 92;   // rest codes: 92..99
 constexpr int kLastRest = 99;
+constexpr int kRests = kLastRest - kFirstRest + 1;
 
 /// One record. What the fields mean depends on the kind of record:
 ///
