@@ -43,6 +43,10 @@ refuses() {  # name that is taken, tunes...
     "$export_program" "${@:2}" --format svg -o refused 2> errors
     [ $? = 1 ] && [ "$(wc -l < errors)" = 1 ] && grep -q ": refused/$1 has been made of" errors
 }
+keeps_the_tune() {  # arguments that would write a page or another tune over three.gui
+    ! "$export_program" "$@" 2> errors && grep -q " is a tune to export" errors &&
+        cmp -s three.gui "$tune.whole"
+}
 draws_a_page_more() { [ "$(grep -c '<svg ' "$1")" = 1 ] && ! cmp -s "$1" "$2"; }
 
 tune=$scratch/three.gui
@@ -67,6 +71,11 @@ check "two tunes of one name" refuses three.svg three.gui three.bjo
 check "a tune that is named like a page" refuses three-2.svg three.gui three-2.gui
 check "a page that is named like a tune" refuses three-2.svg three-2.gui three.gui
 check "nothing of a tune that is refused" test ! -e refused/three.svg
+"$export_program" three.gui -o three.gui  # a tune over itself, as Quillon writes it
+cp three.gui "$tune.whole"
+mkdir -p elsewhere && cp other.gui elsewhere/three.gui
+check "no page over its own tune" keeps_the_tune three.gui --format svg -o three.gui
+check "no tune over one that comes later" keeps_the_tune elsewhere/three.gui three.gui --format tune -o .
 check "page 2 is another page" draws_a_page_more pages-2.svg pages.svg
 check "page 3 is another page" draws_a_page_more pages-3.svg pages-2.svg
 make a.b.svg

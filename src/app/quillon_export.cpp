@@ -182,16 +182,28 @@ void WriteResult(const ExportCommand& command, const std::vector<std::string>& n
 /// Names of the files that have been written, each with its tune.
 using Written = std::map<std::string, std::string>;
 
+/// A tune is only written over by itself, as a tune.
+void RefuseToReplaceATune(const ExportCommand& command, const std::string& path,
+                          const std::string& output)
+{
+    std::error_code ignored;
+    for (const std::string& tune : command.Tunes)
+        if ((tune != path || command.Format != "tune") && fs::equivalent(tune, output, ignored))
+            throw ExportError(output + " is a tune to export; name another place with -o");
+}
+
 /// Writes over no file that is among those written.
 void Export(const ExportCommand& command, const std::string& path, const std::string& output,
             Written& written)
 {
     const std::vector<std::string> files = MakeFiles(command, path);
     const std::vector<std::string> names = FileNames(output, files.size());
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
+        RefuseToReplaceATune(command, path, name);
         if (const auto other = written.find(name); other != written.end())
             throw ExportError(name + " has been made of " + other->second +
                               "; export this tune into another folder");
+    }
     WriteResult(command, names, files);
     for (const std::string& name : names)
         written[name] = path;
