@@ -17,6 +17,7 @@
 #include "qt/program.h"
 #include "store/tune_file.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDir>
@@ -148,7 +149,8 @@ private:
         } else if (auto* prompt = qobject_cast<QInputDialog*>(dialog)) {
             prompt->accept();
         } else if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
-            box->defaultButton() ? box->defaultButton()->click() : box->accept();
+            QAbstractButton* yes = box->button(QMessageBox::Yes);
+            yes ? yes->click() : box->accept();
         }
     }
 
