@@ -73,6 +73,9 @@ check "a page that is named like a tune" refuses three-2.svg three-2.gui three.g
 check "nothing of a tune that is refused" test ! -e refused/three.svg
 "$export_program" three.gui -o three.gui  # a tune over itself, as Quillon writes it
 cp three.gui "$tune.whole"
+{ printf '0,0,0\r\n0,4,4,4\r\n0,""," "," ","\001\013 Air"\r\n' && tail -n +4 three.gui; } > control.gui
+"$export_program" control.gui -o control.svg
+check "SVG: control characters leave it well-formed" rsvg-convert -o control.png control.svg
 mkdir -p elsewhere && cp other.gui elsewhere/three.gui
 check "no page over its own tune" keeps_the_tune three.gui --format svg -o three.gui
 check "no tune over one that comes later" keeps_the_tune elsewhere/three.gui three.gui --format tune -o .

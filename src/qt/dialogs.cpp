@@ -69,10 +69,14 @@ private:
 bool MayReplace(QWidget* owner, const QString& path)
 {
     const QFileInfo file(path);
-    return !file.exists() ||
-           QMessageBox::warning(
-               owner, "Save As", file.fileName() + " already exists.\nDo you want to replace it?",
-               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+    if (!file.exists())
+        return true;
+    QMessageBox box(QMessageBox::Warning, "Save As",
+                    file.fileName() + " already exists.\nDo you want to replace it?",
+                    QMessageBox::Yes | QMessageBox::No, owner);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
 }
 
 }  // namespace

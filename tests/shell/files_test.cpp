@@ -241,6 +241,19 @@ TEST_F(Files, AFileEndingAfterLine5OfARecordIsIncompatibleAndNoPartialTune)
     ExpectIncompatible(bytes.substr(0, end));
 }
 
+TEST_F(Files, AnIncompatibleFileBlanksTheViewWithTheFiguresInForceBeforeTheStateIsReset)
+{
+    win.form.CurBeats = 3;
+    win.form.CurBeatUnit = 8;
+    ExpectIncompatible("1,");
+    const std::string log = win.view.StaffBox.Picture().Log();
+    EXPECT_NE(log.find("\" 3 \""), std::string::npos) << log;
+    EXPECT_NE(log.find("\" 8 \""), std::string::npos) << log;
+    EXPECT_EQ(win.form.CurBeats, 4);
+    EXPECT_EQ(win.form.CurBeatUnit, 4);
+    EXPECT_EQ(win.form.CursorY, 84);
+}
+
 TEST_F(Files, TheLastLineMayOrMayNotEndInCrLf)
 {
     const std::string path = WriteTune("tune.gui", 2);
