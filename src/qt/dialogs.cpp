@@ -71,7 +71,7 @@ bool MayReplace(QWidget* owner, const QString& path)
     const QFileInfo file(path);
     if (!file.exists())
         return true;
-    QMessageBox box(QMessageBox::Warning, "Save As",
+    QMessageBox box(QMessageBox::Warning, "File Exists",
                     file.fileName() + " already exists.\nDo you want to replace it?",
                     QMessageBox::Yes | QMessageBox::No, owner);
     box.setTextFormat(Qt::PlainText);
