@@ -1,0 +1,164 @@
+// Calls the system directly, as no other file of the core: standard C++ can neither make a file
+// that is surely a new one nor bring it to the disk.
+
+#include "store/staged_file.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <random>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace quillon {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostLinks = 40;                  // in a row, as the kernel counts
+constexpr auto kSame = static_cast<uid_t>(-1);  // leaves an owner or a group as it is
+
+[[noreturn]] void Fail(int reason)
+{
+    throw std::system_error(reason, std::generic_category());
+}
+
+fs::path FolderOf(const fs::path& path)
+{
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+/// The links of /proc name open files: what they lead to may have another name by now, or none.
+bool IsLinkToAPlace(const fs::path& path)
+{
+    std::error_code ignored;
+    return fs::is_symlink(path, ignored) &&
+           !fs::canonical(FolderOf(path), ignored).string().starts_with("/proc/");
+}
+
+/// `path` without its links; nothing needs to be there.
+fs::path PlaceOf(fs::path path)
+{
+    for (int links = 0; IsLinkToAPlace(path); ++links) {
+        if (links == kMostLinks)
+            Fail(ELOOP);
+        path = FolderOf(path) / fs::read_symlink(path);
+    }
+    return path;
+}
+
+/// Of a file that may be replaced, its permissions; else `modeOfNewFile`.
+unsigned ModeFor(const fs::path& place, unsigned modeOfNewFile)
+{
+    struct stat there;
+    if (lstat(place.c_str(), &there) != 0)
+        return modeOfNewFile;
+    if (S_ISDIR(there.st_mode))
+        Fail(EISDIR);
+    if (!S_ISREG(there.st_mode))
+        Fail(ENOTSUP);
+    if (faccessat(AT_FDCWD, place.c_str(), W_OK, AT_EACCESS) != 0)
+        Fail(errno);
+    return there.st_mode & 0777;
+}
+
+/// In a shared folder a file stays its group's and, if the system allows it, its owner's. A group
+/// that cannot stay does not leave its permissions to another.
+void TakeAfter(const fs::path& place, int descriptor)
+{
+    struct stat there;
+    if (lstat(place.c_str(), &there) != 0)
+        return;
+    const bool sameGroup = fchown(descriptor, kSame, there.st_gid) == 0;
+    [[maybe_unused]] const bool sameOwner = fchown(descriptor, there.st_uid, kSame) == 0;
+    fchmod(descriptor, there.st_mode & (sameGroup ? 0777 : 0707));
+}
+
+void SyncDescriptor(int descriptor)
+{
+    const bool unknownThere = fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP;
+    if (unknownThere)
+        Fail(errno);
+}
+
+/// A failure changes nothing about the file, which has its new name already.
+void SyncFolder(const fs::path& folder)
+{
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
+}
+
+}  // namespace
+
+TemporaryFile::TemporaryFile(const fs::path& folder, unsigned mode)
+{
+    std::random_device random;
+    do {
+        path = (folder / (".quillon-" + std::to_string(random()))).string();
+        descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    } while (descriptor < 0 && errno == EEXIST);
+    if (descriptor < 0)
+        Fail(errno);
+}
+
+TemporaryFile::~TemporaryFile()
+{
+    close(descriptor);
+    if (!path.empty())
+        unlink(path.c_str());
+}
+
+void TemporaryFile::Rename(const fs::path& place)
+{
+    fs::rename(path, place);
+    path.clear();
+}
+
+StagedFile::StagedFile(const fs::path& path, unsigned mode)
+    : place(PlaceOf(path)), file(FolderOf(place), ModeFor(place, mode))
+{
+    TakeAfter(place, file.Descriptor());
+}
+
+void StagedFile::Write(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = write(file.Descriptor(), bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR)
+            Fail(errno);
+        if (written > 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    Sync();
+}
+
+void StagedFile::Sync()
+{
+    SyncDescriptor(file.Descriptor());
+}
+
+void StagedFile::TakePlace()
+{
+    file.Rename(place);
+    SyncFolder(FolderOf(place));
+}
+
+void ReplaceFile(const fs::path& path, std::string_view bytes, unsigned mode)
+{
+    StagedFile file(path, mode);
+    file.Write(bytes);
+    file.TakePlace();
+}
+
+bool IsStream(const fs::path& path)
+{
+    std::error_code ignored;
+    const fs::file_status status = fs::symlink_status(PlaceOf(path), ignored);
+    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
+}  // namespace quillon

@@ -1,0 +1,70 @@
+// Files that appear only when they are whole.
+//
+// Bytes that overwrite a file in place take it away first: a full disk, a kill or a power cut then
+// leaves a part of the new file and nothing of the old one. A staged file is written beside its
+// place under a name of its own, and takes the place in one step.
+
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+// What fails here is a std::system_error with the system's reason.
+
+constexpr unsigned kNewFileMode = 0666;  // less what the user's mask forbids
+
+/// An empty file that nobody else has. It is removed at the end of its life, unless it has been
+/// renamed.
+class TemporaryFile {
+public:
+    TemporaryFile(const std::filesystem::path& folder, unsigned mode);
+    ~TemporaryFile();
+
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const std::string& Path() const { return path; }
+    int Descriptor() const { return descriptor; }
+
+    /// Renames it, over a file that is there.
+    void Rename(const std::filesystem::path& place);
+
+private:
+    std::string path;
+    int descriptor;
+};
+
+class StagedFile {
+public:
+    /// Begins a file for `path`, or for what it leads to if it is a link. Permissions, owner and
+    /// group will be those of the file that is there, as far as the system allows; a new file gets
+    /// `mode`. A file that may not be written, or that is no regular file, is not replaced.
+    explicit StagedFile(const std::filesystem::path& path, unsigned mode = kNewFileMode);
+
+    /// Where it lies until it takes its place. Who writes there directly calls Sync in the end.
+    const std::string& Path() const { return file.Path(); }
+
+    /// All its bytes, brought to the disk.
+    void Write(std::string_view bytes);
+    void Sync();
+
+    /// Replaces what is at its place.
+    void TakePlace();
+
+private:
+    std::filesystem::path place;
+    TemporaryFile file;
+};
+
+/// Replaces the file at `path`, or makes a new one. On failure all is as it was.
+void ReplaceFile(const std::filesystem::path& path, std::string_view bytes,
+                 unsigned mode = kNewFileMode);
+
+/// Whether `path` is where bytes go by and no file can be put: a device, a pipe, or an open file
+/// such as /dev/stdout.
+bool IsStream(const std::filesystem::path& path);
+
+}  // namespace quillon
