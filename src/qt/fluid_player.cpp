@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cmath>
 #include <filesystem>
+#include <new>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -76,6 +77,12 @@ bool IsMidiFile(const std::string& bytes)
 
 }  // namespace
 
+FluidPlayer::FluidPlayer(std::chrono::milliseconds silence)
+{
+    listening.setInterval(silence);
+    QObject::connect(&listening, &QTimer::timeout, [this] { Listen(); });
+}
+
 bool FluidPlayer::Init()
 {
     Close();
@@ -106,8 +113,7 @@ bool FluidPlayer::OpenDriver()
 
 void FluidPlayer::Close()
 {
-    watchedPlay = 0;
-    playing = false;
+    Stop();
     tempoFactor = 1;
     driver.reset();
     player.reset();
@@ -120,13 +126,14 @@ void FluidPlayer::Load(const std::string& path)
     const std::string midi = ReadFileBytes(path);
     if (!IsMidiFile(midi))
         throw Fault(Error::PathFileAccess, "The file is no MIDI file.");
-    watchedPlay = 0;
-    playing = false;
+    Stop();
     // The list of players has no lock: making or deleting one under a running driver crashes.
     driver.reset();
     player.reset();
     fluid_synth_system_reset(synth.get());
     player.reset(new_fluid_player(synth.get()));
+    if (!player)
+        throw std::bad_alloc();
     fluid_player_add_mem(player.get(), midi.data(), midi.size());
     fluid_player_set_tick_callback(player.get(), &FluidPlayer::OnTick, this);
     OpenDriver();
@@ -136,6 +143,8 @@ void FluidPlayer::Play(bool forEver)
 {
     if (!player)
         return;
+    if (std::exchange(silent, false))
+        driver.reset();
     if (!driver && !OpenDriver()) {
         // Nothing would ever call the player, and the tune would never end.
         QMetaObject::invokeMethod(
@@ -154,6 +163,7 @@ void FluidPlayer::Stop()
 {
     watchedPlay = 0;
     playing = false;
+    listening.stop();
     if (player)
         fluid_player_stop(player.get());
 }
@@ -163,6 +173,7 @@ void FluidPlayer::SetTempoFactor(double factor)
     tempoFactor = factor;
     if (!playing)
         return;
+    listening.stop();
     if (factor <= 0) {
         fluid_player_stop(player.get());  // keeps its place, and goes on from there
         return;
@@ -170,6 +181,8 @@ void FluidPlayer::SetTempoFactor(double factor)
     fluid_player_set_tempo(player.get(), FLUID_PLAYER_TEMPO_INTERNAL, factor);
     if (fluid_player_get_status(player.get()) != FLUID_PLAYER_PLAYING)
         fluid_player_play(player.get());
+    heard = false;
+    listening.start();
 }
 
 void FluidPlayer::SetVolume(int hundredthsOfDecibel)
@@ -184,11 +197,21 @@ void FluidPlayer::SetVolume(int hundredthsOfDecibel)
 int FluidPlayer::OnTick(void* self, int tick)
 {
     auto* it = static_cast<FluidPlayer*>(self);
+    it->heard = true;
     if (tick >= fluid_player_get_total_ticks(it->player.get()))
         if (const int ended = it->watchedPlay.exchange(0))
             QMetaObject::invokeMethod(
                 &it->receiver, [it, ended] { it->Ended(ended); }, Qt::QueuedConnection);
     return FLUID_OK;
+}
+
+void FluidPlayer::Listen()
+{
+    if (heard.exchange(false))
+        return;
+    listening.stop();  // once for each play
+    silent = true;
+    Tell(OnFailure);
 }
 
 void FluidPlayer::Ended(int playNumber)

@@ -16,8 +16,12 @@
 #include <QThread>
 #include <QTimer>
 
+#include <sys/resource.h>
+
 #include <cerrno>
+#include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <system_error>
 
@@ -95,7 +99,7 @@ protected:
     }
 
     TemporaryDirectory folder;
-    FluidPlayer player;
+    FluidPlayer player{std::chrono::milliseconds(500)};
     int ends = 0;
     QThread* listener = nullptr;
 };
@@ -216,6 +220,128 @@ TEST_F(FluidPlayerTest, ASoundDeviceThatIsGoneIsTold)
     Wait(10);
     EXPECT_EQ(failures, 1);
     EXPECT_EQ(ends, 0);
+}
+
+/// Fails whoever writes a file beyond `bytes`, as a full disk does.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) : handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit limit{bytes, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+    }
+
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    void (*handler)(int);
+    rlimit before{};
+};
+
+TEST_F(FluidPlayerTest, ASoundThreadThatEndsWhileItPlaysIsToldOnceAndTheNextPlayHasANewOne)
+{
+    int failures = 0;
+    player.OnFailure = [&] { ++failures; };
+    ASSERT_TRUE(player.Init());
+    Load(20);
+    {
+        const FileSizeLimit limit(100000);  // half a second of sound
+        player.Play(true);
+        Wait(2000);
+    }
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(ends, 0);
+    player.Stop();
+    Load(1);
+    player.Play(false);
+    TimeToEnd(3000);
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(failures, 1);
+}
+
+TEST_F(FluidPlayerTest, ASoundThreadThatHasEndedIsReplacedWhenItIsPlayedAgain)
+{
+    int failures = 0;
+    player.OnFailure = [&] { ++failures; };
+    ASSERT_TRUE(player.Init());
+    Load(2);
+    {
+        const FileSizeLimit limit(50000);
+        Wait(500);  // nothing is played yet, so nothing is told
+        EXPECT_EQ(failures, 0);
+        player.Play(false);
+        Wait(800);
+    }
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(ends, 0);
+    player.Stop();
+    player.Play(false);
+    TimeToEnd(3000);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(FluidPlayerTest, AMidiFileThatCannotBePlayedIsTold)
+{
+    int failures = 0;
+    player.OnFailure = [&] { ++failures; };
+    ASSERT_TRUE(player.Init());
+    WriteFileBytes("broken.mid", "MThd and no more");
+    player.Load("broken.mid");
+    player.Play(false);
+    Wait(800);
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(FluidPlayerTest, ATuneThatStandsStillOrLoopsOrHasBeenStoppedIsNoFailure)
+{
+    int failures = 0;
+    player.OnFailure = [&] { ++failures; };
+    ASSERT_TRUE(player.Init());
+    Load(1);
+    player.Play(true);
+    Wait(800);
+    player.SetTempoFactor(0);
+    Wait(800);
+    player.SetTempoFactor(0.1);
+    Wait(800);
+    player.Stop();
+    Wait(800);
+    EXPECT_EQ(failures, 0);
+}
+
+int Entries(const char* folder)
+{
+    int entries = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder))
+        ++entries;
+    return entries;
+}
+
+TEST_F(FluidPlayerTest, ThreadsAndHandlesStayTheSameOverManyBuildsAndPlays)
+{
+    const auto play = [this] {
+        EXPECT_TRUE(player.Init());
+        Load(1);
+        player.Play(true);
+    };
+    play();
+    Wait(50);
+    const int threads = Entries("/proc/self/task");
+    const int handles = Entries("/proc/self/fd");
+    for (int i = 0; i < 50; ++i)
+        play();
+    Wait(50);  // a thread that has been waited for may still be listed
+    EXPECT_EQ(Entries("/proc/self/task"), threads);
+    EXPECT_EQ(Entries("/proc/self/fd"), handles);
 }
 
 TEST_F(FluidPlayerTest, AFileThatIsNoMidiFileIsAFault)
