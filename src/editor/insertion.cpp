@@ -135,7 +135,7 @@ void Editor::DeleteOnlyMeasure()
     tune.LastNote = 0;
     form.MeasEnd = 0;
     form.MeasHead = 1;
-    form.CurValue = 7;
+    form.CurValue = kQuarter;
     SetToolbarValue(7);
     form.MeasFill = 0;
     view.Beam.Reset();

@@ -159,7 +159,7 @@ void Editor::cmdNext()
         tune.CurNote += form.MeasFill < form.MeasCapacity ? 1 : 2;
         StartMeasure(tune.CurNote - 1);
     }
-    if (Current().NoteCode >= 1 && Current().NoteCode <= 89)
+    if (Current().NoteCode > 0 && Current().NoteCode < kEndOfNotes)
         SetToolbarValue(Current().NoteCode);
     SetFocus(Control::StaffBox);
 }
@@ -196,7 +196,7 @@ void Editor::cmdPrevious()
         form.CursorX = tune[form.MeasHead + 1].XPos;
         tune.CurNote = form.MeasHead + 1;
     }
-    if (Current().NoteCode >= 1 && Current().NoteCode <= 89)
+    if (Current().NoteCode > 0 && Current().NoteCode < kEndOfNotes)
         SetToolbarValue(Current().NoteCode);
     SetFocus(Control::StaffBox);
 }

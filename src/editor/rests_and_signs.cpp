@@ -7,13 +7,6 @@
 
 namespace quillon {
 
-namespace {
-
-constexpr int kHalfRest = 92;
-constexpr int kWholeRest = 93;
-
-}  // namespace
-
 void Editor::mnuRest()
 {
     EnterRest(RestCodeOf(form.CurValue));

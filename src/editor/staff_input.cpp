@@ -12,7 +12,7 @@ namespace {
 /// The characters that go into a string's slot.
 constexpr std::string_view kFretCharacters = "0123456789-><xX^/()=";
 
-/// What the value keys make of CurValue (0 stands for no value).
+/// What the value keys make of CurValue, by its value; 0 leaves it.
 struct ValueKeyRow {
     int plus;
     int dot;
@@ -20,18 +20,18 @@ struct ValueKeyRow {
 };
 
 constexpr ValueKeyRow kValueKeys[] = {
-    {0, 0, 0 },
-    {2, 5, 1 },
-    {4, 5, 1 },
-    {4, 5, 3 },
-    {7, 5, 3 },
-    {7, 5, 3 },
-    {7, 8, 6 },
-    {2, 8, 6 },
-    {2, 8, 6 },
-    {7, 8, 9 },
-    {7, 8, 10},
-    {7, 8, 11},
+    {0,          0,              0                },
+    {kSixteenth, kDottedEighth,  kTripletSixteenth},
+    {kEighth,    kDottedEighth,  kTripletSixteenth},
+    {kEighth,    kDottedEighth,  kTripletEighth   },
+    {kQuarter,   kDottedEighth,  kTripletEighth   },
+    {kQuarter,   kDottedEighth,  kTripletEighth   },
+    {kQuarter,   kDottedQuarter, kTripletQuarter  },
+    {kSixteenth, kDottedQuarter, kTripletQuarter  },
+    {kSixteenth, kDottedQuarter, kTripletQuarter  },
+    {kQuarter,   kDottedQuarter, kHalf            },
+    {kQuarter,   kDottedQuarter, kDottedHalf      },
+    {kQuarter,   kDottedQuarter, kWhole           },
 };
 static_assert(std::size(kValueKeys) == kNoteValues + 1);
 
@@ -149,9 +149,9 @@ void Editor::Backspace()
 /// Presses the button of a note or rest; `buttonOfHalfRest` is the one that a half rest shows.
 void Editor::ShowValueOf(int noteCode, int buttonOfHalfRest)
 {
-    if (noteCode < 90)
+    if (noteCode < kEndOfNotes)
         SetToolbarValue(noteCode);
-    else if (noteCode == 92)
+    else if (noteCode == kHalfRest)
         SetToolbarValue(buttonOfHalfRest);
     else if (const int button = ValueOf(noteCode))
         SetToolbarValue(button);
@@ -172,7 +172,7 @@ void Editor::Left()
     HideCaret();
     --tune.CurNote;
     form.CursorX = Current().XPos;
-    ShowValueOf(Current().NoteCode, 8);
+    ShowValueOf(Current().NoteCode, kDottedQuarter);
     CursorToFilledString();
 }
 
@@ -193,7 +193,7 @@ void Editor::Right()
     }
     if (tune.CurNote < form.MeasEnd)
         ++tune.CurNote;
-    ShowValueOf(Current().NoteCode, 9);
+    ShowValueOf(Current().NoteCode, kHalf);
     CursorToFilledString();
     form.CursorX = Current().XPos;
 }
@@ -238,7 +238,7 @@ void Editor::FretKey(char character)
         SelectValue(row.dot);
         break;
     case '*':
-        if (form.CurValue < 9)
+        if (form.CurValue < kHalf)
             SelectValue(row.triplet);
         break;
     case kKeyEnter:

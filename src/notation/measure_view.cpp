@@ -55,7 +55,7 @@ void MeasureView::RedrawMeasure()
     NoteRecord& head = tune[form.MeasHead];
     form.CurBeats = head.Beats;
     form.CurBeatUnit = head.BeatUnit;
-    form.MeasCapacity = form.CurBeats * (form.CurBeatUnit == 4 ? 12 : 6);
+    form.MeasCapacity = form.CurBeats * TicksPerBeat(form.CurBeatUnit);
     ClearStaff();
     Beam = {};
     form.MeasFill = 0;
@@ -136,12 +136,12 @@ void MeasureView::DrawNote()
     const int code = note.NoteCode;
     if (!note.ChordText.empty())
         StaffBox.PrintLineAt(note.XPos, 12, note.ChordText);
-    const int beat = form.CurBeatUnit == 4 ? 12 : 18;
-    if (tickCount % beat == 0 || code == 99 || code == 92 || code == 93)
+    if (tickCount % TicksPerBeamGroup(form.CurBeatUnit) == 0 || code == kQuarterRest ||
+        code == kHalfRest || code == kWholeRest)
         beamStartX = beam2StartX = 0;
-    if (code < 6 && beamStartX == 0)
+    if (code <= kDottedEighth && beamStartX == 0)
         beamStartX = note.XPos;
-    if (code < 3 && (beam2StartX == 0 || note.BeamCode >= 3))
+    if (code <= kSixteenth && (beam2StartX == 0 || note.BeamCode >= kBackStub))
         beam2StartX = note.XPos;
 
     for (std::string& slot : note.Slots) {
@@ -155,7 +155,7 @@ void MeasureView::DrawNote()
             DrawCell(s);
 
     noteX = note.XPos + 3;
-    if (code >= 11)
+    if (code >= kWhole)
         DrawStemless();
     else
         DrawStem(note.HighestFilledSlot());
@@ -189,11 +189,10 @@ void MeasureView::DrawCell(int s)
         StaffBox.PrintLine(text);
         UseBodyFont();
     } else {
-        if (note.NoteCode >= 9 && note.NoteCode <= 11)
+        if (note.NoteCode >= kHalf && note.NoteCode <= kWhole)
             text = "[" + text + "]";
         DrawCellText(text, y);
-        const bool dotted = note.BeamCode >= 6 && note.BeamCode <= 8;
-        if (dotted || note.NoteCode == 10) {
+        if (HasDot(note.BeamCode) || note.NoteCode == kDottedHalf) {
             StaffBox.FillSolid = true;
             StaffBox.Circle(6 * Length(text) + note.XPos, dotY, 1);
         }
@@ -246,13 +245,13 @@ void MeasureView::DrawStemless()
     StaffBox.Font.Size = 10;
     StaffBox.CurrentY = tune.NumStrings == 4 ? 36 : 42;
     StaffBox.CurrentX = note.XPos;
-    if (code == 92 || code == 93) {
-        const int y = code == 92 ? restBarY - 4 : restBarY;
+    if (code == kHalfRest || code == kWholeRest) {
+        const int y = code == kHalfRest ? restBarY - 4 : restBarY;
         StaffBox.DrawWidth = 5;
         StaffBox.Line(note.XPos + 8, y, note.XPos + 16, y);
         StaffBox.DrawWidth = 1;
-    } else if (code >= 94 && code <= 99) {
-        StaffBox.PrintLine(code <= 95 ? kSixteenthRest : code <= 97 ? kEighthRest : kQuarterRest);
+    } else if (code >= kTripletSixteenthRest && code <= kQuarterRest) {
+        StaffBox.PrintLine(RestGlyph(code));
     }
     UseBodyFont();
     CountTriplet(code);
@@ -277,29 +276,29 @@ void MeasureView::DrawBeam()
     const int start = beamStartX + 2;
     const int start2 = beam2StartX + 2;
     switch (tune[tune.CurNote].BeamCode) {
-    case 1:
-        Glyph(x, y - 18, kSixteenthFlag);
+    case kSixteenthFlag:
+        Glyph(x, y - 18, kSixteenthFlagGlyph);
         break;
-    case 2:
+    case kBothBeams:
         StaffBox.Line(x - 1, y, start, y);
         StaffBox.Line(x - 1, y - 3, start2, y - 3);
         break;
-    case 3:
+    case kBackStub:
         StaffBox.Line(x - 1, y, start, y);
         StaffBox.Line(x - 1, y - 3, x - 6, y - 3);
         break;
-    case 4:
-    case 8:
-        Glyph(x, y - 18, kEighthFlag);
+    case kEighthFlag:
+    case kDottedEighthFlag:
+        Glyph(x, y - 18, kEighthFlagGlyph);
         break;
-    case 5:
-    case 6:
+    case kMainBeam:
+    case kDottedMainBeam:
         StaffBox.Line(x, y, start, y);
         break;
-    case 9:
+    case kForwardStub:
         StaffBox.Line(x, y - 3, x + 5, y - 3);
         break;
-    case 10:
+    case kMainBeamForwardStub:
         StaffBox.Line(x, y, start, y);
         StaffBox.Line(x, y - 3, x + 5, y - 3);
         break;
@@ -314,7 +313,9 @@ void MeasureView::CountTriplet(int code)
     if (!IsTriplet(code))
         return;
     if (tripletCount == 0)
-        DrawTripletBracket(code == 6, code == 6 || code == 98 ? noteX + 39 : TripletEnd());
+        DrawTripletBracket(code == kTripletQuarter,
+                           code == kTripletQuarter || code == kTripletQuarterRest ? noteX + 39
+                                                                                  : TripletEnd());
     tripletCount = (tripletCount + 1) % 3;
 }
 

@@ -11,7 +11,7 @@ namespace {
 /// Ticks that only have to find the beats of beamed notes: the long ones add nothing.
 int BeamTicks(int noteCode)
 {
-    return noteCode >= 9 && noteCode <= 11 ? 0 : TicksOf(noteCode);
+    return noteCode >= kHalf && noteCode <= kWhole ? 0 : TicksOf(noteCode);
 }
 
 int Length(const std::string& text)
@@ -40,7 +40,7 @@ void NoteColumns::DrawColumn(int n)
         for (int s = 1; s <= kStringSlots; ++s)
             DrawCell(n, s);
     DrawBlockRest(column);
-    if (column.NoteCode >= 94)
+    if (column.NoteCode >= kTripletSixteenthRest)
         PrintRest(column);
     FindStemEnd();
     DrawStem(column);
@@ -107,11 +107,11 @@ void NoteColumns::DrawFret(int n, int s)
     std::string shown = text;
     if (tie || isSlide)
         shown.pop_back();
-    const bool isLong = column.NoteCode >= 9;
+    const bool isLong = column.NoteCode >= kHalf;
     if (isLong)
         shown = "[" + shown + "]";
     PrintFret(shown, !isLong);
-    if ((column.BeamCode >= 6 && column.BeamCode <= 8) || column.NoteCode == 10)
+    if (HasDot(column.BeamCode) || column.NoteCode == kDottedHalf)
         DrawDot(n, shown);
     if (isSlide)
         PrintSlide(n, s, mark, slide);
@@ -186,9 +186,9 @@ void NoteColumns::DrawTie(int n, int s, const std::string& text)
 
 void NoteColumns::DrawBlockRest(const NoteRecord& column)
 {
-    if (column.NoteCode != 92 && column.NoteCode != 93)
+    if (column.NoteCode != kHalfRest && column.NoteCode != kWholeRest)
         return;
-    const bool whole = column.NoteCode == 93;
+    const bool whole = column.NoteCode == kWholeRest;
     const int x = column.XPos + (whole ? 4 * line.UnitSpacing : 0);
     const double y = line.PenY + (whole ? values.StringGap + 40 : 2 * values.StringGap - 30);
     Surface().DrawWidth = values.Pens.BlockRest;
@@ -203,8 +203,8 @@ void NoteColumns::PrintRest(const NoteRecord& column)
     Surface().CurrentX = column.XPos;
     Surface().CurrentY = line.PenY + (line.tune.NumStrings < 5 ? 0 : 140);
     Surface().Font.Size = line.page.BodyFontSize + 2;
-    if (code <= 99)
-        line.PrintSymbol(code <= 95 ? kSixteenthRest : code <= 97 ? kEighthRest : kQuarterRest);
+    if (code <= kQuarterRest)
+        line.PrintSymbol(RestGlyph(code));
     UseBodyFont();
 }
 
@@ -222,7 +222,7 @@ void NoteColumns::LineReaches(double y)
 
 void NoteColumns::DrawStem(const NoteRecord& column)
 {
-    if (column.NoteCode >= 11 || StemString == 0)
+    if (column.NoteCode >= kWhole || StemString == 0)
         return;
     StemX = column.XPos + 40;
     Surface().Line(StemX, line.StringY(StemString + 1) - 100, StemX, StemEnd);
@@ -231,12 +231,11 @@ void NoteColumns::DrawStem(const NoteRecord& column)
 void NoteColumns::StartBeams(const NoteRecord& column)
 {
     const int code = column.NoteCode;
-    const int beat = column.BeatUnit == 4 ? 12 : 18;
-    if (TickCount % beat == 0 || code == 99)
+    if (TickCount % TicksPerBeamGroup(column.BeatUnit) == 0 || code == kQuarterRest)
         BeamStartX = Beam2StartX = 0;
-    if (code < 6 && BeamStartX == 0)
+    if (code <= kDottedEighth && BeamStartX == 0)
         BeamStartX = column.XPos;
-    if (code < 3 && (Beam2StartX == 0 || column.BeamCode > 2))
+    if (code <= kSixteenth && (Beam2StartX == 0 || column.BeamCode >= kBackStub))
         Beam2StartX = column.XPos;
 }
 
@@ -244,29 +243,29 @@ void NoteColumns::DrawBeams(int n)
 {
     const NoteRecord& column = columns[n];
     switch (column.BeamCode) {
-    case 1:
-        PrintFlag(column, kSixteenthFlag);
+    case kSixteenthFlag:
+        PrintFlag(column, kSixteenthFlagGlyph);
         break;
-    case 2:
+    case kBothBeams:
         MainBeam();
         BeamToStem(Beam2StartX + 39, StemEnd - 50);
         break;
-    case 3:
+    case kBackStub:
         MainBeam();
         BeamToStem(StemX - IntegerDivide(StemX - (columns[n - 1].XPos + 39), 2), StemEnd - 50);
         break;
-    case 4:
-    case 8:
-        PrintFlag(column, kEighthFlag);
+    case kEighthFlag:
+    case kDottedEighthFlag:
+        PrintFlag(column, kEighthFlagGlyph);
         break;
-    case 5:
-    case 6:
+    case kMainBeam:
+    case kDottedMainBeam:
         MainBeam();
         break;
-    case 9:
+    case kForwardStub:
         ForwardStub(n);
         break;
-    case 10:
+    case kMainBeamForwardStub:
         MainBeam();
         ForwardStub(n);
         break;

@@ -281,7 +281,7 @@ void PageFormatter::SpreadLine()
     // column count is compared with the record's index on purpose: it is equal in a one-line tune.
     if (last.XPos < kNearLineEnd && line.k == tune.LastNote)
         line.Attempt([&] { line.LineRight = last.XPos + 6 * unit; });
-    if ((last.NoteCode == 92 || last.NoteCode == 93) && last.XPos < kNearLineEnd)
+    if ((last.NoteCode == kHalfRest || last.NoteCode == kWholeRest) && last.XPos < kNearLineEnd)
         line.Attempt([&] { line.LineRight = last.XPos + 12 * unit; });
 }
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "store/note_codes.h"
 #include "store/signs.h"
 
 namespace quillon {
@@ -10,11 +11,19 @@ namespace quillon {
 inline constexpr const char* kTabFont = "Tab";
 inline constexpr std::string_view kSignGlyph = "$";
 inline constexpr std::string_view kCodaGlyph = "@";
-inline constexpr std::string_view kEighthFlag = "(";
-inline constexpr std::string_view kSixteenthFlag = ")";
-inline constexpr std::string_view kSixteenthRest = "%";
-inline constexpr std::string_view kEighthRest = "`";
-inline constexpr std::string_view kQuarterRest = "~";
+inline constexpr std::string_view kEighthFlagGlyph = "(";
+inline constexpr std::string_view kSixteenthFlagGlyph = ")";
+inline constexpr std::string_view kSixteenthRestGlyph = "%";
+inline constexpr std::string_view kEighthRestGlyph = "`";
+inline constexpr std::string_view kQuarterRestGlyph = "~";
+
+/// The character of a rest that is no block, kTripletSixteenthRest to kQuarterRest.
+constexpr std::string_view RestGlyph(int restCode)
+{
+    return restCode <= kSixteenthRest ? kSixteenthRestGlyph
+           : restCode <= kEighthRest  ? kEighthRestGlyph
+                                      : kQuarterRestGlyph;
+}
 
 /// How a navigation sign looks.
 struct SignRow {

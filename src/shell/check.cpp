@@ -84,7 +84,7 @@ void CheckOrder(const NoteRecord& first, int measureBefore, Findings& findings)
 /// Any lower figure but 4 counts as 8.
 void CheckBeats(const NoteRecord& head, int ticks, bool lastMeasure, Findings& findings)
 {
-    const int ticksPerBeat = head.BeatUnit == 4 ? kTicksPerQuarter : kTicksPerQuarter / 2;
+    const int ticksPerBeat = TicksPerBeat(head.BeatUnit);
     const int capacity = head.Beats * ticksPerBeat;
     if (ticks == capacity || (lastMeasure && ticks < capacity))
         return;

@@ -120,7 +120,7 @@ void MainWin::ResetTuneState(int cursorY)
     tune.LastNote = 0;
     form.MeasHead = 1;
     form.MeasEnd = 0;
-    form.CurValue = 7;
+    form.CurValue = kQuarter;
     form.CurBeats = 4;
     form.CurBeatUnit = 4;
     form.MeasCapacity = 48;

@@ -69,9 +69,9 @@ struct MainForm {
     Int16 SavedCursorY;  // where to go back to after a text mode
     Int16 CurBeats = 4;  // time signature for new measures
     Int16 CurBeatUnit = 4;
-    Int16 CurValue = 7;  // selected note value, 1..11
-    Int16 MeasCapacity;  // ticks that the current measure holds
-    Int16 MeasFill;      // ticks entered so far
+    Int16 CurValue = kQuarter;  // selected note value
+    Int16 MeasCapacity;         // ticks that the current measure holds
+    Int16 MeasFill;             // ticks entered so far
     Int16 EntryState = kAppendState;
     Int16 InputMode = kFretMode;
     Int16 CaretOn;      // -1 while the cursor is drawn, else 0

@@ -1,12 +1,13 @@
 // The note table: the whole tune as one flat table of plain records, addressed by index.
 //
 // Record 0 is the tune's header. From record 1 the tune stands in playing order without gaps: each
-// measure is one run of records with equal Measure, its head record (NoteCode 999) first, then its
-// notes and rests from left to right. A record above 0 with Measure 0 is empty, whatever its other
-// fields hold. Nothing is allocated per note or per measure, and nothing sorts the table.
+// measure is one run of records with equal Measure, its head record (NoteCode kHead) first, then
+// its notes and rests from left to right. A record above 0 with Measure 0 is empty, whatever its
+// other fields hold. Nothing is allocated per note or per measure, and nothing sorts the table.
 
 #pragma once
 
+#include "store/note_codes.h"
 #include "store/numbers.h"
 
 #include <array>
@@ -18,23 +19,17 @@ namespace quillon {
 
 constexpr int kLastRecord = 1500;  // highest index of the table
 constexpr int kStringSlots = 6;    // slots of a record, whatever the instrument
-constexpr int kHead = 999;         // NoteCode of a measure's head record
-constexpr int kTicksPerQuarter = 12;
-constexpr int kNoteValues = 11;  // note codes, and buttons of Toolbar1: 1..11
-constexpr int kFirstRest = 92;   // rest codes: 92..99
-constexpr int kLastRest = 99;
-constexpr int kRests = kLastRest - kFirstRest + 1;
 
 /// One record. What the fields mean depends on the kind of record:
 ///
 /// field      note or rest                   head of a measure         record 0
 /// Measure    measure number, from 1         measure number            0
-/// NoteCode   note 1..11, rest 92..99        999                       title font size, 0 if none
+/// NoteCode   code of a note or a rest       kHead                     title font size, 0 if none
 /// XPos       x on StaffBox, points          0                         0
 /// BeatUnit   lower figure of the signature  the same                  0
 /// Beats      upper figure of the signature  the same                  0
 /// Spacing    column width, units of 6 pt    0                         0
-/// BeamCode   beam shape 0..10               0                         0
+/// BeamCode   a BeamShape                    0                         0
 /// BarCode    ""                             bar sign or ""            ""
 /// ChordText  chord above the note           ""                        title
 /// Slot(1)    string 1                       navigation sign code      first credit line
@@ -65,7 +60,7 @@ struct NoteRecord {
     void Clear();
     bool IsClear() const;
     bool IsHead() const { return NoteCode == kHead; }
-    bool IsRest() const { return NoteCode >= kFirstRest && NoteCode <= kLastRest; }
+    bool IsRest() const { return IsRestCode(NoteCode); }
 
     /// The highest string with a text in its slot, 0 if all are empty.
     int HighestFilledSlot() const;
@@ -103,29 +98,5 @@ private:
 
     std::vector<NoteRecord> records;
 };
-
-constexpr bool IsNoteValue(int value)
-{
-    return value >= 1 && value <= kNoteValues;
-}
-
-/// Ticks of a note or rest code, quarter = 12; 0 for any other code.
-int TicksOf(int noteCode);
-
-/// Width that the measure view gives a note or rest code, in units of 6 points; 0 for others.
-int SpacingOf(int noteCode);
-
-/// Width of its column on the page, in width units; 0 for others.
-int PageWidthOf(int noteCode);
-
-/// Whether three of a note or rest code make a triplet.
-bool IsTriplet(int noteCode);
-
-/// The rest that is entered with button `value` of Toolbar1; 0 for others. Dotted values
-/// give the plain rest: there are no dotted rests.
-int RestCodeOf(int value);
-
-/// The button whose value a note or rest code has; 0 for others.
-int ValueOf(int noteCode);
 
 }  // namespace quillon

@@ -186,7 +186,7 @@ TEST_F(CopyPaste, TimeSignaturesTravelInTheRecords)
 {
     EmptyTable();
     AddMeasure(tune, 3, 8);
-    AddNote(tune, 8, 2, "1");
+    AddNote(tune, kDottedQuarter, 2, "1");
     AddFullMeasures(tune, 1);
     Show();
     Copy("1", "1");

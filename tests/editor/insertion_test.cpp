@@ -21,7 +21,7 @@ TEST_F(Insertion, ANoteBeforeTheFirstOfTheLastMeasureShiftsTheRecordsAndNoNumber
     EXPECT_EQ(form.MeasEnd, 11);
     EXPECT_EQ(tune.CurNote, 7);
     EXPECT_EQ(tune[7].HighestFilledSlot(), 0);
-    EXPECT_EQ(tune[7].NoteCode, 7);
+    EXPECT_EQ(tune[7].NoteCode, kQuarter);
     EXPECT_EQ(tune[7].ChordText, "Am") << "a copy of the note that it pushed along";
     EXPECT_EQ(tune[8].Slot(2), "2");
     for (int i = 6; i <= 11; ++i)
@@ -98,7 +98,7 @@ TEST_F(Insertion, DelNoteOnTheOnlyNoteOfAMeasureDeletesTheMeasure)
     EmptyTable();
     AddFullMeasures(tune, 1);
     AddMeasure(tune);
-    AddNote(tune, 11, 1, "5");
+    AddNote(tune, kWhole, 1, "5");
     AddFullMeasures(tune, 1);
     Show();
     editor.cmdNext();
@@ -173,7 +173,7 @@ TEST_F(Insertion, DeletingTheOnlyMeasureLeavesAnEmptyTableAndTheOldPicture)
 {
     ShowFullMeasures(1);
     tune[0].ChordText = "Title";
-    form.CurValue = 4;
+    form.CurValue = kEighth;
     const std::string log = Log();
     editor.mnuDelMeas();
     EXPECT_EQ(Log(), log);
@@ -187,8 +187,8 @@ TEST_F(Insertion, DeletingTheOnlyMeasureLeavesAnEmptyTableAndTheOldPicture)
     EXPECT_EQ(tune.LastNote, 0);
     EXPECT_EQ(form.MeasHead, 1);
     EXPECT_EQ(form.MeasEnd, 0);
-    EXPECT_EQ(form.CurValue, 7);
-    EXPECT_EQ(form.Toolbar1, 7);
+    EXPECT_EQ(form.CurValue, kQuarter);
+    EXPECT_EQ(form.Toolbar1, kQuarter);
     EXPECT_EQ(form.MeasFill, 0);
     EXPECT_EQ(form.EntryState, kAppendState);
     EXPECT_EQ(form.Saved, 1) << "Saved is set only where another measure stays";

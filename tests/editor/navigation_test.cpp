@@ -92,7 +92,7 @@ TEST_F(Navigation, NextPutsTheCursorOnTheLowestStringOfTheFirstNote)
 {
     EmptyTable();
     AddMeasure(tune);
-    AddNote(tune, 7, 2, "1").Slot(4) = "2";
+    AddNote(tune, kQuarter, 2, "1").Slot(4) = "2";
     Show();
     EXPECT_EQ(form.CursorY, StringY(4));
     EXPECT_EQ(tune.CurNote, 2);
@@ -102,7 +102,7 @@ TEST_F(Navigation, NextInReviewStateOnAMeasureThatStartsWithARestLeavesCursorYAt
 {
     EmptyTable();
     AddMeasure(tune);
-    AddNote(tune, 99);
+    AddNote(tune, kQuarterRest);
     Show();
     EXPECT_EQ(form.CursorY, 54);
 }
@@ -112,7 +112,7 @@ TEST_F(Navigation, NextInReviewStateStepsOntoARestWithCursorYAt54)
     EmptyTable();
     AddFullMeasures(tune, 1);
     AddMeasure(tune);
-    AddNote(tune, 93);
+    AddNote(tune, kWholeRest);
     Show();
     EXPECT_EQ(form.CursorY, StringY(2));
     editor.cmdNext();
@@ -125,7 +125,7 @@ TEST_F(Navigation, NextAfterOkStepsOntoARestWithCursorYAt54)
     EmptyTable();
     AddFullMeasures(tune, 1);
     AddMeasure(tune);
-    AddNote(tune, 93);
+    AddNote(tune, kWholeRest);
     Show();
     form.EntryState = kEditState;
     editor.mnuInsMeas();
@@ -145,7 +145,7 @@ TEST_F(Navigation, NextInEditStateOnARestGoesToTheLowestString)
     EmptyTable();
     AddFullMeasures(tune, 1);
     AddMeasure(tune);
-    AddNote(tune, 93);
+    AddNote(tune, kWholeRest);
     Show();
     form.EntryState = kEditState;
     editor.cmdNext();
@@ -241,11 +241,11 @@ TEST_F(Navigation, MovingShowsTheValueOfTheNoteAndKeepsTheSelectedOne)
     EmptyTable();
     AddFullMeasures(tune, 1);
     AddMeasure(tune);
-    AddNote(tune, 11, 1, "5");
+    AddNote(tune, kWhole, 1, "5");
     Show();
     editor.cmdNext();
-    EXPECT_EQ(form.Toolbar1, 11);
-    EXPECT_EQ(form.CurValue, 7);
+    EXPECT_EQ(form.Toolbar1, kWhole);
+    EXPECT_EQ(form.CurValue, kQuarter);
 }
 
 TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
@@ -335,19 +335,18 @@ TEST_F(Navigation, TheToolbarGivesTheNoteItsValueAndARestItsRest)
 {
     EmptyTable();
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "5");
-    AddNote(tune, 99);
+    AddNote(tune, kQuarter, 1, "5");
+    AddNote(tune, kQuarterRest);
     Show();
-    editor.Toolbar1(4);
-    EXPECT_EQ(tune[2].NoteCode, 4);
-    EXPECT_EQ(form.CurValue, 4);
-    EXPECT_EQ(form.Toolbar1, 4);
+    editor.Toolbar1(kEighth);
+    EXPECT_EQ(tune[2].NoteCode, kEighth);
+    EXPECT_EQ(form.CurValue, kEighth);
+    EXPECT_EQ(form.Toolbar1, kEighth);
     EXPECT_EQ(tune[3].XPos, 48 + 18) << "redrawn";
     tune.CurNote = 3;
-    const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
-    for (int value = 1; value <= 11; ++value) {
+    for (int value = 1; value <= kNoteValues; ++value) {
         editor.Toolbar1(value);
-        EXPECT_EQ(tune[3].NoteCode, rests[value - 1]) << value;
+        EXPECT_EQ(tune[3].NoteCode, RestCodeOf(value)) << value;
     }
 }
 
@@ -355,7 +354,7 @@ TEST_F(Navigation, TheToolbarLeavesAHeadAHead)
 {
     ShowFullMeasures(1);
     tune.CurNote = 1;
-    editor.Toolbar1(4);
+    editor.Toolbar1(kEighth);
     EXPECT_EQ(tune[1].NoteCode, kHead);
 }
 

@@ -1,3 +1,4 @@
+#include "store/signs.h"
 #include "support/editor_desk.h"
 
 namespace quillon {
@@ -10,7 +11,7 @@ TEST_F(RestsAndSigns, ARestTypedAsTheLastValueThatFillsAMeasureSendsTheFocusToNe
     Type("1\r1\r1\r");
     editor.mnuRest();
     EXPECT_EQ(form.Focus, Control::cmdNext);
-    EXPECT_EQ(tune[5].NoteCode, 99);
+    EXPECT_EQ(tune[5].NoteCode, kQuarterRest);
     EXPECT_EQ(tune.LastNote, 5);
     EXPECT_EQ(tune.CurNote, 5);
     EXPECT_EQ(form.MeasEnd, 5);
@@ -32,15 +33,15 @@ TEST_F(RestsAndSigns, ARestInAnUnfilledMeasureMovesOnBehindItself)
 TEST_F(RestsAndSigns, TheRestOfADottedQuarterIs99With12TicksSoTheMeasureStaysShort)
 {
     Type(".");
-    EXPECT_EQ(form.CurValue, 8);
+    EXPECT_EQ(form.CurValue, kDottedQuarter);
     editor.mnuRest();
-    EXPECT_EQ(tune[2].NoteCode, 99);
+    EXPECT_EQ(tune[2].NoteCode, kQuarterRest);
     EXPECT_EQ(form.MeasFill, 12);
     for (int i = 0; i < 2; ++i)
         Type("1\r");
     EXPECT_EQ(form.MeasFill, 48);
     NewTune(6);
-    form.CurValue = 8;
+    form.CurValue = kDottedQuarter;
     Type("1\r");
     editor.mnuRest();
     Type("1\r");
@@ -52,9 +53,9 @@ TEST_F(RestsAndSigns, TheRestOfADottedQuarterDoesNotFill38)
     Click(5, 60);
     ASSERT_EQ(tune[1].Beats, 3);
     Type(".");
-    ASSERT_EQ(form.CurValue, 8);
+    ASSERT_EQ(form.CurValue, kDottedQuarter);
     editor.mnuRest();
-    EXPECT_EQ(tune[2].NoteCode, 99);
+    EXPECT_EQ(tune[2].NoteCode, kQuarterRest);
     EXPECT_EQ(form.MeasCapacity, 18);
     EXPECT_EQ(form.MeasFill, 12);
     EXPECT_EQ(form.Focus, Control::StaffBox);
@@ -66,13 +67,12 @@ TEST_F(RestsAndSigns, TheRestOfADottedQuarterDoesNotFill38)
 
 TEST_F(RestsAndSigns, EveryValueHasItsRest)
 {
-    const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
-    for (int value = 1; value <= 11; ++value) {
+    for (int value = 1; value <= kNoteValues; ++value) {
         NewTune(6);
         form.CurValue = value;
         editor.mnuRest();
-        EXPECT_EQ(tune[2].NoteCode, rests[value - 1]) << value;
-        EXPECT_EQ(tune[2].Spacing, SpacingOf(rests[value - 1])) << value;
+        EXPECT_EQ(tune[2].NoteCode, RestCodeOf(value)) << value;
+        EXPECT_EQ(tune[2].Spacing, SpacingOf(RestCodeOf(value))) << value;
     }
 }
 
@@ -90,21 +90,21 @@ TEST_F(RestsAndSigns, TheRestButtonGivesStaffBoxTheFocusEvenWhenTheMeasureIsFull
     editor.SetFocus(Control::cmdRest);
     editor.cmdRest();
     EXPECT_EQ(form.Focus, Control::StaffBox);
-    EXPECT_EQ(tune[5].NoteCode, 99);
+    EXPECT_EQ(tune[5].NoteCode, kQuarterRest);
 }
 
 TEST_F(RestsAndSigns, HalfAndWholeRestsHaveTheirOwnValueWhateverIsSelected)
 {
-    form.CurValue = 2;
+    form.CurValue = kSixteenth;
     editor.mnuHalfRest();
-    EXPECT_EQ(tune[2].NoteCode, 92);
+    EXPECT_EQ(tune[2].NoteCode, kHalfRest);
     EXPECT_EQ(tune[2].Spacing, 8);
     EXPECT_EQ(form.Focus, Control::StaffBox);
     editor.mnuHalfRest();
     EXPECT_EQ(form.Focus, Control::cmdNext);
     NewTune(6);
     editor.mnuWholeRest();
-    EXPECT_EQ(tune[2].NoteCode, 93);
+    EXPECT_EQ(tune[2].NoteCode, kWholeRest);
     EXPECT_EQ(tune[2].Spacing, 16);
     EXPECT_EQ(form.Focus, Control::cmdNext);
 }
@@ -117,7 +117,7 @@ TEST_F(RestsAndSigns, ARestThatOverwritesANoteClearsItsStringsAndKeepsChordAndHa
     note.LeftHand = '1';
     note.RightHand = 'p';
     editor.mnuRest();
-    EXPECT_EQ(note.NoteCode, 99);
+    EXPECT_EQ(note.NoteCode, kQuarterRest);
     EXPECT_EQ(note.HighestFilledSlot(), 0);
     EXPECT_EQ(note.ChordText, "Am");
     EXPECT_EQ(note.LeftHand, '1');
@@ -155,11 +155,11 @@ TEST_F(RestsAndSigns, DoubBarOnAMeasureWith99RemovesTheRepeatAndASecondOneSets94
 {
     ShowFullMeasures(2);
     editor.mnuRptSign();
-    EXPECT_EQ(tune[1].BarCode, "99");
+    EXPECT_EQ(tune[1].BarCode, kRepeatEnd);
     editor.mnuDoubBar();
     EXPECT_EQ(tune[1].BarCode, "");
     editor.mnuDoubBar();
-    EXPECT_EQ(tune[1].BarCode, "94");
+    EXPECT_EQ(tune[1].BarCode, kDoubleBar);
     EXPECT_EQ(form.Saved, 0);
 }
 
@@ -177,7 +177,7 @@ TEST_F(RestsAndSigns, BarsAreDrawnAtOnceWithoutARedraw)
     editor.mnuRptStart();
     EXPECT_EQ(Drawn(plain), "line 23 36 23 76 w=3\nline 27 36 27 76 w=1\n"
                             "circle 32 47 2 w=1 fill=solid\ncircle 32 67 2 w=1 fill=solid\n");
-    EXPECT_EQ(tune[1].BarCode, "98");
+    EXPECT_EQ(tune[1].BarCode, kRepeatStart);
     editor.mnuRptStart();
     editor.mnuRptSign();
     EXPECT_EQ(Drawn(plain), "line 144 36 144 76 w=3\nline 141 36 141 76 w=1\n"
@@ -199,9 +199,9 @@ TEST_F(RestsAndSigns, DcOnAMeasureWithTheSignReplacesIt)
 {
     ShowFullMeasures(2);
     editor.mnuSign();
-    EXPECT_EQ(tune[1].Slot(1), "87");
+    EXPECT_EQ(tune[1].Slot(1), kSign);
     editor.mnuDC();
-    EXPECT_EQ(tune[1].Slot(1), "82");
+    EXPECT_EQ(tune[1].Slot(1), kDc);
     editor.mnuDC();
     EXPECT_EQ(tune[1].Slot(1), "");
     EXPECT_EQ(form.Saved, 0);
@@ -209,16 +209,16 @@ TEST_F(RestsAndSigns, DcOnAMeasureWithTheSignReplacesIt)
 
 TEST_F(RestsAndSigns, EverySignTogglesItsOwnCode)
 {
-    const std::pair<void (Editor::*)(), const char*> commands[] = {
-        {&Editor::mnuDS,     "81"},
-        {&Editor::mnuDC,     "82"},
-        {&Editor::mnuFine,   "83"},
-        {&Editor::mnuCoda,   "84"},
-        {&Editor::mnuDCcoda, "85"},
-        {&Editor::mnuDCfine, "86"},
-        {&Editor::mnuSign,   "87"},
-        {&Editor::mnuDScoda, "88"},
-        {&Editor::mnuDSfine, "89"},
+    const std::pair<void (Editor::*)(), std::string_view> commands[] = {
+        {&Editor::mnuDS,     kDs      },
+        {&Editor::mnuDC,     kDc      },
+        {&Editor::mnuFine,   kFine    },
+        {&Editor::mnuCoda,   kCoda    },
+        {&Editor::mnuDCcoda, kDcAlCoda},
+        {&Editor::mnuDCfine, kDcAlFine},
+        {&Editor::mnuSign,   kSign    },
+        {&Editor::mnuDScoda, kDsAlCoda},
+        {&Editor::mnuDSfine, kDsAlFine},
     };
     ShowFullMeasures(2);
     const std::string plain = Log();
@@ -247,9 +247,9 @@ TEST_F(RestsAndSigns, CodaAndSignAreDrawnOverTheOldSignUntilARedraw)
 TEST_F(RestsAndSigns, ASignOnAnEmptyOpenMeasureStaysInItsHead)
 {
     editor.mnuFine();
-    EXPECT_EQ(tune[1].Slot(1), "83");
+    EXPECT_EQ(tune[1].Slot(1), kFine);
     Type("1\r");
-    EXPECT_EQ(tune[1].Slot(1), "83");
+    EXPECT_EQ(tune[1].Slot(1), kFine);
 }
 
 TEST_F(RestsAndSigns, ARepeatBracketIsTypedInItsBoxAndEnterStoresIt)

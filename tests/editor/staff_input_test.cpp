@@ -10,7 +10,7 @@ TEST_F(StaffInput, TwoDigitsOnOneStringMakeOneTextAndMoveTheCursorBy12)
     Type("12");
     EXPECT_EQ(tune[2].Slot(6), "12");
     EXPECT_EQ(form.CursorX, 60);
-    EXPECT_EQ(tune[2].NoteCode, 7);
+    EXPECT_EQ(tune[2].NoteCode, kQuarter);
     EXPECT_EQ(tune[2].Measure, 1);
     EXPECT_EQ(tune[2].XPos, 48);
     EXPECT_EQ(form.MeasEnd, 2);
@@ -69,7 +69,7 @@ TEST_F(StaffInput, SixteenthsAreBeamedAsTheyAreEntered)
             codes.push_back(tune[i].BeamCode);
         return codes;
     };
-    editor.Toolbar1(2);
+    editor.Toolbar1(kSixteenth);
     Type("1\r");
     EXPECT_EQ(beams(), (std::vector{1}));
     Type("1\r");
@@ -106,7 +106,7 @@ TEST_F(StaffInput, ANoteThatFillsTheMeasureExactlyGivesNextTheFocus)
 TEST_F(StaffInput, AMeasureOverfilledByALastLongNoteCountsAsFullToo)
 {
     Type("1\r1\r1\r");
-    editor.Toolbar1(11);
+    editor.Toolbar1(kWhole);
     Type("1\r");
     EXPECT_EQ(form.MeasFill, 84);
     EXPECT_EQ(form.Focus, Control::cmdNext);
@@ -296,21 +296,36 @@ TEST_F(StaffInput, TheStringUnderTheCursorRoundsTiesToEven)
 
 TEST_F(StaffInput, ValueKeysStepDotAndMakeTriplets)
 {
-    const int plus[] = {2, 4, 4, 7, 7, 7, 2, 2, 7, 7, 7};
-    const int dot[] = {5, 5, 5, 5, 5, 8, 8, 8, 8, 8, 8};
-    const int triplet[] = {1, 1, 3, 3, 3, 6, 6, 6, 9, 10, 11};
-    for (int value = 1; value <= 11; ++value) {
+    const struct {
+        int value;
+        int plus;
+        int dot;
+        int triplet;
+    } rows[] = {
+        {kTripletSixteenth, kSixteenth, kDottedEighth,  kTripletSixteenth},
+        {kSixteenth,        kEighth,    kDottedEighth,  kTripletSixteenth},
+        {kTripletEighth,    kEighth,    kDottedEighth,  kTripletEighth   },
+        {kEighth,           kQuarter,   kDottedEighth,  kTripletEighth   },
+        {kDottedEighth,     kQuarter,   kDottedEighth,  kTripletEighth   },
+        {kTripletQuarter,   kQuarter,   kDottedQuarter, kTripletQuarter  },
+        {kQuarter,          kSixteenth, kDottedQuarter, kTripletQuarter  },
+        {kDottedQuarter,    kSixteenth, kDottedQuarter, kTripletQuarter  },
+        {kHalf,             kQuarter,   kDottedQuarter, kHalf            },
+        {kDottedHalf,       kQuarter,   kDottedQuarter, kDottedHalf      },
+        {kWhole,            kQuarter,   kDottedQuarter, kWhole           },
+    };
+    for (const auto& row : rows) {
         const std::pair<const char*, int> keys[] = {
-            {"+", plus[value - 1]   },
-            {".", dot[value - 1]    },
-            {"*", triplet[value - 1]}
+            {"+", row.plus   },
+            {".", row.dot    },
+            {"*", row.triplet}
         };
         for (const auto& [key, result] : keys) {
-            form.CurValue = value;
-            form.Toolbar1 = value;
+            form.CurValue = row.value;
+            form.Toolbar1 = row.value;
             Type(key);
-            EXPECT_EQ(form.CurValue, result) << key << " at " << value;
-            EXPECT_EQ(form.Toolbar1, result) << key << " at " << value;
+            EXPECT_EQ(form.CurValue, result) << key << " at " << row.value;
+            EXPECT_EQ(form.Toolbar1, result) << key << " at " << row.value;
         }
     }
     EXPECT_TRUE(tune[2].IsClear()) << "the record takes the value at Enter";
@@ -318,16 +333,16 @@ TEST_F(StaffInput, ValueKeysStepDotAndMakeTriplets)
 
 TEST_F(StaffInput, TheTripletKeyOnALongValueDoesNothingAtAll)
 {
-    form.CurValue = 9;
-    form.Toolbar1 = 3;
+    form.CurValue = kHalf;
+    form.Toolbar1 = kTripletEighth;
     Type("*");
-    EXPECT_EQ(form.Toolbar1, 3);
+    EXPECT_EQ(form.Toolbar1, kTripletEighth);
 }
 
 TEST_F(StaffInput, ANoteTakesTheValueSelectedAtEnter)
 {
     Type("1+\r");
-    EXPECT_EQ(tune[2].NoteCode, 2);
+    EXPECT_EQ(tune[2].NoteCode, kSixteenth);
     EXPECT_EQ(tune[2].Spacing, 2);
 }
 
@@ -376,12 +391,15 @@ TEST_F(StaffInput, LeftShowsTheButtonOfTheNoteButOfAHalfRestButton8)
 {
     EmptyTable();
     AddMeasure(tune);
-    for (int code : {92, 93, 94, 95, 96, 97, 98, 99, 5, 7})
-        AddNote(tune, code, code < 12 ? 3 : 0, "1");
+    for (int code :
+         {kHalfRest, kWholeRest, kTripletSixteenthRest, kSixteenthRest, kTripletEighthRest,
+          kEighthRest, kTripletQuarterRest, kQuarterRest, kDottedEighth, kQuarter})
+        AddNote(tune, code, IsNoteValue(code) ? 3 : 0, "1");
     Show();
-    form.CurValue = 2;
+    form.CurValue = kSixteenth;
     tune.CurNote = 11;
-    for (int button : {5, 7, 6, 4, 3, 2, 1, 11, 8}) {
+    for (int button : {kDottedEighth, kQuarter, kTripletQuarter, kEighth, kTripletEighth,
+                       kSixteenth, kTripletSixteenth, kWhole, kDottedQuarter}) {
         Key(kKeyLeft);
         EXPECT_EQ(form.Toolbar1, button);
     }
@@ -389,23 +407,23 @@ TEST_F(StaffInput, LeftShowsTheButtonOfTheNoteButOfAHalfRestButton8)
     const std::string state = State();
     Key(kKeyLeft);
     EXPECT_EQ(State(), state) << "nothing at the first note";
-    EXPECT_EQ(form.CurValue, 2) << "only the buttons follow";
+    EXPECT_EQ(form.CurValue, kSixteenth) << "only the buttons follow";
 }
 
 TEST_F(StaffInput, RightShowsButton9OfAHalfRest)
 {
     EmptyTable();
     AddMeasure(tune);
-    AddNote(tune, 7, 4, "1");
-    AddNote(tune, 92);
-    AddNote(tune, 93);
+    AddNote(tune, kQuarter, 4, "1");
+    AddNote(tune, kHalfRest);
+    AddNote(tune, kWholeRest);
     Show();
     Key(kKeyRight);
-    EXPECT_EQ(form.Toolbar1, 9);
+    EXPECT_EQ(form.Toolbar1, kHalf);
     EXPECT_EQ(form.CursorX, 72);
     EXPECT_EQ(form.CursorY, StringY(4)) << "a rest leaves it";
     Key(kKeyRight);
-    EXPECT_EQ(form.Toolbar1, 11);
+    EXPECT_EQ(form.Toolbar1, kWhole);
     const std::string state = State();
     Key(kKeyRight);
     EXPECT_EQ(State(), state);
@@ -595,10 +613,14 @@ TEST_F(StaffInput, AClickTakesTheValueOfTheNote)
 {
     EmptyTable();
     AddMeasure(tune);
-    for (int code : {94, 95, 96, 97, 98, 99, 92, 93, 5, 8, 10})
-        AddNote(tune, code, code < 12 ? 1 : 0, "1");
+    for (int code : {kTripletSixteenthRest, kSixteenthRest, kTripletEighthRest, kEighthRest,
+                     kTripletQuarterRest, kQuarterRest, kHalfRest, kWholeRest, kDottedEighth,
+                     kDottedQuarter, kDottedHalf})
+        AddNote(tune, code, IsNoteValue(code) ? 1 : 0, "1");
     Show();
-    const int values[] = {1, 2, 3, 4, 6, 7, 9, 11, 5, 8, 10};
+    const int values[] = {kTripletSixteenth, kSixteenth,     kTripletEighth, kEighth,
+                          kTripletQuarter,   kQuarter,       kHalf,          kWhole,
+                          kDottedEighth,     kDottedQuarter, kDottedHalf};
     for (int i = 0; i < 11; ++i) {
         Click(tune[2 + i].XPos + 1, 44);
         EXPECT_EQ(form.CurValue, values[i]) << i;
@@ -609,11 +631,11 @@ TEST_F(StaffInput, AClickTakesTheValueOfTheNote)
 TEST_F(StaffInput, AClickOnAFreeRecordTakesTheButtonThatIsDown)
 {
     Type("1\r2\r");
-    form.CurValue = 4;
-    form.Toolbar1 = 9;
+    form.CurValue = kEighth;
+    form.Toolbar1 = kHalf;
     Click(300, 44);
-    EXPECT_EQ(form.CurValue, 9);
-    EXPECT_EQ(form.Toolbar1, 9);
+    EXPECT_EQ(form.CurValue, kHalf);
+    EXPECT_EQ(form.Toolbar1, kHalf);
 }
 
 TEST_F(StaffInput, AClickSnapsToTheNextLineDown)

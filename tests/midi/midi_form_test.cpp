@@ -1,6 +1,7 @@
 #include "midi/midi_form.h"
 
 #include "midi/midi_text.h"
+#include "store/signs.h"
 #include "support/fakes.h"
 #include "support/faults.h"
 #include "support/temporary_directory.h"
@@ -21,7 +22,7 @@ protected:
         system.Folder = folder.Path();
         tune.FileName = folder.Path("reel.gui");
         AddMeasure(tune);
-        AddNote(tune, 7, 1, "0");
+        AddNote(tune, kQuarter, 1, "0");
         tune.CurNote = 2;
     }
 
@@ -376,11 +377,11 @@ TEST_F(MidiFormTest, ABuildThatSucceedsTakesTheHourglassOfAFailedOneAway)
 TEST_F(MidiFormTest, AMissingCodaIsReportedInTheTunesOwnWords)
 {
     AddMeasure(tune).Slot(3) = "/To Coda";
-    AddNote(tune, 7, 1, "0");
-    AddMeasure(tune).Slot(1) = "85";
-    AddNote(tune, 7, 1, "0");
+    AddNote(tune, kQuarter, 1, "0");
+    AddMeasure(tune).Slot(1) = kDcAlCoda;
+    AddNote(tune, kQuarter, 1, "0");
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "0");
+    AddNote(tune, kQuarter, 1, "0");
     form.Show();
     form.cmdCreate();
     ASSERT_EQ(dialogs.Shown.size(), 1u);
@@ -393,7 +394,7 @@ TEST_F(MidiFormTest, AMissingCodaIsReportedInTheTunesOwnWords)
 
 TEST_F(MidiFormTest, RepeatsWithoutAnEndAreReported)
 {
-    tune[1].Slot(1) = "86";
+    tune[1].Slot(1) = kDcAlFine;
     form.Show();
     form.cmdCreate();
     ASSERT_EQ(dialogs.Shown.size(), 1u);

@@ -1,6 +1,7 @@
 #include "midi/performance.h"
 
 #include "midi/midi_text.h"
+#include "store/signs.h"
 #include "support/faults.h"
 #include "support/tunes.h"
 
@@ -38,7 +39,7 @@ protected:
     {
         AddMeasure(tune);
         for (const std::string& cell : cells)
-            AddNote(tune, 7, 1, cell);
+            AddNote(tune, kQuarter, 1, cell);
         return Track(1);
     }
 
@@ -47,7 +48,7 @@ protected:
     {
         AddMeasure(tune);
         const int head = tune.LastNote;
-        AddNote(tune, 7, 1, std::to_string(int{tune.LastMeas}));
+        AddNote(tune, kQuarter, 1, std::to_string(int{tune.LastMeas}));
         return tune[head];
     }
 
@@ -87,9 +88,9 @@ using Measures = std::vector<int>;
 TEST_F(PerformanceTest, OneMeasureGivesTheProgramChangeThenItsNotes)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 2, "0");
-    AddNote(tune, 4, 1, "3");
-    AddNote(tune, 9, 1, "5");
+    AddNote(tune, kQuarter, 2, "0");
+    AddNote(tune, kEighth, 1, "3");
+    AddNote(tune, kHalf, 1, "5");
     EXPECT_EQ(Track(1), (Events{"120 145 67 100", "60 145 67 0", "0 145 69 100", "240 145 69 0"}));
     EXPECT_EQ(Track(2), (Events{"0 146 59 100", "120 146 59 0"}));
     EXPECT_EQ(Track(3), Events{});
@@ -98,12 +99,12 @@ TEST_F(PerformanceTest, OneMeasureGivesTheProgramChangeThenItsNotes)
 TEST_F(PerformanceTest, AChordStartsAtTheSameTickOnItsTracksAndIsSilenceOnTheOthers)
 {
     AddMeasure(tune);
-    AddNote(tune, 99);
-    NoteRecord& chord = AddNote(tune, 7);
+    AddNote(tune, kQuarterRest);
+    NoteRecord& chord = AddNote(tune, kQuarter);
     chord.Slot(1) = "0";
     chord.Slot(2) = "1";
     chord.Slot(3) = "2";
-    AddNote(tune, 7, 4, "4");
+    AddNote(tune, kQuarter, 4, "4");
     EXPECT_EQ(Track(1), (Events{"120 145 64 100", "120 145 64 0"}));
     EXPECT_EQ(Track(2), (Events{"120 146 60 100", "120 146 60 0"}));
     EXPECT_EQ(Track(3), (Events{"120 147 57 100", "120 147 57 0"}));
@@ -113,9 +114,9 @@ TEST_F(PerformanceTest, AChordStartsAtTheSameTickOnItsTracksAndIsSilenceOnTheOth
 TEST_F(PerformanceTest, ARestIsSilenceOnEveryTrack)
 {
     AddMeasure(tune);
-    AddNote(tune, 92);
-    AddNote(tune, 99, 1, "3");  // a cell in a rest is not heard
-    NoteRecord& note = AddNote(tune, 7);
+    AddNote(tune, kHalfRest);
+    AddNote(tune, kQuarterRest, 1, "3");  // a cell in a rest is not heard
+    NoteRecord& note = AddNote(tune, kQuarter);
     for (int s = 1; s <= 6; ++s)
         note.Slot(s) = "0";
     for (int s = 1; s <= 6; ++s)
@@ -127,10 +128,10 @@ TEST_F(PerformanceTest, ARestWritesNothingOnAnyTrack)
 {
     AddMeasure(tune);
     for (const char* cell : {"0", "2"}) {
-        AddNote(tune, 99);
-        AddNote(tune, 7, 1, cell);
+        AddNote(tune, kQuarterRest);
+        AddNote(tune, kQuarter, 1, cell);
     }
-    AddNote(tune, 97).Slot(2) = "3";
+    AddNote(tune, kEighthRest).Slot(2) = "3";
     EXPECT_EQ(Track(1),
               (Events{"120 145 64 100", "120 145 64 0", "120 145 66 100", "120 145 66 0"}));
     for (int s = 2; s <= 6; ++s)
@@ -140,19 +141,19 @@ TEST_F(PerformanceTest, ARestWritesNothingOnAnyTrack)
 TEST_F(PerformanceTest, NoteLengthsAreCutToWholeTicksOneByOne)
 {
     const std::vector<std::pair<int, int>> lengths = {
-        {1,  16 },
-        {2,  25 },
-        {3,  33 },
-        {4,  50 },
-        {5,  75 },
-        {6,  66 },
-        {7,  100},
-        {8,  150},
-        {9,  200},
-        {10, 300},
-        {11, 400},
-        {12, 0  },
-        {-7, 0  }
+        {kTripletSixteenth, 16 },
+        {kSixteenth,        25 },
+        {kTripletEighth,    33 },
+        {kEighth,           50 },
+        {kDottedEighth,     75 },
+        {kTripletQuarter,   66 },
+        {kQuarter,          100},
+        {kDottedQuarter,    150},
+        {kHalf,             200},
+        {kDottedHalf,       300},
+        {kWhole,            400},
+        {12,                0  },
+        {-7,                0  }
     };
     sound.Tempo = 100;
     AddMeasure(tune);
@@ -170,31 +171,31 @@ TEST_F(PerformanceTest, ThreeTripletEighthsAt100Make99Ticks)
     sound.Tempo = 100;
     AddMeasure(tune);
     for (int i = 0; i < 3; ++i)
-        AddNote(tune, 3, 2, "0");
-    AddNote(tune, 7, 1, "0");
+        AddNote(tune, kTripletEighth, 2, "0");
+    AddNote(tune, kQuarter, 1, "0");
     EXPECT_EQ(Track(1).at(0), "99 145 64 100");
 }
 
 TEST_F(PerformanceTest, RestLengthsAreCutToWholeTicks)
 {
     const std::vector<std::pair<int, int>> lengths = {
-        {92,  202},
-        {93,  404},
-        {94,  16 },
-        {95,  25 },
-        {96,  33 },
-        {97,  50 },
-        {98,  67 },
-        {99,  101},
-        {91,  0  },
-        {100, 0  },
-        {998, 0  }
+        {kHalfRest,             202},
+        {kWholeRest,            404},
+        {kTripletSixteenthRest, 16 },
+        {kSixteenthRest,        25 },
+        {kTripletEighthRest,    33 },
+        {kEighthRest,           50 },
+        {kTripletQuarterRest,   67 },
+        {kQuarterRest,          101},
+        {91,                    0  },
+        {100,                   0  },
+        {998,                   0  }
     };
     sound.Tempo = 101;
     AddMeasure(tune);
     for (const auto& [code, ticks] : lengths) {
         AddNote(tune, code);
-        AddNote(tune, 7, 1, "0");
+        AddNote(tune, kQuarter, 1, "0");
     }
     const Events played = Track(1);
     for (std::size_t i = 0; i < lengths.size(); ++i)
@@ -207,46 +208,46 @@ TEST_F(PerformanceTest, RestLengthsAreCutToWholeTicks)
 TEST_F(PerformanceTest, ARepeatPlaysItsMeasuresTwiceAndGoesOn)
 {
     AddTelling(5);
-    Head(2).BarCode = "98";
-    Head(4).BarCode = "99";
+    Head(2).BarCode = kRepeatStart;
+    Head(4).BarCode = kRepeatEnd;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 2, 3, 4, 5}));
 }
 
 TEST_F(PerformanceTest, ARepeatInTheLastMeasureIsTakenAtTheTunesEnd)
 {
     AddTelling(3);
-    Head(2).BarCode = "98";
-    Head(3).BarCode = "99";
+    Head(2).BarCode = kRepeatStart;
+    Head(3).BarCode = kRepeatEnd;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 3}));
 }
 
 TEST_F(PerformanceTest, ARepeatWithoutAStartGoesBackToRecord1)
 {
     AddTelling(3);
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 2, 3}));
 }
 
 TEST_F(PerformanceTest, ALaterRepeatWithoutAStartGoesBackAsFarAndRoundInACircle)
 {
     AddTelling(5);
-    Head(2).BarCode = "98";
-    Head(3).BarCode = "99";
-    Head(5).BarCode = "99";
+    Head(2).BarCode = kRepeatStart;
+    Head(3).BarCode = kRepeatEnd;
+    Head(5).BarCode = kRepeatEnd;
     // From measure 5 back to 2, where the repeat at 3 makes the one at 5 count as new.
     EXPECT_THROW(Build(), NeverEnding);
-    Head(4).BarCode = "98";
+    Head(4).BarCode = kRepeatStart;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 3, 4, 5, 4, 5}));
 }
 
 TEST_F(PerformanceTest, ALaterRepeatWithoutAStartGoesBackToTheSameStart)
 {
     AddTelling(5);
-    Head(2).BarCode = "98";
+    Head(2).BarCode = kRepeatStart;
     Head(3).Slot(2) = "1";
-    Head(3).BarCode = "99";
+    Head(3).BarCode = kRepeatEnd;
     Head(4).Slot(2) = "2";
-    Head(4).BarCode = "99";
+    Head(4).BarCode = kRepeatEnd;
     Head(5).Slot(2) = "3";
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 4, 2, 5}));
 }
@@ -254,8 +255,8 @@ TEST_F(PerformanceTest, ALaterRepeatWithoutAStartGoesBackToTheSameStart)
 TEST_F(PerformanceTest, ARepeatStartOnTheRepeatStartItselfChangesNothing)
 {
     AddTelling(3);
-    Head(1).BarCode = "98";
-    Head(2).BarCode = "99";
+    Head(1).BarCode = kRepeatStart;
+    Head(2).BarCode = kRepeatEnd;
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 2, 3}));
 }
 
@@ -263,7 +264,7 @@ TEST_F(PerformanceTest, FirstAndSecondEndings)
 {
     AddTelling(7);
     Head(5).Slot(2) = "1";
-    Head(5).BarCode = "99";
+    Head(5).BarCode = kRepeatEnd;
     Head(6).Slot(2) = "2";
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 5, 1, 2, 3, 4, 6, 7}));
 }
@@ -272,9 +273,9 @@ TEST_F(PerformanceTest, ThreeEndings)
 {
     AddTelling(5);
     Head(2).Slot(2) = "1.";
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     Head(3).Slot(2) = "2.";
-    Head(3).BarCode = "99";
+    Head(3).BarCode = kRepeatEnd;
     Head(4).Slot(2) = "3.";
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 3, 1, 4, 5}));
 }
@@ -283,9 +284,9 @@ TEST_F(PerformanceTest, AnEndingWithNoLaterOneRunsOffTheTable)
 {
     AddTelling(4);
     Head(2).Slot(2) = "1";
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     Head(3).Slot(2) = "2";
-    Head(3).BarCode = "99";
+    Head(3).BarCode = kRepeatEnd;
     EXPECT_FAULT(Build(), SubscriptOutOfRange);
     EXPECT_EQ(Explanation(), "No ending for pass 3 follows measure 2.");
 }
@@ -294,7 +295,7 @@ TEST_F(PerformanceTest, TheSearchForAnEndingGoesOnAboveTheLastRecord)
 {
     AddTelling(3);
     Head(2).Slot(2) = "1";
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     Head(4) = Head(1);  // what an earlier, longer tune has left
     Head(4).Slot(2) = "2";
     tune.LastNote = 4;
@@ -305,7 +306,7 @@ TEST_F(PerformanceTest, OnlyTheLeadingNumberOfABracketCounts)
 {
     AddTelling(4);
     Head(2).Slot(2) = "1, 2";
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     Head(3).Slot(2) = "2nd time";
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 3, 4}));
 }
@@ -314,7 +315,7 @@ TEST_F(PerformanceTest, ABracketWithoutALeadingNumberIsNoEnding)
 {
     AddTelling(4);
     Head(2).Slot(2) = "last";
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     Head(3).Slot(2) = "-2";
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 2, 3, 4}));
 }
@@ -324,17 +325,17 @@ TEST_F(PerformanceTest, ABracketWithoutALeadingNumberIsNoEnding)
 TEST_F(PerformanceTest, DcAlFineEndsAtTheHeadAfterFine)
 {
     AddTelling(5);
-    Head(2).Slot(1) = "83";
-    Head(4).Slot(1) = "86";
+    Head(2).Slot(1) = kFine;
+    Head(4).Slot(1) = kDcAlFine;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 1, 2}));
 }
 
 TEST_F(PerformanceTest, DsAlFineGoesBackToTheSign)
 {
     AddTelling(5);
-    Head(2).Slot(1) = "87";
-    Head(3).Slot(1) = "83";
-    Head(4).Slot(1) = "89";
+    Head(2).Slot(1) = kSign;
+    Head(3).Slot(1) = kFine;
+    Head(4).Slot(1) = kDsAlFine;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 2, 3}));
 }
 
@@ -342,32 +343,32 @@ TEST_F(PerformanceTest, DsAlCodaWithoutASignGoesBackToTheFirstMeasure)
 {
     AddTelling(6);
     Head(2).Slot(3) = "/to coda";
-    Head(4).Slot(1) = "88";
-    Head(5).Slot(1) = "84";
+    Head(4).Slot(1) = kDsAlCoda;
+    Head(5).Slot(1) = kCoda;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 1, 2, 5, 6}));
 }
 
 TEST_F(PerformanceTest, DsAlCodaGoesBackToTheSignAndMissesACodaRightAfterToCoda)
 {
     AddTelling(8);
-    Head(2).Slot(1) = "87";
+    Head(2).Slot(1) = kSign;
     Head(3).Slot(3) = "/To Coda";
-    Head(4).Slot(1) = "84";
-    Head(5).Slot(1) = "88";
+    Head(4).Slot(1) = kCoda;
+    Head(5).Slot(1) = kDsAlCoda;
     EXPECT_FAULT(Build(), SubscriptOutOfRange);
     EXPECT_EQ(Explanation(), "No Coda follows measure 4.");
-    Head(7).Slot(1) = "84";
+    Head(7).Slot(1) = kCoda;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 5, 2, 3, 7, 8}));
 }
 
 TEST_F(PerformanceTest, ARepeatAndADsAtOneHeadGoToTheSignForAnotherPass)
 {
     AddTelling(5);
-    Head(2).Slot(1) = "87";
-    Head(3).Slot(1) = "89";
+    Head(2).Slot(1) = kSign;
+    Head(3).Slot(1) = kDsAlFine;
     Head(3).Slot(2) = "1";
-    Head(3).BarCode = "99";
-    Head(4).Slot(1) = "83";
+    Head(3).BarCode = kRepeatEnd;
+    Head(4).Slot(1) = kFine;
     Head(4).Slot(2) = "2";
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 2, 4}));
 }
@@ -375,24 +376,24 @@ TEST_F(PerformanceTest, ARepeatAndADsAtOneHeadGoToTheSignForAnotherPass)
 TEST_F(PerformanceTest, AFineInTheLastMeasureEndsTheRepeatThatIsTakenThere)
 {
     AddTelling(3);
-    Head(2).Slot(1) = "89";
+    Head(2).Slot(1) = kDsAlFine;
     Head(2).Slot(2) = "1";
-    Head(2).BarCode = "99";
-    Head(3).Slot(1) = "83";
+    Head(2).BarCode = kRepeatEnd;
+    Head(3).Slot(1) = kFine;
     Head(3).Slot(2) = "2";
-    Head(3).BarCode = "99";
+    Head(3).BarCode = kRepeatEnd;
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 3}));
 }
 
 TEST_F(PerformanceTest, ADsInsideARepeatMakesTheSignTheRepeatsStart)
 {
     AddTelling(7);
-    Head(2).BarCode = "98";
-    Head(3).Slot(1) = "87";
+    Head(2).BarCode = kRepeatStart;
+    Head(3).Slot(1) = kSign;
     Head(4).Slot(3) = "/To Coda";
-    Head(5).Slot(1) = "88";
-    Head(6).Slot(1) = "84";
-    Head(6).BarCode = "99";
+    Head(5).Slot(1) = kDsAlCoda;
+    Head(6).Slot(1) = kCoda;
+    Head(6).BarCode = kRepeatEnd;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 5, 3, 4, 6, 3, 4, 6, 7}));
 }
 
@@ -400,18 +401,18 @@ TEST_F(PerformanceTest, AlCodaStaysInForceWhenAlFineFollows)
 {
     AddTelling(7);
     Head(2).Slot(3) = "/To Coda";
-    Head(3).Slot(1) = "85";
-    Head(4).Slot(1) = "84";
-    Head(5).Slot(1) = "83";
-    Head(6).Slot(1) = "86";
+    Head(3).Slot(1) = kDcAlCoda;
+    Head(4).Slot(1) = kCoda;
+    Head(5).Slot(1) = kFine;
+    Head(6).Slot(1) = kDcAlFine;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 1, 2, 4, 5, 6, 1, 2, 4, 5}));
 }
 
 TEST_F(PerformanceTest, ADcInTheLastMeasureIsTakenAtTheTunesEnd)
 {
     AddTelling(4);
-    Head(2).Slot(1) = "83";
-    Head(4).Slot(1) = "86";
+    Head(2).Slot(1) = kFine;
+    Head(4).Slot(1) = kDcAlFine;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 1, 2}));
 }
 
@@ -419,11 +420,11 @@ TEST_F(PerformanceTest, ACodaInTheMeasureAfterToCodaIsMissed)
 {
     AddTelling(7);
     Head(3).Slot(3) = "/To Coda";
-    Head(4).Slot(1) = "84";
-    Head(5).Slot(1) = "85";
+    Head(4).Slot(1) = kCoda;
+    Head(5).Slot(1) = kDcAlCoda;
     EXPECT_FAULT(Build(), SubscriptOutOfRange);
     EXPECT_EQ(Explanation(), "No Coda follows measure 4.");
-    Head(7).Slot(1) = "84";
+    Head(7).Slot(1) = kCoda;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 5, 1, 2, 3, 7}));
 }
 
@@ -431,8 +432,8 @@ TEST_F(PerformanceTest, ToCodaAndFineDoNothingBeforeAJump)
 {
     AddTelling(4);
     Head(1).Slot(3) = "/To Coda";
-    Head(2).Slot(1) = "83";
-    Head(4).Slot(1) = "84";
+    Head(2).Slot(1) = kFine;
+    Head(4).Slot(1) = kCoda;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4}));
 }
 
@@ -440,8 +441,8 @@ TEST_F(PerformanceTest, ToCodaInTheLastMeasureDoesNothing)
 {
     AddTelling(4);
     Head(1).Slot(3) = "/To Coda";
-    Head(2).Slot(1) = "85";
-    Head(3).Slot(1) = "84";
+    Head(2).Slot(1) = kDcAlCoda;
+    Head(3).Slot(1) = kCoda;
     Head(4).Slot(3) = "/To Coda";
     EXPECT_EQ(Journey(), (Measures{1, 2, 1, 3, 4}));
 }
@@ -449,8 +450,8 @@ TEST_F(PerformanceTest, ToCodaInTheLastMeasureDoesNothing)
 TEST_F(PerformanceTest, PlainDsAndDcAreSilent)
 {
     AddTelling(3);
-    Head(1).Slot(1) = "81";
-    Head(2).Slot(1) = "82";
+    Head(1).Slot(1) = kDs;
+    Head(2).Slot(1) = kDc;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3}));
 }
 
@@ -458,23 +459,23 @@ TEST_F(PerformanceTest, OfTwoHeadsInARowTheSecondIsPassedUnread)
 {
     AddTelling();
     AddMeasure(tune);
-    AddMeasure(tune).BarCode = "99";
-    tune[tune.LastNote].Slot(1) = "86";
-    AddNote(tune, 7, 1, "3");
+    AddMeasure(tune).BarCode = kRepeatEnd;
+    tune[tune.LastNote].Slot(1) = kDcAlFine;
+    AddNote(tune, kQuarter, 1, "3");
     EXPECT_EQ(Journey(), (Measures{1, 3}));
 }
 
 TEST_F(PerformanceTest, SignsThatLeadInACircleNeverComeToAnEnd)
 {
     AddTelling(3);
-    Head(3).Slot(1) = "89";
+    Head(3).Slot(1) = kDsAlFine;
     EXPECT_THROW(Build(), NeverEnding);
 }
 
 TEST_F(PerformanceTest, EveryStringMakesTheSameJourney)
 {
     AddTelling(3);
-    Head(2).BarCode = "99";
+    Head(2).BarCode = kRepeatEnd;
     for (int m = 1; m <= 3; ++m)
         tune[2 * m].Slot(6) = "0";
     EXPECT_EQ(Track(1).size(), Track(6).size());
@@ -514,7 +515,7 @@ TEST_F(PerformanceTest, Code0IsSteppedOverOnceAndAfterAHeadIsANoteOfNoLength)
     AddNote(tune, 0, 1, "1");  // right after the head
     AddNote(tune, 0, 1, "2");  // stepped over
     AddNote(tune, 0, 1, "3");  // not tested again
-    AddNote(tune, 7, 1, "4");
+    AddNote(tune, kQuarter, 1, "4");
     EXPECT_EQ(Track(1), (Events{"0 145 65 100", "0 145 65 0", "0 145 67 100", "0 145 67 0",
                                 "0 145 68 100", "120 145 68 0"}));
 }
@@ -523,7 +524,7 @@ TEST_F(PerformanceTest, ATieInTheTablesLastRecordAsksPastItsEnd)
 {
     AddTelling();
     while (tune.LastNote < kLastRecord)
-        AddNote(tune, 7, 1, "3");
+        AddNote(tune, kQuarter, 1, "3");
     EXPECT_NO_THROW(Build());
     tune[kLastRecord].Slot(1) = "3^";
     EXPECT_FAULT(Build(), SubscriptOutOfRange);
@@ -550,27 +551,27 @@ TEST_F(PerformanceTest, ATieSoundsOnceFromItsFirstCellToItsLast)
 TEST_F(PerformanceTest, ATieOverABarLineIsASlur)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "3^");
+    AddNote(tune, kQuarter, 1, "3^");
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "3");
+    AddNote(tune, kQuarter, 1, "3");
     EXPECT_EQ(Track(1), (Events{"0 145 67 100", "120 145 67 0", "0 145 67 50", "120 145 67 0"}));
 }
 
 TEST_F(PerformanceTest, ATieFromFret0OverABarLineStaysATie)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "0^");
+    AddNote(tune, kQuarter, 1, "0^");
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "0");
+    AddNote(tune, kQuarter, 1, "0");
     EXPECT_EQ(Track(1), (Events{"0 145 64 100", "240 145 64 0"}));
 }
 
 TEST_F(PerformanceTest, ATieOverABarLineComparesWithWhatTheHeadHolds)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 2, "2^");
+    AddNote(tune, kQuarter, 2, "2^");
     AddMeasure(tune).Slot(2) = "2nd";
-    AddNote(tune, 7, 2, "5");
+    AddNote(tune, kQuarter, 2, "5");
     EXPECT_EQ(Track(2), (Events{"0 146 64 100", "240 146 64 0"}));
 }
 
@@ -644,11 +645,11 @@ TEST_F(PerformanceTest, ATiedTwoNoteCellEndsItsFirstNoteWithoutAStart)
 TEST_F(PerformanceTest, VelocityAfterASlurIsLoweredForTheNextNoteOnThatStringOnly)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "3^");
+    AddNote(tune, kQuarter, 1, "3^");
     tune[tune.LastNote].Slot(2) = "1";
-    AddNote(tune, 7, 1, "5");
+    AddNote(tune, kQuarter, 1, "5");
     tune[tune.LastNote].Slot(2) = "1";
-    AddNote(tune, 7, 1, "5");
+    AddNote(tune, kQuarter, 1, "5");
     EXPECT_EQ(Track(1), (Events{"0 145 67 100", "120 145 67 0", "0 145 69 50", "120 145 69 0",
                                 "0 145 69 100", "120 145 69 0"}));
     EXPECT_EQ(Track(2).at(2), "0 146 60 100");
@@ -669,7 +670,7 @@ TEST_F(PerformanceTest, TheBanjosFifthStringCountsItsFretsFromTheNecks)
     sound.OpenPitch[4] = 67;
     AddMeasure(tune);
     for (const char* cell : {"5", "6", "7-9"})
-        AddNote(tune, 7, 5, cell);
+        AddNote(tune, kQuarter, 5, cell);
     // The second note of a pair keeps its full fret.
     EXPECT_EQ(Track(5), (Events{"0 149 72 100", "120 149 72 0", "0 149 68 100", "120 149 68 0",
                                 "0 149 69 100", "60 149 69 0", "0 149 76 66", "60 149 76 0"}));
@@ -678,7 +679,7 @@ TEST_F(PerformanceTest, TheBanjosFifthStringCountsItsFretsFromTheNecks)
 TEST_F(PerformanceTest, TheFifthStringOfAGuitarIsAsAnyOther)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 5, "7");
+    AddNote(tune, kQuarter, 5, "7");
     EXPECT_EQ(Track(5).at(0), "0 149 52 100");
 }
 

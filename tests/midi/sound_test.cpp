@@ -12,7 +12,7 @@ Tune OneNote(int numStrings)
     Tune tune;
     tune.NumStrings = numStrings;
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "0");
+    AddNote(tune, kQuarter, 1, "0");
     return tune;
 }
 

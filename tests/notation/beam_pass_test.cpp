@@ -19,10 +19,10 @@ protected:
         Tune tune;
         AddMeasure(tune, beats, beatUnit);
         for (int code : notes)
-            AddNote(tune, code, code < 12 ? 1 : 0, "5").BeamCode = codeBefore;
+            AddNote(tune, code, IsNoteValue(code) ? 1 : 0, "5").BeamCode = codeBefore;
         BeamPass pass;
         int ticks = 0;
-        const int capacity = beats * (beatUnit == 4 ? 12 : 6);
+        const int capacity = beats * TicksPerBeat(beatUnit);
         for (tune.CurNote = 2; tune.CurNote <= tune.LastNote; ++tune.CurNote) {
             pass.Step(tune, ticks, capacity);
             ticks += TicksOf(tune[tune.CurNote].NoteCode);
@@ -42,130 +42,154 @@ protected:
 
 TEST_F(BeamPassOver, AnEighthAloneGivesItAFlag)
 {
-    EXPECT_EQ(Common({4}), (Codes{4}));
+    EXPECT_EQ(Common({kEighth}), (Codes{kEighthFlag}));
 }
 
 TEST_F(BeamPassOver, TwoEighthsOnABeatIn44JoinsThemByTheMainBeam)
 {
-    EXPECT_EQ(Common({4, 4}), (Codes{0, 5}));
+    EXPECT_EQ(Common({kEighth, kEighth}), (Codes{kNoBeam, kMainBeam}));
 }
 
 TEST_F(BeamPassOver, FourSixteenthsOnABeatDrawsTwoBeamsToTheStart)
 {
-    EXPECT_EQ(Common({2}), (Codes{1}));
-    EXPECT_EQ(Common({2, 2}), (Codes{0, 2})) << "the first has been changed";
-    EXPECT_EQ(Common({2, 2, 2}), (Codes{0, 2, 2}));
-    EXPECT_EQ(Common({2, 2, 2, 2}), (Codes{0, 2, 2, 2}));
+    EXPECT_EQ(Common({kSixteenth}), (Codes{kSixteenthFlag}));
+    EXPECT_EQ(Common({kSixteenth, kSixteenth}), (Codes{kNoBeam, kBothBeams}))
+        << "the first has been changed";
+    EXPECT_EQ(Common({kSixteenth, kSixteenth, kSixteenth}),
+              (Codes{kNoBeam, kBothBeams, kBothBeams}));
+    EXPECT_EQ(Common({kSixteenth, kSixteenth, kSixteenth, kSixteenth}),
+              (Codes{kNoBeam, kBothBeams, kBothBeams, kBothBeams}));
 }
 
 TEST_F(BeamPassOver, AnEighthAndTwoSixteenthsIn44Gives052)
 {
-    EXPECT_EQ(Common({4, 2, 2}), (Codes{0, 5, 2}));
+    EXPECT_EQ(Common({kEighth, kSixteenth, kSixteenth}), (Codes{kNoBeam, kMainBeam, kBothBeams}));
 }
 
 TEST_F(BeamPassOver, TwoSixteenthsAndAnEighthGives025)
 {
-    EXPECT_EQ(Common({2, 2, 4}), (Codes{0, 2, 5}));
+    EXPECT_EQ(Common({kSixteenth, kSixteenth, kEighth}), (Codes{kNoBeam, kBothBeams, kMainBeam}));
 }
 
 TEST_F(BeamPassOver, ASixteenthEighthSixteenthGivesAStubForwardAndAStubBack)
 {
-    EXPECT_EQ(Common({2, 4, 2}), (Codes{9, 5, 3}));
+    EXPECT_EQ(Common({kSixteenth, kEighth, kSixteenth}),
+              (Codes{kForwardStub, kMainBeam, kBackStub}));
 }
 
 TEST_F(BeamPassOver, ADottedEighthAndASixteenthKeepsTheDot)
 {
-    EXPECT_EQ(Common({5, 2}), (Codes{7, 3}));
-    EXPECT_EQ(Common({2, 5}), (Codes{9, 6}));
-    EXPECT_EQ(Common({5}), (Codes{8}));
+    EXPECT_EQ(Common({kDottedEighth, kSixteenth}), (Codes{kDotAlone, kBackStub}));
+    EXPECT_EQ(Common({kSixteenth, kDottedEighth}), (Codes{kForwardStub, kDottedMainBeam}));
+    EXPECT_EQ(Common({kDottedEighth}), (Codes{kDottedEighthFlag}));
 }
 
 TEST_F(BeamPassOver, QuartersAndLongerNotesEndsTheGroup)
 {
-    EXPECT_EQ(Common({4, 7, 4, 4}), (Codes{4, 0, 4, 4}));
-    EXPECT_EQ(Common({8, 4}), (Codes{7, 4}));
-    EXPECT_EQ(Common({4, 6, 4}), (Codes{4, 0, 4}));
+    EXPECT_EQ(Common({kEighth, kQuarter, kEighth, kEighth}),
+              (Codes{kEighthFlag, kNoBeam, kEighthFlag, kEighthFlag}));
+    EXPECT_EQ(Common({kDottedQuarter, kEighth}), (Codes{kDotAlone, kEighthFlag}));
+    EXPECT_EQ(Common({kEighth, kTripletQuarter, kEighth}),
+              (Codes{kEighthFlag, kNoBeam, kEighthFlag}));
 }
 
 TEST_F(BeamPassOver, EveryBeatStartsANewGroupInSimpleTime)
 {
-    EXPECT_EQ(Common({4, 4, 4, 4, 4, 4, 4, 4}), (Codes{0, 5, 0, 5, 0, 5, 0, 5}));
+    EXPECT_EQ(
+        Common({kEighth, kEighth, kEighth, kEighth, kEighth, kEighth, kEighth, kEighth}),
+        (Codes{kNoBeam, kMainBeam, kNoBeam, kMainBeam, kNoBeam, kMainBeam, kNoBeam, kMainBeam}));
 }
 
 TEST_F(BeamPassOver, TripletEighthsBeamsThree)
 {
-    EXPECT_EQ(Common({3, 3, 3, 3, 3, 3}), (Codes{0, 5, 5, 0, 5, 5}));
+    EXPECT_EQ(Common({kTripletEighth, kTripletEighth, kTripletEighth, kTripletEighth,
+                      kTripletEighth, kTripletEighth}),
+              (Codes{kNoBeam, kMainBeam, kMainBeam, kNoBeam, kMainBeam, kMainBeam}));
 }
 
 TEST_F(BeamPassOver, SixteenthTripletsPartsTheSecondBeamOnTheEighth)
 {
-    EXPECT_EQ(Common({1, 1, 1, 1, 1, 1}), (Codes{0, 2, 2, 5, 2, 2}));
-    EXPECT_EQ(Common({4, 1, 1, 1}), (Codes{0, 5, 2, 2}));
+    EXPECT_EQ(Common({kTripletSixteenth, kTripletSixteenth, kTripletSixteenth, kTripletSixteenth,
+                      kTripletSixteenth, kTripletSixteenth}),
+              (Codes{kNoBeam, kBothBeams, kBothBeams, kMainBeam, kBothBeams, kBothBeams}));
+    EXPECT_EQ(Common({kEighth, kTripletSixteenth, kTripletSixteenth, kTripletSixteenth}),
+              (Codes{kNoBeam, kMainBeam, kBothBeams, kBothBeams}));
 }
 
 TEST_F(BeamPassOver, AQuarterRestEndsAGroupInSimpleTime)
 {
-    Common({4, 99});
+    Common({kEighth, kQuarterRest});
     EXPECT_EQ(run, 0);
-    EXPECT_EQ(Common({4, 99, 4}), (Codes{4, 0, 4}));
+    EXPECT_EQ(Common({kEighth, kQuarterRest, kEighth}), (Codes{kEighthFlag, kNoBeam, kEighthFlag}));
 }
 
 TEST_F(BeamPassOver, AQuarterRestEndsNoGroupInCompoundTimeWhereOnly18TicksDo)
 {
-    EXPECT_EQ(Compound({2, 99, 2}), (Codes{9, 0, 3}));
-    Compound({4, 99});
+    EXPECT_EQ(Compound({kSixteenth, kQuarterRest, kSixteenth}),
+              (Codes{kForwardStub, kNoBeam, kBackStub}));
+    Compound({kEighth, kQuarterRest});
     EXPECT_EQ(run, 1);
-    EXPECT_EQ(Compound({4, 99, 4, 4, 4}), (Codes{4, 0, 0, 5, 5}));
+    EXPECT_EQ(Compound({kEighth, kQuarterRest, kEighth, kEighth, kEighth}),
+              (Codes{kEighthFlag, kNoBeam, kNoBeam, kMainBeam, kMainBeam}));
 }
 
 TEST_F(BeamPassOver, HalfOfTheMeasureIn44And24LiesOnABeatAnyway)
 {
-    EXPECT_EQ(Beams(2, 4, {4, 4, 4, 4}), (Codes{0, 5, 0, 5}));
-    EXPECT_EQ(Common({7, 4, 4, 4, 4, 7}), (Codes{0, 0, 5, 0, 5, 0}));
+    EXPECT_EQ(Beams(2, 4, {kEighth, kEighth, kEighth, kEighth}),
+              (Codes{kNoBeam, kMainBeam, kNoBeam, kMainBeam}));
+    EXPECT_EQ(Common({kQuarter, kEighth, kEighth, kEighth, kEighth, kQuarter}),
+              (Codes{kNoBeam, kNoBeam, kMainBeam, kNoBeam, kMainBeam, kNoBeam}));
 }
 
 TEST_F(BeamPassOver, HalfOfTheMeasureIn34DoesNotStartAGroup)
 {
     // tick 18 is half of 36 and no beat: the eighth there goes on with the group of tick 12
-    EXPECT_EQ(Beams(3, 4, {7, 4, 4, 7}), (Codes{0, 0, 5, 0}));
+    EXPECT_EQ(Beams(3, 4, {kQuarter, kEighth, kEighth, kQuarter}),
+              (Codes{kNoBeam, kNoBeam, kMainBeam, kNoBeam}));
 }
 
 TEST_F(BeamPassOver, ACompoundMeasureBeamsByDottedQuarters)
 {
-    EXPECT_EQ(Compound({4, 4, 4, 4, 4, 4}), (Codes{0, 5, 5, 0, 5, 5}));
+    EXPECT_EQ(Compound({kEighth, kEighth, kEighth, kEighth, kEighth, kEighth}),
+              (Codes{kNoBeam, kMainBeam, kMainBeam, kNoBeam, kMainBeam, kMainBeam}));
 }
 
 TEST_F(BeamPassOver, SixteenthsIn68BeamsSix)
 {
-    EXPECT_EQ(Compound({2, 2, 2, 2, 2, 2}), (Codes{0, 2, 2, 2, 2, 2}));
+    EXPECT_EQ(Compound({kSixteenth, kSixteenth, kSixteenth, kSixteenth, kSixteenth, kSixteenth}),
+              (Codes{kNoBeam, kBothBeams, kBothBeams, kBothBeams, kBothBeams, kBothBeams}));
 }
 
 TEST_F(BeamPassOver, MixedShortNotesInCompoundTimeKeepsTheirStubs)
 {
-    EXPECT_EQ(Compound({4, 2, 2}), (Codes{0, 5, 2}));
-    EXPECT_EQ(Compound({5, 2, 4}), (Codes{7, 3, 5}));
-    EXPECT_EQ(Compound({4, 5, 2}), (Codes{0, 6, 3}));
+    EXPECT_EQ(Compound({kEighth, kSixteenth, kSixteenth}), (Codes{kNoBeam, kMainBeam, kBothBeams}));
+    EXPECT_EQ(Compound({kDottedEighth, kSixteenth, kEighth}),
+              (Codes{kDotAlone, kBackStub, kMainBeam}));
+    EXPECT_EQ(Compound({kEighth, kDottedEighth, kSixteenth}),
+              (Codes{kNoBeam, kDottedMainBeam, kBackStub}));
 }
 
 TEST_F(BeamPassOver, TheNotesOwnBeatUnitChoosesTheTable)
 {
     Tune tune;
     AddMeasure(tune, 4, 4);
-    AddNote(tune, 4, 1, "5");
-    AddNote(tune, 99);
-    AddNote(tune, 4, 1, "5").BeatUnit = 8;  // entered under another signature
+    AddNote(tune, kEighth, 1, "5");
+    AddNote(tune, kQuarterRest);
+    AddNote(tune, kEighth, 1, "5").BeatUnit = 8;  // entered under another signature
     BeamPass pass;
     for (int i = 2, ticks = 0; i <= 4; ++i) {
         tune.CurNote = i;
         pass.Step(tune, ticks, 48);
         ticks += TicksOf(tune[i].NoteCode);
     }
-    EXPECT_EQ(tune[4].BeamCode, 4);
+    EXPECT_EQ(tune[4].BeamCode, kEighthFlag);
 }
 
 TEST_F(BeamPassOver, CodesWithoutARowLeavesTheBeamCodeThatTheyHave)
 {
-    EXPECT_EQ(Beams(4, 4, {9, 92, 10, 11, 97}, 6), (Codes{6, 6, 6, 6, 6}));
+    EXPECT_EQ(Beams(4, 4, {kHalf, kHalfRest, kDottedHalf, kWhole, kEighthRest}, kDottedMainBeam),
+              (Codes{kDottedMainBeam, kDottedMainBeam, kDottedMainBeam, kDottedMainBeam,
+                     kDottedMainBeam}));
 }
 
 TEST_F(BeamPassOver, FourEighthsInARowPartsThem)
@@ -173,13 +197,13 @@ TEST_F(BeamPassOver, FourEighthsInARowPartsThem)
     Tune tune;
     AddMeasure(tune);
     for (int i = 0; i < 4; ++i)
-        AddNote(tune, 4, 1, "5");
+        AddNote(tune, kEighth, 1, "5");
     BeamPass pass;
     for (int i = 0; i < 4; ++i) {
         tune.CurNote = 2 + i;
         pass.Step(tune, 1 + i, 48);  // never on a beat
     }
-    EXPECT_EQ(tune[4].BeamCode, 5);
+    EXPECT_EQ(tune[4].BeamCode, kMainBeam);
     EXPECT_EQ(pass.BeamHalves, 0);
 }
 

@@ -1,4 +1,5 @@
 #include "page_desk.h"
+#include "store/signs.h"
 
 namespace quillon {
 namespace {
@@ -21,7 +22,7 @@ protected:
 
 TEST_F(LineFurnitureTest, ASignOnTheFirstMeasureAndABracketOnTheSecondShareOneTopRow)
 {
-    Head(1).Slot(1) = "87";
+    Head(1).Slot(1) = kSign;
     Head(2).Slot(2) = "1.";
     const LogLines log = Screen();
     // The row stands at y 600; three gaps on, at 1095, stands the staff.
@@ -69,16 +70,16 @@ TEST_F(LineFurnitureTest, ARemarkWithASlashIsSetRightByItsWidthInTheFormsFont)
 TEST_F(LineFurnitureTest, SignsBeginOrEndTheirMeasure)
 {
     const struct {
-        const char* code;
+        std::string_view code;
         const char* expected;
     } rows[] = {
-        {"87", "text 670 600 size=10 font=\"Tab\" bold=0 \"$\""              },
-        {"84", "text 670 600 size=10 font=\"Tab\" bold=0 \"@\""              },
-        {"89", "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.S. Al Fine\""},
-        {"88", "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.S. Al Coda\""},
-        {"86", "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.C. Al Fine\""},
-        {"85", "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.C. Al Coda\""},
-        {"83", "text 2290 600 size=10 font=\"Arial\" bold=0 \"Fine\""        },
+        {kSign,     "text 670 600 size=10 font=\"Tab\" bold=0 \"$\""              },
+        {kCoda,     "text 670 600 size=10 font=\"Tab\" bold=0 \"@\""              },
+        {kDsAlFine, "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.S. Al Fine\""},
+        {kDsAlCoda, "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.S. Al Coda\""},
+        {kDcAlFine, "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.C. Al Fine\""},
+        {kDcAlCoda, "text 1630 600 size=10 font=\"Arial\" bold=0 \"D.C. Al Coda\""},
+        {kFine,     "text 2290 600 size=10 font=\"Arial\" bold=0 \"Fine\""        },
     };
     for (const auto& row : rows) {
         Head(1).Slot(1) = row.code;
@@ -89,7 +90,7 @@ TEST_F(LineFurnitureTest, SignsBeginOrEndTheirMeasure)
 TEST_F(LineFurnitureTest, PlainDsAndDcTakeUpTheTopRowAndPrintNothing)
 {
     const std::size_t texts = Only(Screen(), "text").size();
-    for (const char* code : {"81", "82"}) {
+    for (std::string_view code : {kDs, kDc}) {
         Head(1).Slot(1) = code;
         const LogLines log = Screen();
         EXPECT_EQ(Only(log, "text").size(), texts);
@@ -128,7 +129,7 @@ TEST_F(LineFurnitureTest, ATimeSignatureIsShownWhereItChangesAndBehindARepeatSta
 {
     for (int i = 6; i <= 10; ++i)
         tune[i].Beats = 3;
-    Head(2).BarCode = "98";
+    Head(2).BarCode = kRepeatStart;
     const LogLines log = Screen();
     // The head's width grows by 2 for the signature and 1 for the bar.
     EXPECT_TRUE(Has(log, "text 2920 765 size=16 font=\"Arial\" bold=0 \" 3 \""));
@@ -140,11 +141,11 @@ TEST_F(LineFurnitureTest, AnyBarCodeStopsTheBracketSearchAndAnEmptyOneDoesNot)
     // Measure 2 begins at 2770; a plain bar stands at its last column, 4420.
     Head(2).Slot(2) = "1.";
     EXPECT_TRUE(Has(Screen(), "line 2770 600 4420 600 w=1"));
-    for (const char* code : {"94", "99"}) {
+    for (std::string_view code : {kDoubleBar, kRepeatEnd}) {
         Head(2).BarCode = code;  // moves to the measure's last column
         EXPECT_TRUE(Has(Screen(), "line 2770 600 4420 600 w=1")) << code;
     }
-    for (const char* code : {"95", "98"}) {
+    for (std::string_view code : {kBeginDoubleBar, kRepeatStart}) {
         Head(2).BarCode = code;  // stays on the head: a bracket without length
         EXPECT_TRUE(Has(Screen(), "line 2770 600 2770 600 w=1")) << code;
     }
@@ -175,7 +176,7 @@ TEST_F(LineFurnitureTest, ChordsUnderATopRowStandInItsThirdGap)
 
 TEST_F(LineFurnitureTest, RepeatBarsHaveDotsWhosePlaceFollowsTheStrings)
 {
-    Head(1).BarCode = "98";
+    Head(1).BarCode = kRepeatStart;
     for (const auto& [strings, upper, lower] : {
              std::tuple{6, "1012.5", "1342.5" },
              {5, "946.5",  "1218.75"},
@@ -190,7 +191,7 @@ TEST_F(LineFurnitureTest, RepeatBarsHaveDotsWhosePlaceFollowsTheStrings)
 
 TEST_F(LineFurnitureTest, AFirstMeasureWithABeginBarHasNoLeftEdge)
 {
-    Head(1).BarCode = "95";
+    Head(1).BarCode = kBeginDoubleBar;
     const LogLines log = Screen();
     EXPECT_TRUE(Has(log, "line 400 765 400 1590 w=3"));
     EXPECT_TRUE(Has(log, "line 440 765 440 1590 w=2"));
@@ -199,7 +200,7 @@ TEST_F(LineFurnitureTest, AFirstMeasureWithABeginBarHasNoLeftEdge)
 
 TEST_F(LineFurnitureTest, AnEndBarAtTheLinesEndStandsAtLineRight)
 {
-    Head(3).BarCode = "99";
+    Head(3).BarCode = kRepeatEnd;
     const LogLines log = Screen();
     EXPECT_TRUE(Has(log, "line 7420 765 7420 1590 w=3"));
     EXPECT_TRUE(Has(log, "line 7380 765 7380 1590 w=2"));

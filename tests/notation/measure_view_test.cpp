@@ -1,5 +1,6 @@
 #include "notation/measure_view.h"
 
+#include "store/signs.h"
 #include "support/faults.h"
 #include "support/tunes.h"
 
@@ -90,11 +91,11 @@ TEST_F(MeasureViewTest, AMeasureNotYetFullEndsAt350AndAFullOneBehindItsLastNote)
 {
     AddMeasure(tune);
     for (int i = 0; i < 3; ++i)
-        AddNote(tune, 7, 1, "1");
+        AddNote(tune, kQuarter, 1, "1");
     Show();
     EXPECT_EQ(view.EndBarX, 350);
     EXPECT_EQ(form.MeasFill, 36);
-    AddNote(tune, 7, 1, "1");
+    AddNote(tune, kQuarter, 1, "1");
     Show();
     EXPECT_EQ(form.MeasFill, 48);
     EXPECT_EQ(view.EndBarX, 48 + 4 * 24);
@@ -126,8 +127,8 @@ TEST_F(MeasureViewTest, TakesTheSignatureForNewMeasuresFromTheHead)
 TEST_F(MeasureViewTest, ANoteOfButton1WithThreeCharactersGrowsFromSpacing2To4AndMovesTheNext)
 {
     AddMeasure(tune);
-    AddNote(tune, 1, 3, "5");
-    AddNote(tune, 1, 3, "5");
+    AddNote(tune, kTripletSixteenth, 3, "5");
+    AddNote(tune, kTripletSixteenth, 3, "5");
     Show();
     EXPECT_EQ(tune[2].Spacing, 2);
     EXPECT_EQ(tune[3].XPos, 60);
@@ -140,7 +141,7 @@ TEST_F(MeasureViewTest, ANoteOfButton1WithThreeCharactersGrowsFromSpacing2To4And
 TEST_F(MeasureViewTest, SpacingCountsAllSixSlotsWhateverTheInstrument)
 {
     AddMeasure(tune);
-    AddNote(tune, 2, 6, "12345");
+    AddNote(tune, kSixteenth, 6, "12345");
     SetStrings(4);
     Show();
     EXPECT_EQ(tune[2].Spacing, 6);
@@ -149,7 +150,7 @@ TEST_F(MeasureViewTest, SpacingCountsAllSixSlotsWhateverTheInstrument)
 TEST_F(MeasureViewTest, SpacingGrowsFromSlotToSlotAsItGoes)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 2, 1, "12");
+    NoteRecord& note = AddNote(tune, kSixteenth, 1, "12");
     note.Slot(2) = "123";  // as long as the width that string 1 has made
     Show();
     EXPECT_EQ(note.Spacing, 4);
@@ -158,8 +159,8 @@ TEST_F(MeasureViewTest, SpacingGrowsFromSlotToSlotAsItGoes)
 TEST_F(MeasureViewTest, AChordTextOf5LettersOverAQuarterGivesSpacing6)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "1").ChordText = "Cmaj7";
-    AddNote(tune, 7, 1, "1");
+    AddNote(tune, kQuarter, 1, "1").ChordText = "Cmaj7";
+    AddNote(tune, kQuarter, 1, "1");
     Show();
     EXPECT_EQ(tune[2].Spacing, 6);
     EXPECT_EQ(tune[3].XPos, 48 + 36);
@@ -169,12 +170,12 @@ TEST_F(MeasureViewTest, AChordTextOf5LettersOverAQuarterGivesSpacing6)
 TEST_F(MeasureViewTest, AFretOf12InAHalfNotePrintsBracketsWithDotAndTieBehindAll4Characters)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 9, 1, "12^");
+    NoteRecord& note = AddNote(tune, kHalf, 1, "12^");
     Show();
     EXPECT_TRUE(Has(Text("48 28", "[12]")));
     // 24 behind the note; the radius is what 4 of 8 columns leave
     EXPECT_TRUE(Has("arc 84 34 12 0.5 3 0.5 w=1"));
-    note.NoteCode = 10;
+    note.NoteCode = kDottedHalf;
     note.Slot(1) = "12";
     Show();
     EXPECT_TRUE(Has("circle 72 34 1 w=1 fill=solid"));
@@ -183,11 +184,11 @@ TEST_F(MeasureViewTest, AFretOf12InAHalfNotePrintsBracketsWithDotAndTieBehindAll
 TEST_F(MeasureViewTest, ACellWithATiePrintsTheFretAndAnArcByTheSpacingThatTheTextLeaves)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 7, 2, "7^");
+    NoteRecord& note = AddNote(tune, kQuarter, 2, "7^");
     Show();
     EXPECT_TRUE(Has(Text("48 36", "7")));
     EXPECT_TRUE(Has("arc 63 42 9 0.5 3 0.5 w=1"));
-    note.NoteCode = 2;  // Spacing 3, for two characters
+    note.NoteCode = kSixteenth;  // Spacing 3, for two characters
     Show();
     EXPECT_EQ(note.Spacing, 3);
     EXPECT_TRUE(Has("arc 60 42 6 0.5 3 0.5 w=1"));
@@ -196,7 +197,7 @@ TEST_F(MeasureViewTest, ACellWithATiePrintsTheFretAndAnArcByTheSpacingThatTheTex
 TEST_F(MeasureViewTest, ABendMarkAtPosition2OnString1StandsInSize8AboveTheFret)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "5>");
+    AddNote(tune, kQuarter, 1, "5>");
     Show();
     EXPECT_TRUE(Has(Text("48 28", "5")));
     EXPECT_TRUE(Has(Glyph("54 20", ">", 8)));
@@ -205,7 +206,7 @@ TEST_F(MeasureViewTest, ABendMarkAtPosition2OnString1StandsInSize8AboveTheFret)
 TEST_F(MeasureViewTest, ABendMarkDownwardsStandsOnTheLineOfTheFret)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "5<");
+    AddNote(tune, kQuarter, 1, "5<");
     Show();
     EXPECT_TRUE(Has(Glyph("54 28", "<", 8)));
 }
@@ -213,7 +214,7 @@ TEST_F(MeasureViewTest, ABendMarkDownwardsStandsOnTheLineOfTheFret)
 TEST_F(MeasureViewTest, TheBendPositionCountsInTheSlotAndTheMarkIsTheLastCharacterLeft)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "5>7");
+    AddNote(tune, kQuarter, 1, "5>7");
     Show();
     EXPECT_TRUE(Has(Text("48 28", "5>")));
     EXPECT_TRUE(Has(Glyph("54 28", "7", 8)));
@@ -222,7 +223,7 @@ TEST_F(MeasureViewTest, TheBendPositionCountsInTheSlotAndTheMarkIsTheLastCharact
 TEST_F(MeasureViewTest, ASlashTypedOnString5IsMovedToString3AtTheFirstRedrawAndStays)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 7, 5, "/");
+    NoteRecord& note = AddNote(tune, kQuarter, 5, "/");
     Show();
     EXPECT_EQ(note.Slot(5), "");
     EXPECT_EQ(note.Slot(3), "/");
@@ -234,7 +235,7 @@ TEST_F(MeasureViewTest, ASlashTypedOnString5IsMovedToString3AtTheFirstRedrawAndS
 TEST_F(MeasureViewTest, OnlyACellThatIsExactlyASlashIsMoved)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 7, 5, "//");
+    NoteRecord& note = AddNote(tune, kQuarter, 5, "//");
     Show();
     EXPECT_EQ(note.Slot(5), "//");
     EXPECT_EQ(note.Slot(3), "");
@@ -243,7 +244,7 @@ TEST_F(MeasureViewTest, OnlyACellThatIsExactlyASlashIsMoved)
 TEST_F(MeasureViewTest, ASlideIsThreePiecesSideBySide)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 7, 1, "5-7");
+    NoteRecord& note = AddNote(tune, kQuarter, 1, "5-7");
     Show();
     EXPECT_TRUE(Has(Text("48 28", "5")));
     EXPECT_TRUE(Has(Glyph("53 26", "-")));
@@ -256,7 +257,7 @@ TEST_F(MeasureViewTest, ASlideIsThreePiecesSideBySide)
 TEST_F(MeasureViewTest, ACellOfBlanksIsNotEmpty)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 4, "  ");
+    AddNote(tune, kQuarter, 4, "  ");
     Show();
     EXPECT_TRUE(Has("line 51 64 51 108 w=1")) << "the stem starts below string 4";
 }
@@ -264,8 +265,8 @@ TEST_F(MeasureViewTest, ACellOfBlanksIsNotEmpty)
 TEST_F(MeasureViewTest, TheStemStartsBelowTheLowestFretOrAt40)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 2, "0").Slot(5) = "0";
-    AddNote(tune, 7);
+    AddNote(tune, kQuarter, 2, "0").Slot(5) = "0";
+    AddNote(tune, kQuarter);
     Show();
     EXPECT_TRUE(Has("line 51 72 51 108 w=1"));
     EXPECT_TRUE(Has("line 75 40 75 108 w=1"));
@@ -274,14 +275,14 @@ TEST_F(MeasureViewTest, TheStemStartsBelowTheLowestFretOrAt40)
 TEST_F(MeasureViewTest, TwoEighthsOnABeatAreJoinedByTheMainBeamAndOneAloneHasAFlag)
 {
     AddMeasure(tune);
-    AddNote(tune, 4, 1, "1");
+    AddNote(tune, kEighth, 1, "1");
     Show();
-    EXPECT_EQ(tune[2].BeamCode, 4);
+    EXPECT_EQ(tune[2].BeamCode, kEighthFlag);
     EXPECT_TRUE(Has(Glyph("51 90", "(")));
-    AddNote(tune, 4, 1, "1");
+    AddNote(tune, kEighth, 1, "1");
     Show();
-    EXPECT_EQ(tune[2].BeamCode, 0);
-    EXPECT_EQ(tune[3].BeamCode, 5);
+    EXPECT_EQ(tune[2].BeamCode, kNoBeam);
+    EXPECT_EQ(tune[3].BeamCode, kMainBeam);
     EXPECT_TRUE(Has("line 69 108 50 108 w=1"));
 }
 
@@ -289,11 +290,11 @@ TEST_F(MeasureViewTest, FourSixteenthsOnABeatHaveTwoBeamsToTheStart)
 {
     AddMeasure(tune);
     for (int i = 0; i < 4; ++i)
-        AddNote(tune, 2, 1, "1");
+        AddNote(tune, kSixteenth, 1, "1");
     Show();
-    EXPECT_EQ(tune[2].BeamCode, 0);
+    EXPECT_EQ(tune[2].BeamCode, kNoBeam);
     for (int i = 3; i <= 5; ++i) {
-        EXPECT_EQ(tune[i].BeamCode, 2);
+        EXPECT_EQ(tune[i].BeamCode, kBothBeams);
         const std::string x = std::to_string(tune[i].XPos + 2);
         EXPECT_TRUE(Has("line " + x + " 108 50 108 w=1"));
         EXPECT_TRUE(Has("line " + x + " 105 50 105 w=1"));
@@ -303,19 +304,19 @@ TEST_F(MeasureViewTest, FourSixteenthsOnABeatHaveTwoBeamsToTheStart)
 TEST_F(MeasureViewTest, AnEighthAndTwoSixteenthsIn44EndWithTheCodes052)
 {
     AddMeasure(tune);
-    for (int code : {4, 2, 2})
+    for (int code : {kEighth, kSixteenth, kSixteenth})
         AddNote(tune, code, 1, "1");
     Show();
-    EXPECT_EQ(tune[2].BeamCode, 0);
-    EXPECT_EQ(tune[3].BeamCode, 5);
-    EXPECT_EQ(tune[4].BeamCode, 2);
+    EXPECT_EQ(tune[2].BeamCode, kNoBeam);
+    EXPECT_EQ(tune[3].BeamCode, kMainBeam);
+    EXPECT_EQ(tune[4].BeamCode, kBothBeams);
 }
 
 TEST_F(MeasureViewTest, ATripletBracketIsDrawnAtTheFirstOfTheThreeNotesOnly)
 {
     AddMeasure(tune);
     for (int i = 0; i < 6; ++i)
-        AddNote(tune, 3, 1, "1");
+        AddNote(tune, kTripletEighth, 1, "1");
     Show();
     const std::string threeAt = "text 61 111 size=10 font=\"Arial\" bold=1 \"3\"";
     EXPECT_EQ(CountOf(threeAt), 1);
@@ -331,7 +332,7 @@ TEST_F(MeasureViewTest, AShortTripletBracketEndsBehindTheNextNoteButOneAsItStood
 {
     AddMeasure(tune);
     for (int i = 0; i < 3; ++i)
-        AddNote(tune, 3, 1, "1");
+        AddNote(tune, kTripletEighth, 1, "1");
     Show();
     EXPECT_TRUE(Has("line 48 110 48 114 w=1"));
     EXPECT_TRUE(Has("line 48 114 60 114 w=1"));
@@ -342,8 +343,8 @@ TEST_F(MeasureViewTest, AShortTripletBracketEndsBehindTheNextNoteButOneAsItStood
 TEST_F(MeasureViewTest, AShortTripletBracketWithoutANextNoteButOneHasItsFixedLength)
 {
     AddMeasure(tune);
-    AddNote(tune, 96);
-    AddNote(tune, 3, 1, "1");
+    AddNote(tune, kTripletEighthRest);
+    AddNote(tune, kTripletEighth, 1, "1");
     Show();
     EXPECT_TRUE(Has("line 66 114 78 114 w=1"));
     EXPECT_TRUE(Has("line 78 110 78 114 w=1"));
@@ -352,14 +353,14 @@ TEST_F(MeasureViewTest, AShortTripletBracketWithoutANextNoteButOneHasItsFixedLen
 TEST_F(MeasureViewTest, AQuarterTripletHasTheLongBracketAndItsRestTheShort)
 {
     AddMeasure(tune);
-    AddNote(tune, 6, 1, "1");
+    AddNote(tune, kTripletQuarter, 1, "1");
     Show();
     EXPECT_TRUE(Has("line 48 114 66 114 w=1"));
     EXPECT_TRUE(Has("line 72 114 90 114 w=1"));
     EXPECT_TRUE(Has(Text("67 111", "3")));
     tune[2].Clear();
     tune.LastNote = 1;
-    AddNote(tune, 98);
+    AddNote(tune, kTripletQuarterRest);
     Show();
     EXPECT_TRUE(Has("line 66 114 90 114 w=1"));
     EXPECT_TRUE(Has(Text("61 111", "3")));
@@ -369,14 +370,14 @@ TEST_F(MeasureViewTest, ATripletAtTheVeryEndOfTheTableIsASubscriptFault)
 {
     tune.LastNote = 1498;
     AddMeasure(tune);
-    AddNote(tune, 3, 1, "1");
+    AddNote(tune, kTripletEighth, 1, "1");
     EXPECT_FAULT(Show(1499), SubscriptOutOfRange);
 }
 
 TEST_F(MeasureViewTest, RestsHaveTheirGlyphsAndBars)
 {
     AddMeasure(tune);
-    for (int code : {95, 97, 99, 92, 93})
+    for (int code : {kSixteenthRest, kEighthRest, kQuarterRest, kHalfRest, kWholeRest})
         AddNote(tune, code);
     Show();
     EXPECT_TRUE(Has(Glyph("48 42", "%")));
@@ -393,13 +394,13 @@ TEST_F(MeasureViewTest, RestsHaveTheirGlyphsAndBars)
 TEST_F(MeasureViewTest, HandLettersStandByTheStemAndNotByARest)
 {
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 7, 1, "1");
+    NoteRecord& note = AddNote(tune, kQuarter, 1, "1");
     note.LeftHand = '2';
     note.RightHand = 'p';
     Show();
     EXPECT_TRUE(Has(Text("54 90", "p")));
     EXPECT_TRUE(Has(Text("51 108", "2")));
-    note.NoteCode = 99;
+    note.NoteCode = kQuarterRest;
     Show();
     EXPECT_FALSE(Has(Text("54 90", "p")));
 }
@@ -410,14 +411,14 @@ TEST_F(MeasureViewTest, BarSignsAreDrawnByTheirCode)
     const std::string thin = "line 350 36 350 76 w=1", thinStart = "line 27 36 27 76 w=1";
     const std::string thick = "line 350 36 350 76 w=3", thickStart = "line 23 36 23 76 w=3";
     const std::string second = "line 347 36 347 76 w=1";
-    tune[1].BarCode = "99";
+    tune[1].BarCode = kRepeatEnd;
     Show();
     EXPECT_TRUE(Has(thick) && Has(second) && !Has(thin));
     EXPECT_TRUE(Has("circle 343 47 2 w=1 fill=solid") && Has("circle 343 67 2 w=1 fill=solid"));
-    tune[1].BarCode = "94";
+    tune[1].BarCode = kDoubleBar;
     Show();
     EXPECT_TRUE(Has(thick) && Has(second) && !Has("circle 343 47 2 w=1 fill=solid"));
-    for (const char* code : {"95", "93"}) {
+    for (std::string_view code : {kBeginDoubleBar, kPlainBar}) {
         tune[1].BarCode = code;
         Show();
         EXPECT_TRUE(Has(thickStart) && Has(thinStart) && Has(thin)) << code;
@@ -427,7 +428,7 @@ TEST_F(MeasureViewTest, BarSignsAreDrawnByTheirCode)
 
 TEST_F(MeasureViewTest, ARepeatStartOnAMeasureWithItsBarAt350StillDrawsItsDotsAt32)
 {
-    AddMeasure(tune).BarCode = "98";
+    AddMeasure(tune).BarCode = kRepeatStart;
     Show();
     EXPECT_TRUE(Has("line 23 36 23 76 w=3"));
     EXPECT_TRUE(Has("line 27 36 27 76 w=1"));
@@ -478,16 +479,16 @@ TEST_F(MeasureViewTest, TheBracketIsDrawnForItsTextOrWhileItIsTyped)
 TEST_F(MeasureViewTest, SignsAreTextsOrGlyphs)
 {
     AddMeasure(tune);
-    const std::pair<const char*, std::string> signs[] = {
-        {"81", Text("260 12", "D.S.")        },
-        {"82", Text("260 12", "D.C.")        },
-        {"83", Text("260 12", "Fine")        },
-        {"84", Glyph("12 12", "@")           },
-        {"85", Text("248 12", "D.C. al Coda")},
-        {"86", Text("248 12", "D.C. al Fine")},
-        {"87", Glyph("12 12", "$")           },
-        {"88", Text("248 12", "D.S. al Coda")},
-        {"89", Text("248 12", "D.S. al Fine")},
+    const std::pair<std::string_view, std::string> signs[] = {
+        {kDs,       Text("260 12", "D.S.")        },
+        {kDc,       Text("260 12", "D.C.")        },
+        {kFine,     Text("260 12", "Fine")        },
+        {kCoda,     Glyph("12 12", "@")           },
+        {kDcAlCoda, Text("248 12", "D.C. al Coda")},
+        {kDcAlFine, Text("248 12", "D.C. al Fine")},
+        {kSign,     Glyph("12 12", "$")           },
+        {kDsAlCoda, Text("248 12", "D.S. al Coda")},
+        {kDsAlFine, Text("248 12", "D.S. al Fine")},
     };
     for (const auto& [code, line] : signs) {
         tune[1].Slot(1) = code;
@@ -508,8 +509,8 @@ TEST_F(MeasureViewTest, ARemarkStandsAtTheStart)
 TEST_F(MeasureViewTest, ARemarkWithASlashEndsAtTheLastNoteAsThePreviousRedrawPlacedIt)
 {
     AddMeasure(tune).Slot(3) = "/To Coda";
-    AddNote(tune, 7, 1, "1");
-    AddNote(tune, 7, 1, "1");
+    AddNote(tune, kQuarter, 1, "1");
+    AddNote(tune, kQuarter, 1, "1");
     Show();
     EXPECT_TRUE(Has(Text("-28 4", "To Coda"))) << "XPos was still 0";
     Show();
@@ -529,9 +530,9 @@ TEST_F(MeasureViewTest, ALineBreakShowsInHdbkbox)
 TEST_F(MeasureViewTest, AShortMeasureInsideTheTuneCountsAsFullInFretModeAlone)
 {
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "1");
+    AddNote(tune, kQuarter, 1, "1");
     AddMeasure(tune);
-    AddNote(tune, 7, 1, "1");
+    AddNote(tune, kQuarter, 1, "1");
     Show(1);
     EXPECT_EQ(form.MeasFill, 48);
     EXPECT_EQ(view.EndBarX, 350) << "drawn as the short measure it is";
@@ -570,7 +571,7 @@ TEST_F(MeasureViewTest, TheCaretIsOffAfterARedraw)
 
 TEST_F(MeasureViewTest, SolidFillOnceSetStaysSet)
 {
-    AddMeasure(tune).BarCode = "99";
+    AddMeasure(tune).BarCode = kRepeatEnd;
     EXPECT_FALSE(view.StaffBox.FillSolid);
     Show();
     EXPECT_TRUE(view.StaffBox.FillSolid);
@@ -580,7 +581,7 @@ TEST_F(MeasureViewTest, ARunningXPastSixteenBitsIsAnOverflow)
 {
     AddMeasure(tune);
     for (int i = 0; i < 3; ++i)
-        AddNote(tune, 7, 1, std::string(3000, '1'));
+        AddNote(tune, kQuarter, 1, std::string(3000, '1'));
     EXPECT_FAULT(Show(), Overflow);
 }
 
@@ -588,14 +589,14 @@ TEST_F(MeasureViewTest, TheSecondRedrawOfAnyMeasureDrawsAndDerivesTheSame)
 {
     std::mt19937 random(3);
     const char* texts[] = {"", "0", "12", "5>", "7^", "3-5", "/", "x", "[", " 2", "9<", "5=7"};
-    const int codes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 92, 93, 94, 95, 96, 97, 98, 99};
+    const std::vector<int> codes = NotesAndRests();
     for (int i = 0; i < 500; ++i) {
         tune = {};
         const int units[] = {4, 8};
         AddMeasure(tune, 2 + static_cast<int>(random() % 5), units[random() % 2]);
         for (unsigned n = random() % 16; n > 0; --n) {
             NoteRecord& note = AddNote(tune, codes[random() % std::size(codes)]);
-            if (note.NoteCode < 12)
+            if (IsNoteValue(note.NoteCode))
                 note.Slot(1 + static_cast<int>(random() % 6)) = texts[random() % std::size(texts)];
         }
         Show();

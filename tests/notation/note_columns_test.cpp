@@ -27,10 +27,10 @@ protected:
 
 TEST_F(NoteColumnsTest, ATieAtTheLinesEndComesInOnTheNextLine)
 {
-    Note(7, "3^");
+    Note(kQuarter, "3^");
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7, "3");
-    Note(7, "3");
+    Note(kQuarter, "3");
+    Note(kQuarter, "3");
     const LogLines arcs = Only(Screen(), "arc");
     ASSERT_EQ(arcs.size(), 2U);
     EXPECT_EQ(arcs[0], "arc 6295 765 5215 1 3 0.5 w=1");
@@ -39,12 +39,12 @@ TEST_F(NoteColumnsTest, ATieAtTheLinesEndComesInOnTheNextLine)
 
 TEST_F(NoteColumnsTest, ATieThatComesInWaitsForAFretOnItsString)
 {
-    Note(7, "3^");
+    Note(kQuarter, "3^");
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7, "2", 2);
+    Note(kQuarter, "2", 2);
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7, "5", 1);
-    Note(7, "5", 1);
+    Note(kQuarter, "5", 1);
+    Note(kQuarter, "5", 1);
     const LogLines arcs = Only(Screen(), "arc 400 ");
     ASSERT_EQ(arcs.size(), 1U);
     EXPECT_EQ(arcs[0], "arc 400 4570 420 0 1.5 0.25 w=2");
@@ -52,36 +52,36 @@ TEST_F(NoteColumnsTest, ATieThatComesInWaitsForAFretOnItsString)
 
 TEST_F(NoteColumnsTest, AnyOtherFretOnTheStringClearsATieThatCameIn)
 {
-    Note(7, "3^");
+    Note(kQuarter, "3^");
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7, "5");
+    Note(kQuarter, "5");
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7, "5");
+    Note(kQuarter, "5");
     EXPECT_EQ(Only(Screen(), "arc 400 ").size(), 1U);  // into line 2, none into line 3
 }
 
 TEST_F(NoteColumnsTest, ATieIntoTheNextMeasureSkipsTheHead)
 {
-    Note(7, "3^");
+    Note(kQuarter, "3^");
     AddMeasure(tune);
-    Note(7);
-    Note(7);
+    Note(kQuarter);
+    Note(kQuarter);
     // Notes at 970 and 1720: radius (750 - 100) / 2 - 20.
     EXPECT_EQ(Only(Screen(), "arc").at(0), "arc 1385 765 305 0 3.25 0.5 w=1");
 }
 
 TEST_F(NoteColumnsTest, ATieToTheNextNote)
 {
-    Note(7, "3^");
-    Note(7);
+    Note(kQuarter, "3^");
+    Note(kQuarter);
     EXPECT_EQ(Only(Columns(), "arc").at(0), "arc 1235 765 155 0 3.25 0.5 w=1");
 }
 
 TEST_F(NoteColumnsTest, AllSixSlotsAreReadOnAllInstruments)
 {
     tune.NumStrings = 4;
-    Note(7, "5", 5);
-    Note(7, "6", 6);
+    Note(kQuarter, "5", 5);
+    Note(kQuarter, "6", 6);
     const LogLines log = Screen();
     EXPECT_TRUE(Has(log, "text 970 1310 size=10 font=\"Arial\" bold=0 \"5\""));
     EXPECT_TRUE(Has(log, "text 1420 1475 size=10 font=\"Arial\" bold=0 \"6\""));
@@ -89,10 +89,10 @@ TEST_F(NoteColumnsTest, AllSixSlotsAreReadOnAllInstruments)
 
 TEST_F(NoteColumnsTest, ASlashMakesAStemAndLeavesTiesAlone)
 {
-    Note(7, "3^", 3);
+    Note(kQuarter, "3^", 3);
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7, "/", 3);
-    Note(7, "5", 3);
+    Note(kQuarter, "/", 3);
+    Note(kQuarter, "5", 3);
     const LogLines log = Screen();
     EXPECT_TRUE(Has(log, "line 860 3062.5 860 3740 w=1"));
     const LogLines in = Only(log, "arc 400 ");
@@ -102,23 +102,23 @@ TEST_F(NoteColumnsTest, ASlashMakesAStemAndLeavesTiesAlone)
 
 TEST_F(NoteColumnsTest, ASlashStands100HigherWhereTheFontTakesEverySize)
 {
-    Note(7, "/", 3);
-    Note(7);
+    Note(kQuarter, "/", 3);
+    Note(kQuarter);
     EXPECT_EQ(Columns().at(0), "text 970 880 size=10 font=\"Tab\" bold=0 \"/\"");
 }
 
 TEST_F(NoteColumnsTest, ASlashStands40HigherWhereTheSizeInForceIsTwoLess)
 {
     page.BodyFontSize = 1e9F;  // two less is the same single
-    Note(7, "/", 3);
-    Note(7);
+    Note(kQuarter, "/", 3);
+    Note(kQuarter);
     EXPECT_TRUE(Columns().at(0).starts_with("text 970 940 size=1000000000 font=\"Tab\" "));
 }
 
 TEST_F(NoteColumnsTest, ATripletAtTheLinesEndHasABracketThatRunsBackToTheLeft)
 {
-    Note(7);
-    Note(3);
+    Note(kQuarter);
+    Note(kTripletEighth);
     const LogLines log = Columns();
     // Column 5 is free, its x 0: from 1420 to 120, the "3" half way to 0.
     EXPECT_TRUE(Has(log, "line 1420 1847.5 1420 1937.5 w=1"));
@@ -130,9 +130,9 @@ TEST_F(NoteColumnsTest, ATripletAtTheLinesEndHasABracketThatRunsBackToTheLeft)
 TEST_F(NoteColumnsTest, TheThreeOfATripletNeverMovesTheNextLine)
 {
     for (int i = 0; i < 3; ++i)
-        Note(3);
+        Note(kTripletEighth);
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7);
+    Note(kQuarter);
     const LogLines log = Screen();
     EXPECT_EQ(Only(log, "text", "827.5 size=10 font=\"Arial\" bold=0 \"3\"").size(), 1U);
     EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));  // as without a triplet
@@ -141,7 +141,7 @@ TEST_F(NoteColumnsTest, TheThreeOfATripletNeverMovesTheNextLine)
 TEST_F(NoteColumnsTest, ATripletBracketSpansThreeColumns)
 {
     for (int i = 0; i < 4; ++i)
-        Note(3);
+        Note(kTripletEighth);
     const LogLines log = Columns();
     const LogLines bracket(log.begin() + 2, log.begin() + 7);
     EXPECT_EQ(Joined(bracket), "line 970 1847.5 970 1937.5 w=1\n"
@@ -153,19 +153,19 @@ TEST_F(NoteColumnsTest, ATripletBracketSpansThreeColumns)
 
 TEST_F(NoteColumnsTest, ATripletRunsOnOverALinesEndUnlessAHeadComes)
 {
-    Note(3, "5");
-    Note(3, "5");
-    AddNote(tune, 3, 1, "5").Slot(6) = "NL";
+    Note(kTripletEighth, "5");
+    Note(kTripletEighth, "5");
+    AddNote(tune, kTripletEighth, 1, "5").Slot(6) = "NL";
     tune[4].Measure = tune.LastMeas = 2;
-    Note(7, "5");
+    Note(kQuarter, "5");
     EXPECT_EQ(Only(Screen(), "text", "\"3\"").size(), 1U);
 }
 
 TEST_F(NoteColumnsTest, AFretWithAConnectionMark)
 {
-    Note(7, "3-5");
-    Note(7, "5=7");
-    Note(7);
+    Note(kQuarter, "3-5");
+    Note(kQuarter, "5=7");
+    Note(kQuarter);
     const LogLines log = Columns();
     EXPECT_EQ(log.at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"3\"");
     EXPECT_EQ(log.at(1), "text 1070 580 size=10 font=\"Tab\" bold=0 \"-\"");
@@ -175,15 +175,15 @@ TEST_F(NoteColumnsTest, AFretWithAConnectionMark)
 
 TEST_F(NoteColumnsTest, LongNotesStandInBracketsAndKeepTheirConnectionMarkAsText)
 {
-    Note(9, "3-5");
-    Note(7);
+    Note(kHalf, "3-5");
+    Note(kQuarter);
     EXPECT_EQ(Columns().at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"[3-5]\"");
 }
 
 TEST_F(NoteColumnsTest, TheDotStandsBehindTheShownTextBracketsIncluded)
 {
-    Note(10, "3^");
-    Note(7);
+    Note(kDottedHalf, "3^");
+    Note(kQuarter);
     const LogLines log = Columns();
     EXPECT_EQ(log.at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"[3]\"");
     EXPECT_EQ(log.at(1), "circle 1320 808 20 w=1 fill=solid");  // 970 + 300 + 50
@@ -191,8 +191,8 @@ TEST_F(NoteColumnsTest, TheDotStandsBehindTheShownTextBracketsIncluded)
 
 TEST_F(NoteColumnsTest, ASlideMarkStandsAtItsPlaceInTheText)
 {
-    Note(7, "12>");
-    Note(7, "3<");
+    Note(kQuarter, "12>");
+    Note(kQuarter, "3<");
     const LogLines log = Columns();
     EXPECT_EQ(log.at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"12\"");
     EXPECT_EQ(log.at(1), "text 1170 450 size=8 font=\"Tab\" bold=0 \">\"");
@@ -201,18 +201,18 @@ TEST_F(NoteColumnsTest, ASlideMarkStandsAtItsPlaceInTheText)
 
 TEST_F(NoteColumnsTest, AMarkInTheMiddleStaysAndTheLastCharacterGoes)
 {
-    Note(7, "1^5");
-    Note(7);
+    Note(kQuarter, "1^5");
+    Note(kQuarter);
     EXPECT_EQ(Columns().at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"1^\"");
 }
 
 TEST_F(NoteColumnsTest, Rests)
 {
-    AddNote(tune, 92);
-    AddNote(tune, 93);
-    for (int code = 94; code <= 99; ++code)
+    AddNote(tune, kHalfRest);
+    AddNote(tune, kWholeRest);
+    for (int code = kTripletSixteenthRest; code <= kQuarterRest; ++code)
         AddNote(tune, code);
-    Note(7);
+    Note(kQuarter);
     const LogLines log = Columns();
     EXPECT_EQ(log.at(0), "line 970 1065 1195 1065 w=8");
     EXPECT_EQ(log.at(1), "line 2320 970 2545 970 w=8");
@@ -225,8 +225,8 @@ TEST_F(NoteColumnsTest, Rests)
 
 TEST_F(NoteColumnsTest, StemsHangFromTheLowestStringAndWholeNotesHaveNone)
 {
-    AddNote(tune, 7, 2, "3").Slot(4) = "5";
-    Note(11);
+    AddNote(tune, kQuarter, 2, "3").Slot(4) = "5";
+    Note(kWhole);
     const LogLines log = Columns();
     EXPECT_EQ(Only(log, "line").size(), 1U);
     EXPECT_TRUE(Has(log, "line 1010 1325 1010 1837.5 w=1"));
@@ -234,16 +234,16 @@ TEST_F(NoteColumnsTest, StemsHangFromTheLowestStringAndWholeNotesHaveNone)
 
 TEST_F(NoteColumnsTest, BeamsAndStubsByTheirCode)
 {
-    const int codes[] = {0, 5, 2, 3, 9, 10};
-    for (int beam : codes)
-        AddNote(tune, 2, 1, "3").BeamCode = beam;
-    Note(7);
+    for (BeamShape beam :
+         {kNoBeam, kMainBeam, kBothBeams, kBackStub, kForwardStub, kMainBeamForwardStub})
+        AddNote(tune, kSixteenth, 1, "3").BeamCode = beam;
+    Note(kQuarter);
     LogLines rows = Only(Columns(), "line");
     rows.erase(std::remove_if(rows.begin(), rows.end(),
                               [](const std::string& l) { return l.find(" 830 ") != l.npos; }),
                rows.end());
     // Stems at 1010, 1310, 1610, 1910, 2210, 2510. The beat of 12 ticks ends before the fifth;
-    // the second beam starts anew where the code is above 2.
+    // the second beam starts anew from kBackStub on.
     EXPECT_EQ(Joined(rows), "line 1009 1837.5 1310 1837.5 w=2\n"
                             "line 1009 1837.5 1610 1837.5 w=2\n"
                             "line 1309 1787.5 1610 1787.5 w=2\n"
@@ -256,9 +256,9 @@ TEST_F(NoteColumnsTest, BeamsAndStubsByTheirCode)
 
 TEST_F(NoteColumnsTest, FlagsStandAtTheStem)
 {
-    AddNote(tune, 4, 1, "3").BeamCode = 4;
-    AddNote(tune, 2, 1, "3").BeamCode = 1;
-    Note(7);
+    AddNote(tune, kEighth, 1, "3").BeamCode = kEighthFlag;
+    AddNote(tune, kSixteenth, 1, "3").BeamCode = kSixteenthFlag;
+    Note(kQuarter);
     const LogLines log = Columns();
     EXPECT_TRUE(Has(log, "text 1010 1532.5 size=10 font=\"Tab\" bold=0 \"(\""));
     EXPECT_TRUE(Has(log, "text 1310 1532.5 size=10 font=\"Tab\" bold=0 \")\""));
@@ -266,11 +266,11 @@ TEST_F(NoteColumnsTest, FlagsStandAtTheStem)
 
 TEST_F(NoteColumnsTest, HandLetters)
 {
-    NoteRecord& note = Note(7);
+    NoteRecord& note = Note(kQuarter);
     note.LeftHand = 'T';
     note.RightHand = 'p';
     AddMeasure(tune).Slot(6) = "NL";
-    Note(7);
+    Note(kQuarter);
     const LogLines log = Screen();
     // With right-hand letters the stems end two gaps under the staff's last gap, at 2085.
     EXPECT_TRUE(Has(log, "text 1030 1590 size=10 font=\"Arial\" bold=0 \"p\""));
@@ -280,9 +280,9 @@ TEST_F(NoteColumnsTest, HandLetters)
 
 TEST_F(NoteColumnsTest, ALeftHandLetterUnderATripletStandsUnderItsBracket)
 {
-    Note(3).LeftHand = 'T';
+    Note(kTripletEighth).LeftHand = 'T';
     for (int i = 0; i < 3; ++i)
-        Note(3);
+        Note(kTripletEighth);
     EXPECT_TRUE(Has(Screen(), "text 971 1977.5 size=10 font=\"Arial\" bold=0 \"T\""));
 }
 

@@ -75,7 +75,7 @@ protected:
     {
         NoteRecord& head = AddMeasure(tune);
         for (int i = 0; i < count; ++i)
-            AddNote(tune, 7, 1, fret);
+            AddNote(tune, kQuarter, 1, fret);
         return head;
     }
 

@@ -1,4 +1,5 @@
 #include "page_desk.h"
+#include "store/signs.h"
 
 namespace quillon {
 namespace {
@@ -47,7 +48,7 @@ TEST_F(PageLayoutTest, AUnitIsNeverWiderThan150)
     const LogLines limited = Only(Screen(), "text", "\"3\"");
     EXPECT_TRUE(limited[0].starts_with("text 970 "));
     EXPECT_TRUE(limited[22].starts_with("text 10870 "));
-    AddNote(tune, 7, 1, "3");  // 76 units: 145
+    AddNote(tune, kQuarter, 1, "3");  // 76 units: 145
     const LogLines spread = Only(Screen(), "text", "\"3\"");
     EXPECT_TRUE(spread[0].starts_with("text 955 "));
     EXPECT_TRUE(spread[23].starts_with("text 10960 "));
@@ -78,7 +79,7 @@ TEST_F(PageLayoutTest, AOneLineTuneWithItsLastColumnFarRightHasAFullStaff)
 TEST_F(PageLayoutTest, ALongRestAtTheLinesEndShortensTheStaffOnAnyLine)
 {
     AddMeasure(tune);
-    AddNote(tune, 92);
+    AddNote(tune, kHalfRest);
     AddQuarters(4).Slot(6) = "NL";
     EXPECT_TRUE(Has(Screen(), "line 400 765 2770 765 w=1"));  // 970 + 12 * 150
 }
@@ -126,8 +127,8 @@ TEST_F(PageLayoutTest, ACreditOfANegativeSizeBeginsBehindLineRight)
 TEST_F(PageLayoutTest, ATimeSignatureOf12GetsItsFurtherRoomOnlyOnPaper)
 {
     AddMeasure(tune, 12, 8);
-    AddNote(tune, 7, 1, "3");
-    AddNote(tune, 7, 1, "3");
+    AddNote(tune, kQuarter, 1, "3");
+    AddNote(tune, kQuarter, 1, "3");
     EXPECT_TRUE(Only(Screen(), "text", "\"3\"").at(0).starts_with("text 970 "));  // 520 + 3 units
     EXPECT_TRUE(Only(Paper(), "text", "\"3\"").at(0).starts_with("text 1950 "));  // 1200 + 5
 }
@@ -153,7 +154,7 @@ TEST_F(PageLayoutTest, ALineThatIsFullAtColumn80GivesItsLastMeasureBackEvenIfItE
     }
     ASSERT_EQ(tune.LastNote, 81);
     tune[81].Measure = 4;  // 80 columns of three measures, and one more
-    AddNote(tune, 7, 1, "3");
+    AddNote(tune, kQuarter, 1, "3");
     const LogLines log = Screen();
     EXPECT_EQ(Only(log, "line 400 ", " w=1").size(), 12U);  // two lines of six strings
     EXPECT_FALSE(tooWide);
@@ -248,7 +249,7 @@ TEST_F(PageLayoutTest, ALongTextWidensItsColumn)
 
 TEST_F(PageLayoutTest, AnEndBarIsDrawnAtTheMeasuresEndAndWidensItsLastColumn)
 {
-    AddQuarters(2).BarCode = "94";
+    AddQuarters(2).BarCode = kDoubleBar;
     AddQuarters(2);
     const LogLines log = Screen();
     // The head of measure 2 stands 3 + 4 units behind the first note.
@@ -258,7 +259,7 @@ TEST_F(PageLayoutTest, AnEndBarIsDrawnAtTheMeasuresEndAndWidensItsLastColumn)
 
 TEST_F(PageLayoutTest, AnEndBarOnAHeadWithoutNotesIsLost)
 {
-    AddMeasure(tune).BarCode = "99";
+    AddMeasure(tune).BarCode = kRepeatEnd;
     AddQuarters(3);
     EXPECT_TRUE(Only(Screen(), "line", " w=3").empty());
 }
@@ -266,7 +267,7 @@ TEST_F(PageLayoutTest, AnEndBarOnAHeadWithoutNotesIsLost)
 TEST_F(PageLayoutTest, ABeginBarTakesThePlaceOfThePlainBar)
 {
     AddQuarters(2);
-    AddQuarters(2).BarCode = "95";
+    AddQuarters(2).BarCode = kBeginDoubleBar;
     const LogLines log = Screen();
     // Left edge, the thin line of the begin bar, and the last bar.
     EXPECT_EQ(Only(log, "line", " 1590 w=2").size(), 3U);

@@ -1,4 +1,5 @@
 #include "page_desk.h"
+#include "store/signs.h"
 #include "support/fakes.h"
 
 namespace quillon {
@@ -199,10 +200,10 @@ TEST_F(PrintPassTest, MarginsWithoutRoomBetweenThemAreTooWideForAnyMeasure)
 
 TEST_F(PrintPassTest, PensAreThoseOfThePrinter)
 {
-    AddMeasure(tune).BarCode = "99";
-    AddNote(tune, 4, 1, "3^");
-    AddNote(tune, 4, 1, "3").BeamCode = 5;
-    AddNote(tune, 93);
+    AddMeasure(tune).BarCode = kRepeatEnd;
+    AddNote(tune, kEighth, 1, "3^");
+    AddNote(tune, kEighth, 1, "3").BeamCode = kMainBeam;
+    AddNote(tune, kWholeRest);
     const LogLines log = Paper();
     EXPECT_EQ(Only(log, "line 1080 ", " w=3").size(), 6U);  // staff
     EXPECT_EQ(Only(log, "line", " w=6").size(), 1U);        // thick bar

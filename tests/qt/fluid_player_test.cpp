@@ -34,7 +34,7 @@ std::string Midi(int quarters)
     Tune tune;
     AddMeasure(tune);
     for (int i = 0; i < quarters; ++i)
-        AddNote(tune, 7, 1, "5");
+        AddNote(tune, kQuarter, 1, "5");
     Sound sound{
         300, 25, {64, 59, 55, 50, 45, 40}
     };

@@ -4,6 +4,7 @@
 #include "qt/small_forms.h"
 #include "qt/staff_view.h"
 #include "qt/text.h"
+#include "store/signs.h"
 #include "store/tune_file.h"
 #include "window_desk.h"
 
@@ -62,7 +63,7 @@ private:
         tune[1].Measure = tune[2].Measure = 1;
         tune[1].NoteCode = kHead;
         tune[1].Beats = tune[1].BeatUnit = 4;
-        tune[2].NoteCode = 7;
+        tune[2].NoteCode = kQuarter;
         tune[2].Slot(6) = "9";
         WriteFileBytes(name.toStdString(), TuneBytes(tune));
         return QUrl::fromLocalFile(QDir::current().filePath(name));
@@ -151,9 +152,9 @@ private slots:
         QTest::keyClick(Staff(), Qt::Key_Return);
         QTest::keyClick(Staff(), Qt::Key_H, Qt::ControlModifier);  // a half rest, no Backspace
         QCOMPARE(int{Core().tune.LastNote}, 3);
-        QCOMPARE(int{Core().tune[3].NoteCode}, 92);
+        QCOMPARE(int{Core().tune[3].NoteCode}, kHalfRest);
         QTest::keyClick(Staff(), Qt::Key_F8, Qt::ShiftModifier);
-        QCOMPARE(Core().tune[1].Slot(1), std::string("81"));
+        QCOMPARE(Core().tune[1].Slot(1), std::string(kDs));
     }
 
     void ShortcutsWorkInTheBracketBox()
@@ -198,13 +199,13 @@ private slots:
     {
         auto* half = Window().findChild<QWidget*>("Toolbar1_9");
         QTest::mouseClick(half, Qt::LeftButton);
-        QCOMPARE(int{Core().form.CurValue}, 9);
+        QCOMPARE(int{Core().form.CurValue}, kHalf);
         QVERIFY(Staff()->hasFocus());
         auto* bar = Window().findChild<QWidget*>("Toolbar1");
         bar->setFocus(Qt::TabFocusReason);
         QTest::keyClick(bar, Qt::Key_Right);
         QTest::keyClick(bar, Qt::Key_Space);
-        QCOMPARE(int{Core().form.CurValue}, 10);
+        QCOMPARE(int{Core().form.CurValue}, kDottedHalf);
     }
 
     void CopyBoxKeepsItsBlankBehindTheCaret()

@@ -188,7 +188,7 @@ TEST_F(CheckTest, ATuneBeginsWithMeasure1)
 TEST_F(CheckTest, AMeasureWithoutAHeadIsFound)
 {
     AddFullMeasures(tune, 2);
-    tune[6].NoteCode = 7;
+    tune[6].NoteCode = kQuarter;
     EXPECT_EQ(Records(), Lines{"measure 2: does not begin with a head record"});
 }
 
@@ -203,7 +203,7 @@ TEST_F(CheckTest, ASecondHeadIsFound)
 TEST_F(CheckTest, ARecordOfNoMeasureIsFound)
 {
     AddFullMeasures(tune, 1);
-    tune[++tune.LastNote].NoteCode = 7;
+    tune[++tune.LastNote].NoteCode = kQuarter;
     AddFullMeasures(tune, 1);
     EXPECT_EQ(Records(), Lines{"record 6 belongs to no measure"});
 }
@@ -211,13 +211,13 @@ TEST_F(CheckTest, ARecordOfNoMeasureIsFound)
 TEST_F(CheckTest, AMeasureThatDoesNotAddUpSaysHowManyBeatsItHas)
 {
     AddFullMeasures(tune, 3);
-    tune[3].NoteCode = 8;
+    tune[3].NoteCode = kDottedQuarter;
     EXPECT_EQ(Records(), Lines{"measure 1: has 4.5 beats instead of 4"});
-    tune[3].NoteCode = 97;
+    tune[3].NoteCode = kEighthRest;
     EXPECT_EQ(Records(), Lines{"measure 1: has 3.5 beats instead of 4"});
-    tune[3].NoteCode = 6;
+    tune[3].NoteCode = kTripletQuarter;
     EXPECT_EQ(Records(), Lines{"measure 1: has 3.67 beats instead of 4"});
-    tune[3].NoteCode = 99;
+    tune[3].NoteCode = kQuarterRest;
     EXPECT_EQ(Records(), Lines());
 }
 
@@ -233,7 +233,7 @@ TEST_F(CheckTest, OnlyTheLastMeasureMayBeShort)
 TEST_F(CheckTest, TheLastMeasureMayNotBeLong)
 {
     AddFullMeasures(tune, 1);
-    AddNote(tune, 4, 1, "0");
+    AddNote(tune, kEighth, 1, "0");
     EXPECT_EQ(Records(), Lines{"measure 1: has 4.5 beats instead of 4"});
 }
 
@@ -244,9 +244,9 @@ TEST_F(CheckTest, ALowerFigureOtherThan4CountsAs8)
         tune = {};
         AddMeasure(tune, 3, unit);
         for (int i = 0; i < 3; ++i)
-            AddNote(tune, 4, 1, "0");
+            AddNote(tune, kEighth, 1, "0");
         EXPECT_EQ(Records(), Lines());
-        AddNote(tune, 4, 1, "0");
+        AddNote(tune, kEighth, 1, "0");
         EXPECT_EQ(Records(), Lines{"measure 1: has 4 beats instead of 3"});
     }
 }
@@ -298,7 +298,7 @@ TEST_F(CheckTest, AStringThatTheInstrumentHasNotIsFound)
 TEST_F(CheckTest, TheTextsOfAHeadAreNoFrets)
 {
     AddFullMeasures(tune, 1);
-    Sign(1, "87");
+    Sign(1, kSign);
     Remark(1, "As in 1999");
     EXPECT_EQ(Records(), Lines());
 }
@@ -466,7 +466,7 @@ TEST_F(CheckTest, AMeasureTooWideForALineIsFoundOnScreenAndPaper)
     AddFullMeasures(tune, 2);
     AddMeasure(tune, 16);
     for (int i = 0; i < 16; ++i)
-        AddNote(tune, 7, 1, "10-12-10");
+        AddNote(tune, kQuarter, 1, "10-12-10");
     EXPECT_EQ(Pages(), (Lines{"measure 3: is too wide for a line of the page view",
                               "measure 3: is too wide for a printed line"}));
     tune.LastNote = tune.LastNote - 8;

@@ -117,7 +117,7 @@ TEST_F(Files, TheSaveDialogOffersTheNameAndTheBareExtensionAsItsFilter)
 TEST_F(Files, OpenThenSaveGivesTheSameBytesForAThousandTunes)
 {
     std::mt19937 random(7);
-    const int codes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 92, 93, 94, 95, 96, 97, 98, 99};
+    const std::vector<int> codes = NotesAndRests();
     const char* texts[] = {"0", "12", "5>", "7^", "3-5", "x", "/"};
     for (int i = 0; i < 1000; ++i) {
         Tune tune;
@@ -128,7 +128,7 @@ TEST_F(Files, OpenThenSaveGivesTheSameBytesForAThousandTunes)
             for (auto n = 1 + random() % 5; n > 0; --n) {
                 const int code = codes[random() % std::size(codes)];
                 NoteRecord& note = AddNote(tune, code);
-                if (code < 12)
+                if (IsNoteValue(code))
                     note.Slot(1 + static_cast<int>(random() % 6)) = texts[random() % 7];
             }
         }
@@ -172,7 +172,7 @@ TEST_F(Files, SlotsAboveTheInstrumentAreKeptThroughASave)
 {
     Tune tune;
     AddMeasure(tune);
-    AddNote(tune, 11, 6, "3").Slot(5) = "2";
+    AddNote(tune, kWhole, 6, "3").Slot(5) = "2";
     const std::string path = folder.Path("six.gui");
     WriteFileBytes(path, TuneBytes(tune));
     win.mnuMandolin();
@@ -307,7 +307,7 @@ TEST_F(Files, AnIncompatibleFileLeavesThisState)
 {
     Type("1\r1\r");
     win.form.Saved = 1;
-    win.form.CurValue = 4;
+    win.form.CurValue = kEighth;
     const std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1));
     ExpectIncompatible(bytes.substr(0, bytes.size() - 10));
     EXPECT_EQ(win.tune.CurMeas, 1);
@@ -316,8 +316,8 @@ TEST_F(Files, AnIncompatibleFileLeavesThisState)
     EXPECT_EQ(win.tune.LastNote, 0);
     EXPECT_EQ(win.form.MeasHead, 1);
     EXPECT_EQ(win.form.MeasEnd, 0);
-    EXPECT_EQ(win.form.CurValue, 7);
-    EXPECT_EQ(win.form.Toolbar1, 7);
+    EXPECT_EQ(win.form.CurValue, kQuarter);
+    EXPECT_EQ(win.form.Toolbar1, kQuarter);
     EXPECT_EQ(win.form.MeasCapacity, 48);
     EXPECT_EQ(win.form.MeasFill, 0);
     EXPECT_EQ(win.form.EntryState, kAppendState);

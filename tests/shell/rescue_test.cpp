@@ -114,7 +114,7 @@ TEST_F(Rescue, CopyHoldsATableThatHasRunFull)
         win.tune.LastNote = win.tune.LastMeas = 0;
         OpenFullMeasures(298);
         for (int i = win.tune.LastNote; i < notes; ++i)
-            AddNote(win.tune, 7, 1, "5");
+            AddNote(win.tune, kQuarter, 1, "5");
         try {
             win.editor.mnuAppend();
             Type("9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r");

@@ -1,5 +1,6 @@
 #include "shell/scenario.h"
 
+#include "store/signs.h"
 #include "store/tune_file.h"
 #include "support/temporary_directory.h"
 #include "support/tunes.h"
@@ -141,7 +142,7 @@ TEST_F(ScenarioTest, AButtonTakesTheFocusFirst)
     EXPECT_EQ(Win().tune.CurMeas, 1);
     EXPECT_TRUE(redraws("press cmdRefresh"));
     EXPECT_TRUE(redraws("press cmdRest"));
-    EXPECT_EQ(Win().tune[2].NoteCode, 99);
+    EXPECT_EQ(Win().tune[2].NoteCode, kQuarterRest);
     Play({"menu mnuInsMeas", "press cmdNext"});
     EXPECT_EQ(Form().Focus, Control::cmdNext) << "OK leaves it there";
 }
@@ -187,7 +188,7 @@ TEST_F(ScenarioTest, AShortcutReachesNoKeyHandler)
     ASSERT_EQ(Form().CaretOn, -1);
     Play({"key F9"});  // an unknown key would have hidden the caret
     EXPECT_EQ(Form().CaretOn, -1);
-    EXPECT_EQ(Win().tune[1].BarCode, "94");
+    EXPECT_EQ(Win().tune[1].BarCode, kDoubleBar);
     Play({"key F5"});
     EXPECT_EQ(Form().CaretOn, 0);
 }

@@ -15,7 +15,7 @@ protected:
 TEST_F(Spoken, FreeColumnTellsTheValueToCome)
 {
     EXPECT_EQ(Cursor(), "Measure 1, new column 1, string 6, no fret, quarter note");
-    win.editor.Toolbar1(4);
+    win.editor.Toolbar1(kEighth);
     EXPECT_EQ(Cursor(), "Measure 1, new column 1, string 6, no fret, eighth note");
     Type("7");
     EXPECT_EQ(Cursor(), "Measure 1, column 1 of 1, string 6, fret 7, eighth note");

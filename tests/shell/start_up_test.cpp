@@ -86,7 +86,7 @@ TEST_F(StartUp, SetsTheTuneState)
     EXPECT_EQ(win.tune.CurNote, 1);
     EXPECT_EQ(win.tune.LastNote, 0);
     EXPECT_EQ(win.form.MeasHead, 1);
-    EXPECT_EQ(win.form.CurValue, 7);
+    EXPECT_EQ(win.form.CurValue, kQuarter);
     EXPECT_EQ(win.form.CurBeats, 4);
     EXPECT_EQ(win.form.CurBeatUnit, 4);
     EXPECT_EQ(win.form.MeasCapacity, 48);
@@ -169,7 +169,7 @@ TEST_F(StartUp, ANewTuneHasItsFreshState)
     EXPECT_EQ(win.form.CursorY, 76);
     EXPECT_EQ(win.form.lblMeasNum, "1");
     EXPECT_EQ(win.form.lblLastNote, "0");
-    EXPECT_EQ(win.form.Toolbar1, 7);
+    EXPECT_EQ(win.form.Toolbar1, kQuarter);
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
     EXPECT_EQ(Table(),
               "1: 1 999 0 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"\"\n");

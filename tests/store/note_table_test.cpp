@@ -95,66 +95,6 @@ TEST(NoteRecord, KeepsOneCharacterOfAMark)
     EXPECT_EQ(OneCharacter(""), ' ');
 }
 
-TEST(NoteValues, HaveTheTicksAndSpacingOfTheirCode)
-{
-    const int ticks[] = {2, 3, 4, 6, 9, 8, 12, 18, 24, 36, 48};
-    const int spacing[] = {2, 2, 2, 3, 3, 3, 4, 4, 8, 12, 16};
-    for (int code = 1; code <= 11; ++code) {
-        EXPECT_EQ(TicksOf(code), ticks[code - 1]) << code;
-        EXPECT_EQ(SpacingOf(code), spacing[code - 1]) << code;
-        EXPECT_EQ(ValueOf(code), code);
-    }
-    const int restTicks[] = {24, 48, 2, 3, 4, 6, 8, 12};  // 92 to 99
-    const int restSpacing[] = {8, 16, 2, 2, 2, 3, 3, 4};
-    const int restValue[] = {9, 11, 1, 2, 3, 4, 6, 7};
-    for (int code = 92; code <= 99; ++code) {
-        EXPECT_EQ(TicksOf(code), restTicks[code - 92]) << code;
-        EXPECT_EQ(SpacingOf(code), restSpacing[code - 92]) << code;
-        EXPECT_EQ(ValueOf(code), restValue[code - 92]) << code;
-    }
-    for (int code : {-1, 0, 12, 91, 100, kHead}) {
-        EXPECT_EQ(TicksOf(code), 0) << code;
-        EXPECT_EQ(SpacingOf(code), 0) << code;
-        EXPECT_EQ(ValueOf(code), 0) << code;
-    }
-}
-
-TEST(NoteValues, HaveTheWidthOfTheirCodeOnThePage)
-{
-    const int width[] = {2, 2, 2, 2, 2, 2, 3, 3, 5, 8, 12};
-    for (int code = 1; code <= kNoteValues; ++code)
-        EXPECT_EQ(PageWidthOf(code), width[code - 1]) << code;
-    const int restWidth[] = {5, 12, 3, 3, 3, 3, 3, 3};  // 92 to 99
-    for (int code = kFirstRest; code <= kLastRest; ++code)
-        EXPECT_EQ(PageWidthOf(code), restWidth[code - kFirstRest]) << code;
-    for (int code : {-1, 0, 12, 91, 100, kHead})
-        EXPECT_EQ(PageWidthOf(code), 0) << code;
-}
-
-TEST(NoteValues, ThreeOfSixCodesMakeATriplet)
-{
-    for (int code = -1; code <= kHead; ++code) {
-        const bool triplet =
-            code == 1 || code == 3 || code == 6 || code == 94 || code == 96 || code == 98;
-        EXPECT_EQ(IsTriplet(code), triplet) << code;
-    }
-}
-
-TEST(NoteValues, HaveTheRestOfTheirButton)
-{
-    const int rests[] = {94, 95, 96, 97, 97, 98, 99, 99, 92, 92, 93};
-    for (int value = 1; value <= 11; ++value)
-        EXPECT_EQ(RestCodeOf(value), rests[value - 1]) << value;
-    EXPECT_EQ(RestCodeOf(0), 0);
-    EXPECT_EQ(RestCodeOf(12), 0);
-}
-
-TEST(NoteValues, ARestOfTheDottedQuarterCounts12TicksAndItsNote18)
-{
-    EXPECT_EQ(TicksOf(RestCodeOf(8)), 12);
-    EXPECT_EQ(TicksOf(8), 18);
-}
-
 TEST(ModeTable, AreOfSixFiveAndFourStrings)
 {
     EXPECT_STREQ(FindMode(6)->Extension, "gui");

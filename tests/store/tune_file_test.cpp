@@ -31,8 +31,8 @@ Tune SmallTune()
     tune[0].ChordText = "A tune, no quotes";
     tune[0].Slot(6) = "Arial";
     AddMeasure(tune).Slot(2) = "1.";
-    AddNote(tune, 7, 2, "3").LeftHand = 'p';
-    AddNote(tune, 4, 6, "12^").ChordText = "Am";
+    AddNote(tune, kQuarter, 2, "3").LeftHand = 'p';
+    AddNote(tune, kEighth, 6, "12^").ChordText = "Am";
     return tune;
 }
 
@@ -45,7 +45,7 @@ TEST(TuneFile, WritesAHeadAndANoteAsEighteenLines)
 {
     Tune tune;
     AddMeasure(tune);
-    NoteRecord& note = AddNote(tune, 7, 2, "3");
+    NoteRecord& note = AddNote(tune, kQuarter, 2, "3");
     note.XPos = 48;
     note.Spacing = 4;
     EXPECT_EQ(Bytes(tune[1]) + Bytes(tune[2]), "1,999,0\r\n0,4,4,0\r\n0,\"\",\" \",\" \",\"\"\r\n"

@@ -31,7 +31,7 @@ protected:
         form.CursorY = StringY(numStrings);
         form.MeasCapacity = 48;
         form.Saved = 1;
-        form.Toolbar1 = 7;
+        form.Toolbar1 = kQuarter;
         editor.SetFocus(Control::StaffBox);
     }
 

@@ -8,6 +8,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace quillon {
 
@@ -36,6 +37,16 @@ inline NoteRecord& AddNote(Tune& tune, int code, int string = 0, const std::stri
     return note;
 }
 
+/// The codes of all notes and rests.
+inline std::vector<int> NotesAndRests()
+{
+    std::vector<int> codes;
+    for (int code = 0; code < kHead; ++code)
+        if (IsNoteValue(code) || IsRestCode(code))
+            codes.push_back(code);
+    return codes;
+}
+
 /// Appends `count` full measures in 4/4, the quarters of measure m on fret m of string 2. They are
 /// spaced as the measure view leaves them.
 inline void AddFullMeasures(Tune& tune, int count)
@@ -43,7 +54,7 @@ inline void AddFullMeasures(Tune& tune, int count)
     for (int i = 0; i < count; ++i) {
         AddMeasure(tune);
         for (int beat = 0; beat < 4; ++beat) {
-            NoteRecord& note = AddNote(tune, 7, 2, std::to_string(int{tune.LastMeas}));
+            NoteRecord& note = AddNote(tune, kQuarter, 2, std::to_string(int{tune.LastMeas}));
             note.XPos = 48 + 24 * beat;
             note.Spacing = 4;
         }
