@@ -1,53 +1,43 @@
-// The scripted window: plays a script of keys, clicks and commands against the editor and prints
-// what the script asks for. Keys and clicks reach the same handlers as in the window.
+// The scripted window: plays a script against the editor's own handlers, without a toolkit. Keys
+// and clicks reach the same handlers as in the window.
 
 #pragma once
 
-#include "shell/main_win.h"
-#include "shell/scripted_platform.h"
+#include "shell/script.h"
 
-#include <iosfwd>
 #include <string>
 #include <string_view>
 
 namespace quillon {
 
-struct MenuEntry;
-
-class Scenario {
+class Scenario : public Script {
 public:
     /// The program has started without a command line. Tuning files lie in `programFolder`.
     Scenario(std::string programFolder, std::ostream& output);
 
-    /// Plays one line. False when the script does not go on: see Status.
-    bool Play(std::string_view line);
-
-    /// 0 done, 1 ended by a run-time fault, 2 ended by an unknown command.
-    int Status() const { return status; }
-
     MainWin& Window() { return win; }
 
 private:
-    bool Run(std::string_view command, const std::string& rest);
-    bool RunMenu(std::string_view name);
-    void RunEntry(const MenuEntry& entry);
-    bool InCopyBox() const;
-    bool Press(std::string_view name);
-    bool PressKey(const std::string& name);
-    bool PressButton(Control button);
+    void Menu(const MenuEntry& entry) override;
+    void Press(std::string_view name) override;
+    void Key(const std::string& name) override;
+    void Type(const std::string& text) override;
+    void Toolbar(int button) override { win.editor.Toolbar1(button); }
+    void Click(double x, double y) override;
+    void Tick() override;
+    void Copy(const std::string& from, const std::string& to) override;
+    bool Ended() const override { return platform.system.Ended; }
+
+    void PressButton(Control button);
     void SendKey(int keyCode, char character);
-    void TypeIntoBox(std::string& text, std::size_t& caret, char character);
-    void PrintState();
-    void PrintTable();
-    void PrintLog();
-    void PrintShown();
+    void KeyInBracketBox(int keyCode, char character);
+    void KeyInCopyBox(int keyCode, char character);
+    void EditText(std::string& text, int keyCode, char character);
 
     FixedTextMetrics metrics;
     ScriptedPlatform platform;
     MainWin win;
-    std::ostream& out;
-    std::size_t copyBoxCaret = 0;
-    int status = 0;
+    std::size_t caret = 0;  // in the text box that has the focus, if one has it
 };
 
 }  // namespace quillon

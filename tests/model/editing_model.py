@@ -1,6 +1,6 @@
 """Insertion and deletion of notes and measures, copy and paste."""
 
-from editor_state import APPEND, EDIT, FRET_ENTRY, INSERTED_MEASURE
+from editor_state import APPEND, EDIT, FRET_ENTRY, INSERTED_MEASURE, TextBox
 from measure_model import next_x
 from number_rules import int16, val
 from store_model import HEAD, TABLE_END, records_bytes
@@ -150,24 +150,27 @@ class Editing:
 
     def mnuCopy(self):
         """The copy form takes the focus; each box holds one blank, behind the caret."""
-        self.copy_texts = {"Text1": " ", "Text2": " "}
+        self.copy_boxes = {"Text1": TextBox(" "), "Text2": TextBox(" ")}
         self.focus = "Text1"
 
-    def copy_box_key_press(self, character):
-        text = self.copy_texts[self.focus]
+    def copy_box_key(self, key, character):
+        box = self.copy_boxes[self.focus]
         if character == "\r":
-            self.copy_texts[self.focus] = text[:-1]
+            self.copy_boxes[self.focus] = TextBox(box.text[:-1])
             if self.focus == "Text1":
                 self.focus = "Text2"
             else:
                 self.cmdCopyMeasure()
-        elif character == "\x08":
-            self.copy_texts[self.focus] = text[:-2] + text[-1:]
-        elif character >= " ":
-            self.copy_texts[self.focus] = text[:-1] + character + text[-1:]
+        elif character == "\x1b":
+            self.copy_box_gone()
+        else:
+            box.key(key, character)
 
     def cmdCopyMeasure(self):
-        self.copy_range(val(self.copy_texts["Text1"]), val(self.copy_texts["Text2"]))
+        self.copy_range(val(self.copy_boxes["Text1"].text), val(self.copy_boxes["Text2"].text))
+        self.copy_box_gone()
+
+    def copy_box_gone(self):
         self.redraw()  # the main form comes to the front again
         self.give_focus("StaffBox")
 

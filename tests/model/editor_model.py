@@ -9,7 +9,7 @@ after a run-time fault, 2 after an unknown command."""
 import sys
 
 from editing_model import Editing
-from editor_state import EditorState
+from editor_state import EditorState, TextBox
 from files_model import EndOfProgram, FileCommands
 from input_model import StaffInput
 from navigation_model import Navigation
@@ -159,14 +159,12 @@ class ScenarioPlayer:
         editor = self.editor
         if editor.focus == "StaffBox":
             editor.StaffBox_key_down(key)
-        if character is None:
-            return
-        if editor.focus == "StaffBox":
-            editor.StaffBox_key_press(character)
+            if character is not None:
+                editor.StaffBox_key_press(character)
         elif editor.focus == "txtRptBracket":
-            editor.txtRptBracket_key_press(character)
+            editor.txtRptBracket_key(key, character)
         elif editor.focus in ("Text1", "Text2"):
-            editor.copy_box_key_press(character)
+            editor.copy_box_key(key, character)
 
     def do_tick(self, rest):
         self.editor.tick()
@@ -183,7 +181,7 @@ class ScenarioPlayer:
     def do_copy(self, rest):
         first, last = rest.split()
         self.editor.mnuCopy()
-        self.editor.copy_texts = {"Text1": first, "Text2": last}
+        self.editor.copy_boxes = {"Text1": TextBox(first), "Text2": TextBox(last)}
         self.editor.cmdCopyMeasure()
 
     # Prints
@@ -203,7 +201,7 @@ class ScenarioPlayer:
             ("lblMeasNum", editor.lblMeasNum),
             ("lblLastNote", editor.lblLastNote),
             ("hdbkbox", editor.hdbkbox),
-            ("txtRptBracket", quoted(editor.bracket_text) if editor.bracket_visible else "hidden"),
+            ("txtRptBracket", quoted(editor.bracket.text) if editor.bracket_visible else "hidden"),
             ("Timer1", on_off(editor.timer_on)),
             ("cmdRefresh", on_off(editor.cmdRefresh_on)),
             ("mnuSave", on_off(editor.mnuSave_on)),

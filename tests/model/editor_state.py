@@ -13,6 +13,33 @@ FRET_ENTRY, CHORD_TEXT, INSERTED_MEASURE, LEFT_HAND, RIGHT_HAND, REPEAT_BRACKET 
 REST_CODES = {1: 94, 2: 95, 3: 96, 4: 97, 5: 97, 6: 98, 7: 99, 8: 99, 9: 92, 10: 92, 11: 93}
 
 
+class TextBox:
+    """A one-line text box: what stands before its caret, and what behind it."""
+
+    def __init__(self, text=""):
+        self.before, self.behind = "", text
+
+    @property
+    def text(self):
+        return self.before + self.behind
+
+    def key(self, name, character):
+        if name == "Left":
+            self.before, self.behind = self.before[:-1], self.before[-1:] + self.behind
+        elif name == "Right":
+            self.before, self.behind = self.before + self.behind[:1], self.behind[1:]
+        elif name == "Home":
+            self.before, self.behind = "", self.text
+        elif name == "End":
+            self.before, self.behind = self.text, ""
+        elif name == "Backspace":
+            self.before = self.before[:-1]
+        elif name == "Delete":
+            self.behind = self.behind[1:]
+        elif character is not None and character >= " ":
+            self.before += character
+
+
 class EditorState:
     """`NoteTable`, the tune and editing state, and the controls of the main form.
 
@@ -70,9 +97,9 @@ class EditorState:
         self.down_button = 7
         self.next_caption, self.previous_caption = "Next", "Previous"
         self.lblMeasNum = self.lblLastNote = self.hdbkbox = ""
-        self.bracket_text = ""
+        self.bracket = TextBox()
         self.bracket_visible = False
-        self.copy_texts = {}
+        self.copy_boxes = {}  # while FrmCopyBox is there, by name
         self.timer_on = True
         self.cmdRefresh_on = True
         self.mnuSave_on = False

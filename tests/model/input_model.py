@@ -268,16 +268,14 @@ class StaffInput:
             self.head().Slot[2] += character
             self.CursorX += 8
 
-    def txtRptBracket_key_press(self, character):
+    def txtRptBracket_key(self, key, character):
         if character == ENTER:
-            self.head().Slot[2] = self.bracket_text
+            self.head().Slot[2] = self.bracket.text
             self.bracket_visible = False
             self.give_focus("StaffBox")
             self.InputMode = FRET_ENTRY
-        elif character == BACKSPACE:
-            self.bracket_text = self.bracket_text[:-1]
-        elif not is_control(character):
-            self.bracket_text += character
+        else:
+            self.bracket.key(key, character)
 
     # Text modes
 
@@ -318,7 +316,7 @@ class StaffInput:
 
     def StaffBox_mouse_down(self, x, y):
         if self.InputMode == REPEAT_BRACKET:
-            self.head().Slot[2] = self.bracket_text
+            self.head().Slot[2] = self.bracket.text
             self.give_focus("StaffBox")
             self.InputMode = FRET_ENTRY
         self.hide_caret()

@@ -27,6 +27,7 @@ SIGN_MENUS = ["mnuSign", "mnuCoda", "mnuFine", "mnuDS", "mnuDC", "mnuDSfine", "m
 BAR_KEYS = ["F6", "F8", "F9", "F12"]
 BAR_MENUS = ["mnuRptSign", "mnuRptStart", "mnuDoubBar", "mnuBegDoubBar"]
 COPY_BOXES = ("Text1", "Text2")
+CARET_KEYS = ("Left", "Left", "Right", "Home", "End", "Delete", "Backspace")
 FAULTS_KEPT = 0.1
 
 
@@ -141,7 +142,7 @@ class ScriptWriter:
         for _ in range(self.rng.randrange(1, 6)):
             self.emit("key " + self.pick(
                 "Left", "Left", "Right", "Right", "Up", "Down", "Enter", "Backspace", "Delete", "Escape",
-                "F5", "Space"))
+                "F5", "Space", "Home", "End"))
 
     def wild_text(self):
         characters = "0123456789-><xX^/()=+.*abZ!"
@@ -229,8 +230,9 @@ class ScriptWriter:
                 self.emit(self.pick("press cmdRefresh", "press cmdRest", "key F4"))
                 self.emit("type " + self.pick(*BRACKETS))
             self.emit("type " + self.pick(*BRACKETS))
-            if self.chance(0.2):
-                self.emit("key Backspace")
+            while self.editor.focus == "txtRptBracket" and self.chance(0.5):
+                self.emit(self.pick("key " + self.pick(*CARET_KEYS), "key " + self.pick("Up", "Down", "Escape", "F5"),
+                                    "type " + self.pick("7", "2.")))
             self.leave_text()
 
     def remark(self):
@@ -310,7 +312,7 @@ class ScriptWriter:
                 self.emit("type " + self.pick("1", "1", "2", "3", "12", ".", ".5", "0", "-1", "x", " ", "1 ", "\xe9",
                                               str(last), str(last + 1)))
             elif chance < 0.6:
-                self.emit("key Backspace")
+                self.emit("key " + self.pick(*CARET_KEYS))
             elif chance < 0.75:
                 self.emit("key Enter")
             elif chance < 0.85:

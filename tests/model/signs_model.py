@@ -1,6 +1,6 @@
 """Rests, bar signs, navigation signs, repeat brackets, remarks, line breaks."""
 
-from editor_state import APPEND, INSERTED_MEASURE, REPEAT_BRACKET, REST_CODES
+from editor_state import APPEND, INSERTED_MEASURE, REPEAT_BRACKET, REST_CODES, TextBox
 from measure_model import (
     SPACINGS, bar_line, bracket_lines, draw_begin_bar, draw_end_bar, draw_sign, next_x, repeat_dots)
 
@@ -159,7 +159,7 @@ class Signs:
         self.InputMode = REPEAT_BRACKET
         bracket_lines(self)
         self.bracket_visible = True
-        self.bracket_text = head.Slot[2]
+        self.bracket = TextBox(head.Slot[2])
         self.give_focus("txtRptBracket")
 
     def mnuRemarks(self):

@@ -240,6 +240,13 @@ class Typing(unittest.TestCase):
         editor = editor_after("key F7\ntype 1.\nkey Enter")
         self.assertEqual((editor.table[1].Slot[2], editor.InputMode, editor.focus), ("1.", 1, "StaffBox"))
 
+    def test_keys_move_the_caret_of_a_text_box(self):
+        for keys, text in (("Left", "1x."), ("Home", "x1."), ("Home Right Right Right", "1.x"), ("Left Delete", "1x"),
+                           ("Home Delete End", ".x"), ("Left Backspace", "x."), ("Home Backspace", "x1."),
+                           ("Up", "1.x"), ("Escape", "1.x"), ("F5", "1.x")):
+            moves = "".join(f"key {key}\n" for key in keys.split())
+            self.assertEqual(editor_after(f"key F7\ntype 1.\n{moves}type x").bracket.text, text, keys)
+
 
 class Navigation(unittest.TestCase):
     def three(self, script):
@@ -320,6 +327,15 @@ class Editing(unittest.TestCase):
         editor = self.five("menu mnuCopy\ntype 2\nkey Enter\ntype 3\nkey Enter")
         self.assertEqual(editor.files.contents["CopyBuff.Dat"].count(b",999,"), 2)
 
+    def test_behind_the_blank_enter_cuts_the_digit(self):
+        editor = self.five("menu mnuCopy\nkey End\ntype 12\nkey Enter\ntype 1\nkey Enter")
+        self.assertEqual(editor.copy_boxes["Text1"].text, " 1")
+        self.assertTrue(editor.mnuPaste_on)
+
+    def test_escape_closes_the_copy_box(self):
+        editor = self.five("menu mnuCopy\ntype 1\nkey Escape")
+        self.assertEqual((editor.focus, editor.mnuPaste_on), ("StaffBox", False))
+
 
 class Signs(unittest.TestCase):
     def test_a_bar_sign_takes_away_another(self):
@@ -373,7 +389,7 @@ class Files(unittest.TestCase):
 
     def test_a_menu_command_leaves_the_copy_boxs_caret(self):
         editor = editor_after("press cmdRest\nmenu mnuCopy\ntype .\nmenu mnuHardBrk\ntype 21")
-        self.assertEqual(editor.copy_texts["Text1"], ".21 ")
+        self.assertEqual(editor.copy_boxes["Text1"].text, ".21 ")
 
 
 class RandomInput(unittest.TestCase):

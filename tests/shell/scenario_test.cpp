@@ -206,7 +206,7 @@ TEST_F(ScenarioTest, ShortcutsDoNotRunWhileTheCopyBoxHasTheFocus)
 TEST_F(ScenarioTest, TheCopyBoxIsTypedIntoBeforeItsBlank)
 {
     OpenFullMeasures(3);
-    Play({"menu mnuCopy", "type 13", "key Backspace", "key Escape"});
+    Play({"menu mnuCopy", "type 13", "key Backspace", "key F5"});
     EXPECT_EQ(Form().FrmCopyBox.Text1, "1 ");
     Play({"key Enter", "type 2"});
     EXPECT_EQ(Form().FrmCopyBox.Text1, "1");
@@ -215,6 +215,53 @@ TEST_F(ScenarioTest, TheCopyBoxIsTypedIntoBeforeItsBlank)
     EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), RecordBytes(Win().tune, 1, 10));
     EXPECT_EQ(Form().Focus, Control::StaffBox);
     EXPECT_TRUE(Form().mnuPasteEnabled);
+}
+
+TEST_F(ScenarioTest, KeysMoveTheCaretOfATextBoxAndDelete)
+{
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"Left"},                              "1x."},
+        {{"Left", "Right", "Right"},            "1.x"},
+        {{"Home"},                              "x1."},
+        {{"Home", "Left", "Right"},             "1x."},
+        {{"Home", "End"},                       "1.x"},
+        {{"Left", "Delete"},                    "1x" },
+        {{"Delete"},                            "1.x"},
+        {{"Left", "Backspace"},                 "x." },
+        {{"Home", "Backspace"},                 "x1."},
+        {{"Up", "Down", "F5", "Escape", "F11"}, "1.x"},
+    };
+    for (const auto& [keys, text] : cases) {
+        Play({"menu mnuNew", "ask no", "key F7", "type 1."});
+        for (const std::string& key : keys)
+            Play({"key " + key});
+        Play({"type x"});
+        EXPECT_EQ(Form().txtRptBracket.Text, text) << keys.back();
+        EXPECT_EQ(Form().Focus, Control::txtRptBracket);
+        Play({"key Enter", "key F7"});
+    }
+}
+
+TEST_F(ScenarioTest, BehindItsBlankTheCopyBoxLosesADigitAtEnter)
+{
+    OpenFullMeasures(3);
+    Play({"menu mnuCopy", "key End", "type 12", "key Enter"});
+    EXPECT_EQ(Form().FrmCopyBox.Text1, " 1");
+    Play({"type 1", "key Left", "key Delete", "key Home", "type 3", "key Enter"});
+    EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), RecordBytes(Win().tune, 1, 15));
+}
+
+TEST_F(ScenarioTest, EscapeClosesTheCopyBoxWithoutCopying)
+{
+    OpenFullMeasures(3);
+    Play({"tick", "menu mnuCopy", "type 1"});
+    const unsigned before = Win().view.StaffBox.Picture().Revision();
+    Play({"key Escape"});
+    EXPECT_EQ(Form().Focus, Control::StaffBox);
+    EXPECT_FALSE(Form().mnuPasteEnabled);
+    EXPECT_NE(Win().view.StaffBox.Picture().Revision(), before) << "the main form is active again";
+    Play({"menu mnuCopy", "key Escape", "type 7"});
+    EXPECT_EQ(Form().Saved, 0) << "keys go to the staff again";
 }
 
 TEST_F(ScenarioTest, TheCopyBoxsButtonCutsNothing)
