@@ -7,7 +7,7 @@ seen=build/tidy
 mkdir -p "$seen"
 headers=$(cat .clang-tidy src/*/*.h | cksum | cut -d ' ' -f 1)
 export seen headers
-ls src/store/*.cpp src/notation/*.cpp src/midi/*.cpp src/editor/*.cpp src/shell/*.cpp |
+ls src/store/*.cpp src/notation/*.cpp src/midi/*.cpp src/editor/*.cpp src/shell/*.cpp src/headless/*.cpp |
     xargs -P 2 -I {} sh -c '
         stamp=$seen/$(basename {}).$headers.$(cksum < {} | cut -d " " -f 1)
         [ -e "$stamp" ] && exit 0

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "shell/export.h"
+#include "headless/export.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 // play-scenario FILE: runs a script against the editor and prints what the script asks for.
 
-#include "shell/scenario.h"
+#include "headless/scenario.h"
 
 #include <filesystem>
 #include <fstream>

@@ -4,8 +4,8 @@
 // Works in a scratch folder that is empty at each start: folders on the command line have to be
 // absolute. A dialog's answer is a bare name, so that nothing outside the folder is touched.
 
+#include "headless/scenario.h"
 #include "shell/rescue.h"
-#include "shell/scenario.h"
 #include "support/temporary_directory.h"
 
 #include <cstdint>

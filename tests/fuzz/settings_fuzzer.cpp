@@ -3,11 +3,11 @@
 //
 // Works in a scratch folder: folders on the command line have to be absolute.
 
+#include "headless/scripted_platform.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
 #include "shell/main_win.h"
 #include "shell/page_setup.h"
-#include "shell/scripted_platform.h"
 #include "support/temporary_directory.h"
 #include "support/tunes.h"
 

@@ -1,9 +1,9 @@
 // Any bytes as a tune file: a loaded tune, every measure of which can be shown and which is laid
 // out and written back, or the box and a run-time error. Never anything else.
 
+#include "headless/scripted_platform.h"
 #include "notation/page_layout.h"
 #include "shell/main_win.h"
-#include "shell/scripted_platform.h"
 #include "store/tune_file.h"
 
 #include <cstdint>

@@ -3,8 +3,8 @@
 //
 // Works in a scratch folder: folders on the command line have to be absolute.
 
+#include "headless/scripted_platform.h"
 #include "midi/tuning_form.h"
-#include "shell/scripted_platform.h"
 #include "support/temporary_directory.h"
 
 #include <fuzzer/FuzzedDataProvider.h>

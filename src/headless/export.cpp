@@ -1,4 +1,4 @@
-#include "shell/export.h"
+#include "headless/export.h"
 
 #include "midi/sound.h"
 #include "notation/page_layout.h"

@@ -1,4 +1,4 @@
-#include "shell/export.h"
+#include "headless/export.h"
 
 #include "store/tune_file.h"
 #include "support/faults.h"

@@ -1,4 +1,4 @@
-#include "shell/scenario.h"
+#include "headless/scenario.h"
 
 #include "store/signs.h"
 #include "store/tune_file.h"

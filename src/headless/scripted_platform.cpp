@@ -1,4 +1,4 @@
-#include "shell/scripted_platform.h"
+#include "headless/scripted_platform.h"
 
 namespace quillon {
 

@@ -3,7 +3,8 @@
 
 #pragma once
 
-#include "shell/script.h"
+#include "headless/script.h"
+#include "headless/scripted_platform.h"
 
 #include <string>
 #include <string_view>

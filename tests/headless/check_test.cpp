@@ -1,8 +1,8 @@
-#include "shell/check.h"
+#include "headless/check.h"
 
+#include "headless/export.h"
 #include "midi/performance.h"
 #include "notation/signs.h"
-#include "shell/export.h"
 #include "store/tune_file.h"
 #include "support/faults.h"
 #include "support/tunes.h"

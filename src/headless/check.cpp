@@ -1,4 +1,4 @@
-#include "shell/check.h"
+#include "headless/check.h"
 
 #include "midi/performance.h"
 #include "notation/page_layout.h"

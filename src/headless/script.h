@@ -4,9 +4,9 @@
 
 #pragma once
 
+#include "headless/scripted_platform.h"
 #include "shell/main_win.h"
 #include "shell/menus.h"
-#include "shell/scripted_platform.h"
 
 #include <iosfwd>
 #include <string>

@@ -1,4 +1,4 @@
-#include "shell/script.h"
+#include "headless/script.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,5 +1,5 @@
+#include "headless/scenario.h"
 #include "shell/rescue.h"
-#include "shell/scenario.h"
 #include "store/tune_file.h"
 #include "support/temporary_directory.h"
 

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "shell/check.h"
+#include "headless/check.h"
+#include "headless/scripted_platform.h"
 #include "shell/main_win.h"
-#include "shell/scripted_platform.h"
 
 #include <functional>
 #include <memory>
