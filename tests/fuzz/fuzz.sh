@@ -27,7 +27,7 @@ run() {  # name
         dictionary=-dict=tests/fuzz/scenario.dict
         ;;
     esac
-    "build/fuzz/bin/$1" -max_total_time="$seconds" -max_len=16384 -timeout=10 $dictionary \
+    "build/fuzz/bin/$1" -max_total_time="$seconds" -max_len=65536 -timeout=10 $dictionary \
         -artifact_prefix="$folder/faults/$1-" "$folder/$1"
 }
 export -f run
@@ -36,6 +36,7 @@ names=("${@:3}")
 [ ${#names[@]} -gt 0 ] || mapfile -t names < <(basename -s .cpp tests/fuzz/*_fuzzer.cpp)
 [ -f build/fuzz/build.ninja ] || cmake --preset fuzz
 ninja -C build/fuzz "${names[@]}"
+tests/fuzz/full_tables.py "$folder"
 if ! printf '%s\n' "${names[@]}" | xargs -P "$(nproc)" -I {} bash -c 'run {}'; then
     echo "To see a fault again: build/fuzz/bin/NAME FILE. The files:"
     ls -d "$folder"/faults/*

@@ -1,8 +1,9 @@
 // Any bytes as a tune file: a loaded tune, every measure of which can be shown and which is laid
-// out and written back, or the box and a run-time error. Never anything else.
+// out, printed and written back, or the box and a run-time error. Never anything else.
 
 #include "headless/scripted_platform.h"
 #include "notation/page_layout.h"
+#include "notation/print_pass.h"
 #include "shell/main_win.h"
 #include "store/tune_file.h"
 
@@ -12,6 +13,15 @@
 using namespace quillon;
 
 namespace {
+
+/// Runs what may end in a run-time error.
+template <typename Work> void Try(Work work)
+{
+    try {
+        work();
+    } catch (const Fault&) {
+    }
+}
 
 void ShowEveryMeasure(MainWin& win)
 {
@@ -63,13 +73,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     platform.dialogs.Shown.clear();
     try {
         win.ShowTune({reinterpret_cast<const char*>(data), size});
-        if (!HasQuote(win.tune))
-            CheckRoundTrip(win.tune);
-        ShowEveryMeasure(win);
-        LayOutPages(win.tune, win.page, win.pages);
     } catch (const Fault& fault) {
         if (fault.Number() == Error::ObjectRequired && platform.dialogs.Shown.size() != 1)
             std::abort();
+        return 0;
     }
+    if (!HasQuote(win.tune))
+        CheckRoundTrip(win.tune);
+    Try([&] { ShowEveryMeasure(win); });
+    Try([&] { LayOutPages(win.tune, win.page, win.pages); });
+    Try([&] { RunPrintPass(win.tune, win.page, metrics, kPageWidth, kPageHeight); });
     return 0;
 }
