@@ -23,6 +23,9 @@ import time
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
+sys.path.insert(0, str(ROOT / "tests/window"))
+from player import Player, environment  # noqa: E402
+
 TUNE = ROOT / "examples/auld_lang_syne.gui"
 APART = "--apart"  # first argument of the run that has its own mounts
 PAGE = 4096  # bytes: what a disk gives away at a time
@@ -361,44 +364,6 @@ class ScriptedWindow(DiskTest):
         self.assertEqual(done.returncode, 2)
 
 
-class Player:
-    """The real window, led by a hand that reads lines. `boxes` has what was shown so far."""
-
-    def __init__(self, tune, folder, environment):
-        self.boxes = []
-        self.process = subprocess.Popen(
-            ["timeout", "30", PROGRAMS / "window_player", *([tune] if tune else [])],
-            cwd=folder, env=environment, text=True,
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-        )
-        self.open = self._answer()
-
-    def do(self, *lines):
-        """True while the window is there."""
-        for line in lines:
-            self.process.stdin.write(line + "\n")
-            self.process.stdin.flush()
-            self.open = self._answer()
-        return self.open
-
-    def _answer(self):
-        for line in self.process.stdout:
-            if line.startswith("done "):
-                return line == "done 1\n"
-            self.boxes.append(line.rstrip("\n").removeprefix("box "))
-        return False
-
-    def end(self):
-        """The exit status."""
-        self.process.stdin.close()
-        status = self.process.wait(20)
-        self.process.stdout.close()
-        errors = self.process.stderr.read()
-        self.process.stderr.close()
-        assert "This plugin does not support" in errors or not errors, errors
-        return status
-
-
 class Window(DiskTest):
     """Home has room; what a test puts on a small disk it names."""
 
@@ -408,24 +373,9 @@ class Window(DiskTest):
         super().setUp()
         self.work = self.home / "work"
         self.work.mkdir()
-        (self.home / "temporary").mkdir()
-
-    def environment(self, **more):
-        own = {
-            "HOME": self.home,
-            "XDG_CONFIG_HOME": self.home / "config",
-            "XDG_DATA_HOME": self.home / "data",
-            "XDG_RUNTIME_DIR": self.home,
-            "TMPDIR": self.home / "temporary",
-            "QT_QPA_PLATFORM": "offscreen",
-            "QUILLON_AUDIO_DRIVER": "file",
-            "QUILLON_AUDIO_FILE": "/dev/null",
-            **more,
-        }
-        return {**os.environ, **{name: str(value) for name, value in own.items()}}
 
     def window(self, tune="", folder=None, **more):
-        player = Player(tune, folder or self.work, self.environment(**more))
+        player = Player(PROGRAMS, tune, folder or self.work, environment(self.home, **more))
         self.addCleanup(player.process.kill)
         return player
 
@@ -610,7 +560,7 @@ class Window(DiskTest):
         ):
             with self.subTest(doing):
                 disk = self.disk()
-                window = self.window(shutil.copy(TUNE, self.work), disk.path)
+                window = self.window(shutil.copy(TUNE, self.work), XDG_RUNTIME_DIR=disk.path)
                 window.do("type 7", "key Enter")
                 disk.fill()
                 window.do(*lines)
@@ -620,7 +570,7 @@ class Window(DiskTest):
 
     def test_a_scratch_file_that_cannot_be_deleted_ends_with_the_work_kept(self):
         disk = self.disk()
-        window = self.window(shutil.copy(TUNE, self.work), disk.path)
+        window = self.window(shutil.copy(TUNE, self.work), XDG_RUNTIME_DIR=disk.path)
         window.do("menu mnuInsMeas", "type 7", "key Enter")
         disk.protect()
         window.do("press cmdNext")
@@ -628,15 +578,17 @@ class Window(DiskTest):
         expected = self.saved_after("menu mnuInsMeas", "type 7", "key Enter", "press cmdNext")
         self.assertEqual(self.rescued(), expected)
 
-    def test_in_a_protected_folder_scratch_files_lie_at_home(self):
+    def test_where_no_folder_for_the_run_can_be_made_scratch_files_lie_among_the_temporary_ones(self):
         disk = self.disk()
         disk.protect()
-        window = self.window(shutil.copy(TUNE, self.work), disk.path)
-        window.do("menu mnuInsMeas")
-        self.assertTrue((self.home / "Temp.Sav").exists())
-        self.assertTrue(window.do("press cmdPrevious"))
-        self.assertFalse((self.home / "Temp.Sav").exists())
-        self.assertEqual((window.end(), window.boxes), (0, []))
+        for runtime in disk.path, "relative":
+            window = self.window(shutil.copy(TUNE, self.work), XDG_RUNTIME_DIR=runtime)
+            window.do("menu mnuInsMeas")
+            scratch = list((self.home / "temporary").glob("*/Temp.Sav"))
+            self.assertEqual(len(scratch), 1)
+            self.assertTrue(window.do("press cmdPrevious"))
+            self.assertFalse(scratch[0].exists())
+            self.assertEqual((window.end(), window.boxes), (0, []))
 
     # MIDI files
 
@@ -700,7 +652,7 @@ class Window(DiskTest):
         disk = self.disk()
         disk.protect()
         program = subprocess.Popen(
-            [PROGRAMS / "quillon"], cwd=self.work, env=self.environment(XDG_CONFIG_HOME=disk.path),
+            [PROGRAMS / "quillon"], cwd=self.work, env=environment(self.home, XDG_CONFIG_HOME=disk.path),
             stderr=subprocess.PIPE, text=True,
         )
         end = time.monotonic() + 20

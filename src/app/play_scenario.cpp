@@ -2,6 +2,7 @@
 
 #include "headless/scenario.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -20,13 +21,13 @@ int main(int argc, char** argv)
         return 2;
     }
     // Tuning files of the run lie in a folder of their own, not in the user's.
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("play-scenario-" + std::to_string(getpid()));
+    std::string folder = (std::filesystem::temp_directory_path() / "play-scenario-XXXXXX").string();
     std::ios::sync_with_stdio(false);
     int status = 2;
     try {
-        std::filesystem::create_directory(folder);
-        quillon::Scenario scenario(folder.string(), std::cout);
+        if (!mkdtemp(folder.data()))
+            throw std::runtime_error(folder + ": cannot be made");
+        quillon::Scenario scenario(folder, std::cout);
         std::string line;
         while (std::getline(script, line) && scenario.Play(line)) {
         }

@@ -1,6 +1,7 @@
 // The editor.
 
 #include "qt/program.h"
+#include "qt/scratch_folder.h"
 
 #include <QApplication>
 
@@ -23,6 +24,9 @@ std::string CommandLine(int argc, char** argv)
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);  // takes the toolkit's own options out
-    quillon::Program program(quillon::EnsureWritableFolder(CommandLine(argc, argv)));
+    const std::string commandLine = quillon::AbsoluteCommandLine(CommandLine(argc, argv));
+    const std::string startFolder = quillon::StartFolder();
+    quillon::EnterScratchFolder();
+    quillon::Program program(commandLine, startFolder);
     return program.Start() ? QApplication::exec() : EXIT_FAILURE;
 }

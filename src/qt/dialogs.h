@@ -14,7 +14,11 @@ namespace quillon {
 /// Each shows what has changed in the form before it opens, and belongs to the active window.
 class QtDialogs : public Dialogs {
 public:
-    explicit QtDialogs(Runner& theRunner) : runner(theRunner) {}
+    /// File dialogs begin in `startFolder`; "" is the current directory.
+    explicit QtDialogs(Runner& theRunner, QString startFolder = {})
+        : runner(theRunner), lastFolder(std::move(startFolder))
+    {
+    }
 
     void Message(Icon icon, const std::string& title, const std::string& text) override;
     bool Ask(const std::string& title, const std::string& text) override;
@@ -30,7 +34,7 @@ private:
     std::optional<std::string> RunFileDialog(QFileDialog& dialog);
 
     Runner& runner;
-    QString lastFolder;  // of the file that was chosen last; "" before the first
+    QString lastFolder;  // of the file that was chosen last, before the first where to begin
 };
 
 /// "Label|pattern|Label|pattern" as the toolkit's filters. A part without a pattern is a bare

@@ -174,7 +174,7 @@ void MainWindow::EndUnasked()
 {
     if (runner.Busy()) {
         // A handler waits in a dialog. It must not go on with an answer that nobody gave.
-        std::_Exit(EXIT_SUCCESS);
+        std::quick_exit(EXIT_SUCCESS);
     }
     End();
 }

@@ -1,5 +1,7 @@
 #include "qt/program.h"
 
+#include "qt/text.h"
+
 #include <QApplication>
 #include <QIcon>
 
@@ -13,7 +15,8 @@ constexpr const char* kIcon = "/../share/icons/hicolor/128x128/apps/org.quillon.
 
 }  // namespace
 
-Program::Program(std::string theCommandLine) : commandLine(std::move(theCommandLine))
+Program::Program(std::string theCommandLine, const std::string& startFolder)
+    : dialogs(runner, PathFromBytes(startFolder)), commandLine(std::move(theCommandLine))
 {
     QApplication::setApplicationName("Quillon");  // a display name would stand in every caption
     QApplication::setDesktopFileName("org.quillon.Quillon");

@@ -18,7 +18,8 @@ namespace quillon {
 /// Needs a QApplication.
 class Program {
 public:
-    explicit Program(std::string commandLine);
+    /// File dialogs begin in `startFolder`; "" is the current directory.
+    explicit Program(std::string commandLine, const std::string& startFolder = {});
 
     /// False when the program cannot start; a box has said why.
     bool Start();
@@ -26,7 +27,7 @@ public:
     // A member may use those before it.
     Runner runner;
     QtSettings settings;
-    QtDialogs dialogs{runner};
+    QtDialogs dialogs;
     QtSystem system;
     QtPrinter printer{runner};
     QtClipboard clipboard;

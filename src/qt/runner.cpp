@@ -47,7 +47,7 @@ void Runner::EndWithFault(const QString& doing, const std::string& error,
     QApplication::restoreOverrideCursor();
     box.exec();
     // The program's state is not to be trusted: nothing else of it runs.
-    std::_Exit(EXIT_FAILURE);
+    std::quick_exit(EXIT_FAILURE);
 }
 
 }  // namespace quillon

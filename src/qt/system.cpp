@@ -5,7 +5,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <QSocketNotifier>
@@ -90,16 +89,6 @@ bool EndFromOutside::eventFilter(QObject* watched, QEvent* event)
         return QObject::eventFilter(watched, event);
     end();
     return true;
-}
-
-std::string EnsureWritableFolder(const std::string& path)
-{
-    const QDir current = QDir::current();
-    const QFileInfo folder(current.path());
-    if (folder.isDir() && folder.isWritable())
-        return path;
-    QDir::setCurrent(QDir::homePath());
-    return path.empty() ? path : PathToBytes(current.absoluteFilePath(PathFromBytes(path)));
 }
 
 }  // namespace quillon

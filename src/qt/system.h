@@ -43,8 +43,4 @@ private:
     struct sigaction before[std::size(kSignals)] = {};
 };
 
-/// Scratch files lie in the current directory. One that cannot be written gives way to the
-/// user's home. Returns `path`, which still means the same file.
-std::string EnsureWritableFolder(const std::string& path);
-
 }  // namespace quillon

@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-// Scratch files, in the current directory.
+// Scratch files, in the current directory, which is the window's own.
 inline constexpr const char* kInsertScratch = "Temp.Sav";  // the tail while a measure is inserted
 inline constexpr const char* kPasteScratch = "Temp.Dat";   // the tail while measures are pasted
 inline constexpr const char* kCopyBuffer = "CopyBuff.Dat";

@@ -1,5 +1,6 @@
 // Drives the running program's window, without a display, by lines on standard input. Whoever
-// sends them can change the world between two events; full_disk_test.py fills its disks.
+// sends them can change the world between two events: full_disk_test.py fills its disks,
+// two_windows_test.py leads another window.
 //
 //     window_player [TUNE]
 //
@@ -15,6 +16,7 @@
 // then by "done 1" while the window is there, "done 0" when it is closed.
 
 #include "qt/program.h"
+#include "qt/scratch_folder.h"
 
 #include <QAction>
 #include <QApplication>
@@ -105,7 +107,10 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     Hand hand;
-    Program program(EnsureWritableFolder(argc > 1 ? argv[1] : ""));
+    const std::string startFolder = StartFolder();
+    const std::string commandLine = AbsoluteCommandLine(argc > 1 ? argv[1] : "");
+    EnterScratchFolder();
+    Program program(commandLine, startFolder);
     if (!program.Start())
         return EXIT_FAILURE;
     if (!QTest::qWaitForWindowActive(program.window.get()))
