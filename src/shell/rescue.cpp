@@ -81,9 +81,16 @@ bool RescueCopy::TailWasLost() const
     if (win.form.Saved != 0)
         return true;
     const ParkedTail& now = win.form.Parked;
+    const bool inserting = win.form.InputMode == kInsertMode;
     if (now.Bytes.empty())
-        return false;  // read back
-    return now.Bytes != parked || (now.RecordsBack == 0 && win.form.InputMode != kInsertMode);
+        return inserting;  // read back, unless a second insertion has parked nothing in its place
+    return now.Bytes != parked || (now.RecordsBack == 0 && !inserting);
+}
+
+void RescueCopy::LeaveBehind()
+{
+    path.clear();
+    written.clear();
 }
 
 void RescueCopy::Write()
@@ -112,9 +119,16 @@ void RescueCopy::Write()
 void RescueCopy::Refresh()
 {
     if (TailWasLost()) {
-        path.clear();  // that copy stays
-        written.clear();
+        LeaveBehind();
+        if (win.form.InputMode != kInsertMode)
+            win.form.Parked = {};  // no command reads it back any more
     }
+    Follow();
+}
+
+/// Writes or removes the copy, as the tune has come to be.
+void RescueCopy::Follow()
+{
     parked = win.form.Parked.Bytes;
     win.form.Discarded = false;
     if (win.form.Saved == 0) {
@@ -122,8 +136,7 @@ void RescueCopy::Refresh()
     } else if (!path.empty()) {
         std::error_code ignored;
         fs::remove(path, ignored);
-        path.clear();
-        written.clear();
+        LeaveBehind();
     }
 }
 
@@ -142,7 +155,9 @@ std::string RescueCopy::Keep()
         return path;
     written.clear();
     const std::string before = path;
-    Refresh();
+    if (TailWasLost())
+        LeaveBehind();
+    Follow();
     if (win.form.Saved == 0 && behind) {
         std::string elsewhere = KeepElsewhere();
         if (!elsewhere.empty())

@@ -45,6 +45,8 @@ public:
 private:
     bool TailWasLost() const;
     bool IsWhole() const;
+    void LeaveBehind();
+    void Follow();
     void Write();
     std::string KeepElsewhere() const;
 

@@ -136,5 +136,35 @@ TEST_F(Rescue, CopyHoldsNoTailOnceItIsBack)
     EXPECT_EQ(RescueBytes(win), TuneBytes(win.tune));
 }
 
+TEST_F(Rescue, AnAppendThatThrowsTheTailAwayLeavesOneCopyBehind)
+{
+    OpenFullMeasures(3);
+    RescueCopy copy(win, folder.Path());
+    win.editor.mnuInsMeas();
+    copy.Refresh();
+    const std::string left = copy.Path();
+    win.editor.mnuAppend();
+    copy.Refresh();
+    Type("9\r");
+    copy.Refresh();
+    EXPECT_EQ(RescueCopiesIn(folder.Path()).size(), 2U);
+    EXPECT_NE(copy.Path(), left);
+    EXPECT_NE(ReadFileBytes(left).find("\r\n3,7,48\r\n"), std::string::npos);
+    EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(win.tune));
+}
+
+TEST_F(Rescue, AnInsertionWithinAnEmptyInsertedMeasureLeavesTheCopyWithTheTailBehind)
+{
+    OpenFullMeasures(3);
+    RescueCopy copy(win, folder.Path());
+    win.editor.mnuInsMeas();
+    copy.Refresh();
+    const std::string left = copy.Path();
+    win.editor.mnuInsMeas();
+    copy.Refresh();
+    EXPECT_NE(copy.Path(), left);
+    EXPECT_NE(ReadFileBytes(left).find("\r\n3,7,48\r\n"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace quillon
