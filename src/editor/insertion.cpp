@@ -136,9 +136,8 @@ void Editor::DeleteOnlyMeasure()
     form.MeasEnd = 0;
     form.MeasHead = 1;
     form.CurValue = kQuarter;
-    SetToolbarValue(7);
+    SetToolbarValue(kQuarter);
     form.MeasFill = 0;
-    view.Beam.Reset();
     form.EntryState = kAppendState;
     form.InputMode = kFretMode;
 }

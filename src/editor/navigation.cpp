@@ -79,7 +79,6 @@ void Editor::StartMeasure(int head)
     form.Timer1Enabled = true;
     SetFocus(Control::StaffBox);
     form.MeasFill = 0;
-    view.Beam.Reset();
 }
 
 void Editor::ShowMeasure(int number)

@@ -2,6 +2,8 @@
 
 #include "editor/editor.h"
 
+#include "notation/staff_sizes.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -34,11 +36,6 @@ constexpr ValueKeyRow kValueKeys[] = {
     {kQuarter,   kDottedQuarter, kWhole           },
 };
 static_assert(std::size(kValueKeys) == kNoteValues + 1);
-
-int Length(const std::string& text)
-{
-    return static_cast<int>(text.size());
-}
 
 bool IsControl(char character)
 {
@@ -437,20 +434,15 @@ void Editor::Paint()
 }
 
 /// A click left of an empty measure's first note changes the time signature when it is on one of
-/// the figures. Each range of y has its lower bound and not its upper one.
+/// the figures.
 bool Editor::ClickOnTimeSignature(double y)
 {
-    struct FigureRow {
-        int upperFrom, upperTo, lowerFrom, lowerTo;
-    };
-    const FigureRow row = tune.NumStrings == 4   ? FigureRow{36, 46, 48, 59}
-                          : tune.NumStrings == 5 ? FigureRow{34, 49, 51, 65}
-                                                 : FigureRow{36, 54, 58, 75};
-    if (y >= row.lowerFrom && y < row.lowerTo) {
+    const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
+    if (y >= sizes.LowerClickFrom && y < sizes.LowerClickTo) {
         const bool toQuarters = form.CurBeatUnit == 8;
         form.CurBeatUnit = toQuarters ? 4 : 8;
         form.CurBeats = toQuarters ? 4 : 3;
-    } else if (y >= row.upperFrom && y < row.upperTo) {
+    } else if (y >= sizes.UpperClickFrom && y < sizes.UpperClickTo) {
         if (form.CurBeatUnit == 8)
             form.CurBeats = form.CurBeats > 9 ? 3 : form.CurBeats + 3;
         else if (form.CurBeatUnit == 4)

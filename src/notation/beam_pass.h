@@ -1,13 +1,7 @@
 // The beam pass: which beams and flags the notes of a measure have.
 //
-// It runs over the notes of a measure from left to right and writes BeamCode, both of the note at
-// hand and, as groups grow, of the notes before it. BeamCode as drawn at a stem:
-//
-//   0 nothing                      5, 6 main beam back to its start
-//   1 flag of a sixteenth          7 nothing
-//   2 both beams back              9 stub forward
-//   3 main beam, stub back         10 main beam, stub forward
-//   4, 8 flag of an eighth         (6, 7 and 8 also dot the note)
+// It runs over the notes of a measure from left to right and writes their BeamCode: that of the
+// note at hand and, as a group grows, that of the notes before it.
 
 #pragma once
 
@@ -15,28 +9,39 @@
 
 namespace quillon {
 
-struct BeamPass {
-    int BeamNotes = 0;   // notes of the present triplet
-    int BeamSlots = 0;   // only ever cleared
-    int BeamHalves = 0;  // eighths in a row; four of them are parted
-    Int16 BeamFlag;      // only ever cleared
-    Int16 BeamRun;       // notes of the present group
-    Int16 BeamPrev;      // record of the group's last note, 0 if none
+class BeamPass {
+public:
+    /// For one measure, which holds `measureTicks` ticks.
+    BeamPass(Tune& theTune, int measureTicks) : tune(theTune), capacity(measureTicks) {}
 
-    /// One step, for record tune.CurNote, which starts at tick `measFill` of a measure of
-    /// `measCapacity` ticks. The note's own time signature decides between simple and compound.
-    void Step(Tune& tune, int measFill, int measCapacity);
-
-    /// A new measure starts: what its opener sets to 0. The group itself is left.
-    void Reset() { BeamSlots = BeamHalves = BeamFlag = 0; }
+    /// One step, for record tune.CurNote, which starts at `startTick`. The note's own time
+    /// signature decides between simple and compound time.
+    void Step(int startTick);
 
 private:
     void ClearGroup();
-    void Simple(Tune& tune, int measFill);
-    void Compound(Tune& tune, int measFill);
-    void Rest94(Tune& tune, int measFill);
-    void Grow(int note);
-    void End();
+    void EndGroup();
+    void TakeRecord();
+    void TakeShortNote();
+    int ShapeInGroup() const;
+    void JoinGroup();
+    void TurnStubForward();
+    void FollowTripletRest();
+    void TakeTripletRest();
+    bool InGroup() const { return BeamRun > 0; }
+
+    Tune& tune;
+    const int capacity;
+
+    // Of the step
+    int tick = 0;
+    bool simple = true;
+
+    // Of the group
+    int BeamNotes = 0;   // notes of the present triplet
+    int BeamHalves = 0;  // eighths in a row; four of them are parted
+    int BeamRun = 0;     // notes of the group
+    int BeamPrev = 0;    // record of its last note, 0 if none
 };
 
 }  // namespace quillon

@@ -32,6 +32,7 @@ public:
 constexpr double kPoints = 1;  // surface units to the point
 constexpr double kTwips = 20;
 constexpr double kTwipsPerInch = 1440;
+constexpr double kPointsPerInch = 72;
 
 /// Size of the main form's own font, in which a few texts are measured.
 constexpr double kFormFontSize = 8.25;

@@ -1,12 +1,20 @@
 #include "notation/line_furniture.h"
 
 #include "notation/signs.h"
+#include "notation/staff_sizes.h"
 
 #include <utility>
 
 namespace quillon {
 
 namespace {
+
+// Distances on the page, in twips
+constexpr int kBracketGap = 40;      // between a repeat bracket, its text and the row under it
+constexpr int kSignatureInset = 50;  // of a line's first time signature, from the left edge
+constexpr int kThinBarGap = 40;      // between the two lines of a bar
+constexpr int kRepeatDotGap = 50;    // between the thin line and the dots
+constexpr int kRepeatDot = 30;       // radius
 
 /// The size of time signatures beside a body font; 0 if it has none of its own.
 int SignatureSize(float bodySize)
@@ -71,9 +79,9 @@ void LineFurniture::DrawRepeatBracket(int n)
     while (columns[j].BarCode < kPlainBar && j < line.k)
         ++j;
     const int end = j == line.k ? line.LineRight : columns[j].XPos;
-    surface.Line(start, line.PenY - 40, start, RowTop);
+    surface.Line(start, line.PenY - kBracketGap, start, RowTop);
     surface.Line(start, RowTop, end, RowTop);
-    surface.PrintLineAt(start + 40, line.PenY - 3 * values.StringGap, columns[n].Slot(2));
+    surface.PrintLineAt(start + kBracketGap, line.PenY - 3 * values.StringGap, columns[n].Slot(2));
 }
 
 void LineFurniture::PrintSign(int n)
@@ -145,9 +153,9 @@ void LineFurniture::PrintSignature(int n)
 {
     const NoteRecord& column = columns[n];
     const bool behindBar = column.BarCode == kRepeatStart;
-    const int x = n == 1 ? values.LineLeft + (behindBar ? line.UnitSpacing : 50)
+    const int x = n == 1 ? values.LineLeft + (behindBar ? line.UnitSpacing : kSignatureInset)
                          : column.XPos + (behindBar ? line.UnitSpacing : 0);
-    const int gap = 2 * values.StringGap - (line.tune.NumStrings == 4 ? 100 : 0);
+    const int gap = 2 * values.StringGap - SizesOf(line.tune.NumStrings).Page.LowerFigureRaise;
     if (const int size = SignatureSize(line.page.BodyFontSize))
         surface.Font.Size = size;
     surface.PrintLineAt(x, line.PenY, PrintedInteger(column.Beats));
@@ -170,13 +178,9 @@ void LineFurniture::DrawBar(int n)
     if (bar == kPlainBar) {
         StaffHighLine(atEnd, values.Pens.Edge);
     } else if (bar == kDoubleBar || bar == kRepeatEnd) {
-        DoubleBar(atEnd, atEnd - 40);
-        if (bar == kRepeatEnd)
-            RepeatDots(atEnd - 90);
+        DoubleBar(atEnd, -1, bar == kRepeatEnd);
     } else if (bar == kBeginDoubleBar || bar == kRepeatStart) {
-        DoubleBar(atStart, atStart + 40);
-        if (bar == kRepeatStart)
-            RepeatDots(atStart + 90);
+        DoubleBar(atStart, 1, bar == kRepeatStart);
     }
     surface.DrawWidth = 1;
 }
@@ -187,20 +191,23 @@ void LineFurniture::StaffHighLine(double x, int width)
     surface.Line(x, line.PenY, x, line.StringY(line.tune.NumStrings));
 }
 
-void LineFurniture::DoubleBar(int thickX, int thinX)
+/// From the thick line on the outside to the dots on the inside: `inwards` is 1 for a measure's
+/// start and -1 for its end.
+void LineFurniture::DoubleBar(int thickX, int inwards, bool repeat)
 {
+    const int thinX = thickX + inwards * kThinBarGap;
     StaffHighLine(thickX, values.Pens.ThickBar);
     StaffHighLine(thinX, values.Pens.ThinBar);
+    if (repeat)
+        RepeatDots(thinX + inwards * kRepeatDotGap);
 }
 
 void LineFurniture::RepeatDots(int x)
 {
-    const int strings = line.tune.NumStrings;
-    const double upper = strings == 4 ? 0.75 : strings == 5 ? 1.1 : 1.5;
-    const double lower = strings == 4 ? 2.25 : strings == 5 ? 2.75 : 3.5;
+    const PageSizes& sizes = SizesOf(line.tune.NumStrings).Page;
     surface.FillSolid = true;
-    surface.Circle(x, line.PenY + upper * values.StringGap, 30);
-    surface.Circle(x, line.PenY + lower * values.StringGap, 30);
+    for (double gaps : {sizes.UpperDot, sizes.LowerDot})
+        surface.Circle(x, line.PenY + gaps * values.StringGap, kRepeatDot);
 }
 
 }  // namespace quillon

@@ -35,7 +35,7 @@ private:
     void DrawLeftEdge();
     void DrawBar(int n);
     void StaffHighLine(double x, int width);
-    void DoubleBar(int thickX, int thinX);
+    void DoubleBar(int thickX, int inwards, bool repeat);
     void RepeatDots(int x);
 
     PageLine& line;

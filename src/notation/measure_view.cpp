@@ -1,10 +1,51 @@
 #include "notation/measure_view.h"
 
+#include "notation/beam_pass.h"
 #include "notation/signs.h"
+#include "notation/staff_sizes.h"
+
+#include <algorithm>
 
 namespace quillon {
 
 namespace {
+
+// Where things stand on StaffBox, in points.
+constexpr int kSignatureX = 2;
+constexpr int kRemarkY = 4;
+constexpr int kTopRowY = 12;  // chords, signs, the text of a repeat bracket
+constexpr int kLineGap = 8;   // between two staff lines
+
+// The stem stands in the middle of a note's first character, and beams begin one point left of it.
+constexpr int kStemX = 3;
+constexpr int kFlagRise = 18;  // above the stem's lower end, as letters of the right hand
+constexpr int kBeamGap = 3;    // between main and second beam
+constexpr int kStub = 5;       // length of a stub of the second beam
+
+// Bars: the thick line, then inwards the thin one and a repeat's dots. They stand a little further
+// apart at a measure's start.
+constexpr int kStartBarX = 23;
+constexpr int kStartThinX = 27;
+constexpr int kStartDotsX = 32;
+constexpr int kEndThinGap = 3;
+constexpr int kEndDotsGap = 7;
+
+// The repeat bracket: its corner, and its text
+constexpr int kBracketX = 6;
+constexpr int kBracketY = 6;
+constexpr int kBracketTextX = 12;
+
+/// Top of the text on string s.
+constexpr int StringTextY(int s)
+{
+    return StringY(s) - kLineGap;
+}
+
+/// Of a dot or tie beside a text.
+constexpr int DotY(int s)
+{
+    return StringY(s) - 2;
+}
 
 std::string Trimmed(const std::string& text)
 {
@@ -14,10 +55,29 @@ std::string Trimmed(const std::string& text)
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-int Length(const std::string& text)
-{
-    return static_cast<int>(text.size());
-}
+/// A cell's text with its marks set apart. A mark is expected last: wherever it stands, the last
+/// character goes (docs/kept_behaviour.md, "The measure view").
+struct Cell {
+    explicit Cell(const std::string& slot) : Text(Trimmed(slot)), BendPlace(slot.find('<'))
+    {
+        Tie = Text.find('^') != std::string::npos;
+        if (Tie)
+            Text.pop_back();
+        if (BendPlace == std::string::npos)
+            BendPlace = slot.find('>');
+        if (HasBend()) {
+            BendMark = Text.back();
+            Text.pop_back();
+        }
+    }
+
+    bool HasBend() const { return BendPlace != std::string::npos; }
+
+    std::string Text;
+    bool Tie = false;
+    std::size_t BendPlace;  // counted in the slot
+    char BendMark = 0;
+};
 
 }  // namespace
 
@@ -31,19 +91,12 @@ MeasureView::MeasureView(Tune& theTune, MainForm& mainForm, const PageSettings& 
 
 void MeasureView::ClearStaff()
 {
-    struct SignatureRow {
-        int fontSize;
-        int upperY;
-        int lowerY;
-    };
-    const SignatureRow row = tune.NumStrings == 4   ? SignatureRow{16, 32, 44}
-                             : tune.NumStrings == 5 ? SignatureRow{18, 32, 48}
-                                                    : SignatureRow{18, 36, 56};
+    const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     StaffBox.Clear();
     form.CaretOn = 0;
-    StaffBox.Font.Size = row.fontSize;
-    StaffBox.PrintLineAt(2, row.upperY, PrintedInteger(form.CurBeats));
-    StaffBox.PrintLineAt(2, row.lowerY, PrintedInteger(form.CurBeatUnit));
+    StaffBox.Font.Size = static_cast<float>(sizes.SignatureSize);
+    StaffBox.PrintLineAt(kSignatureX, sizes.UpperFigureY, PrintedInteger(form.CurBeats));
+    StaffBox.PrintLineAt(kSignatureX, sizes.LowerFigureY, PrintedInteger(form.CurBeatUnit));
     StaffBox.Font.Size = 10;
     UseBodyFont();
 }
@@ -57,7 +110,6 @@ void MeasureView::RedrawMeasure()
     form.CurBeatUnit = head.BeatUnit;
     form.MeasCapacity = form.CurBeats * TicksPerBeat(form.CurBeatUnit);
     ClearStaff();
-    Beam = {};
     form.MeasFill = 0;
     form.hdbkbox = head.Slot(6) == kLineBreak ? "Line Break" : "";
     if (head.BarCode < "1")
@@ -69,7 +121,7 @@ void MeasureView::RedrawMeasure()
     BeamAndPlace();
     head.BeamCode = 0;
     EndBarX = form.MeasFill >= form.MeasCapacity
-                  ? tune[form.MeasEnd].XPos + 6 * tune[form.MeasEnd].Spacing
+                  ? tune[form.MeasEnd].XPos + kCharWidth * tune[form.MeasEnd].Spacing
                   : kStaffEndX;
 
     tickCount = beamStartX = beam2StartX = tripletCount = 0;
@@ -79,10 +131,11 @@ void MeasureView::RedrawMeasure()
     DrawBar(head.BarCode, true);
     if (!head.Slot(2).empty() || form.InputMode == kBracketMode) {
         DrawBracket();
-        StaffBox.PrintLineAt(12, 12, head.Slot(2));
+        StaffBox.PrintLineAt(kBracketTextX, kTopRowY, head.Slot(2));
     }
     DrawSign(head.Slot(1));
-    // A short measure inside the tune counts as full for the entry of notes.
+    // A short measure inside the tune counts as full for the entry of notes:
+    // docs/kept_behaviour.md, "The measure view".
     if (form.InputMode == kFretMode && form.MeasFill < form.MeasCapacity &&
         tune.CurMeas < tune.LastMeas)
         form.MeasFill = form.MeasCapacity;
@@ -108,25 +161,27 @@ void MeasureView::DrawRemark()
 {
     const std::string& remark = tune[form.MeasHead].Slot(3);
     if (remark.front() != '/') {
-        StaffBox.PrintLineAt(kFirstNoteX, 4, remark);
+        StaffBox.PrintLineAt(kFirstNoteX, kRemarkY, remark);
         return;
     }
-    // Set to end at the measure's last note, where the previous redraw placed it.
+    // Set to end at the measure's last note, where the previous redraw placed it:
+    // docs/kept_behaviour.md, "The measure view".
     const std::string text = remark.substr(1);
     const double twips = metrics.Width(text, {page.FormFontName, kFormFontSize}) * kTwips;
-    const int width = Floor(twips / kTwipsPerInch * 72);
-    StaffBox.PrintLineAt(tune[form.MeasEnd].XPos - width, 4, text);
+    const int width = Floor(twips / kTwipsPerInch * kPointsPerInch);
+    StaffBox.PrintLineAt(tune[form.MeasEnd].XPos - width, kRemarkY, text);
 }
 
 void MeasureView::BeamAndPlace()
 {
+    BeamPass beams(tune, form.MeasCapacity);
     Int16 x = kFirstNoteX;
     for (tune.CurNote = form.MeasHead + 1; tune.CurNote <= form.MeasEnd; ++tune.CurNote) {
         NoteRecord& note = tune[tune.CurNote];
-        Beam.Step(tune, form.MeasFill, form.MeasCapacity);
+        beams.Step(form.MeasFill);
         form.MeasFill += TicksOf(note.NoteCode);
         note.XPos = x;
-        x += 6 * note.Spacing;
+        x += kCharWidth * note.Spacing;
     }
 }
 
@@ -135,7 +190,7 @@ void MeasureView::DrawNote()
     NoteRecord& note = tune[tune.CurNote];
     const int code = note.NoteCode;
     if (!note.ChordText.empty())
-        StaffBox.PrintLineAt(note.XPos, 12, note.ChordText);
+        StaffBox.PrintLineAt(note.XPos, kTopRowY, note.ChordText);
     if (tickCount % TicksPerBeamGroup(form.CurBeatUnit) == 0 || code == kQuarterRest ||
         code == kHalfRest || code == kWholeRest)
         beamStartX = beam2StartX = 0;
@@ -144,17 +199,12 @@ void MeasureView::DrawNote()
     if (code <= kSixteenth && (beam2StartX == 0 || note.BeamCode >= kBackStub))
         beam2StartX = note.XPos;
 
-    for (std::string& slot : note.Slots) {
-        if (slot == "/") {  // a rhythm slash always stands on the third string
-            slot.clear();
-            note.Slot(3) = "/";
-        }
-    }
+    MoveSlash(note);
     for (int s = 1; s <= kStringSlots; ++s)
         if (!note.Slot(s).empty())
             DrawCell(s);
 
-    noteX = note.XPos + 3;
+    noteX = note.XPos + kStemX;
     if (code >= kWhole)
         DrawStemless();
     else
@@ -162,55 +212,71 @@ void MeasureView::DrawNote()
     tickCount += TicksOf(code);
 }
 
+/// A rhythm slash always stands on the third string, in the table too: docs/kept_behaviour.md, "The
+/// measure view".
+void MeasureView::MoveSlash(NoteRecord& note)
+{
+    for (std::string& slot : note.Slots) {
+        if (slot == "/") {
+            slot.clear();
+            note.Slot(3) = "/";
+        }
+    }
+}
+
 void MeasureView::DrawCell(int s)
 {
     const NoteRecord& note = tune[tune.CurNote];
-    const std::string& slot = note.Slot(s);
-    const int y = 20 + 8 * s;
-    const int dotY = 26 + 8 * s;
+    Cell cell(note.Slot(s));
     StaffBox.CurrentX = note.XPos;
-    StaffBox.CurrentY = y;
-
-    std::string text = Trimmed(slot);
-    const bool tie = text.find('^') != std::string::npos;
-    if (tie)
-        text.pop_back();
-    std::size_t bend = slot.find('<');
-    if (bend == std::string::npos)
-        bend = slot.find('>');
-    char bendMark = 0;
-    if (bend != std::string::npos) {
-        bendMark = text.back();
-        text.pop_back();
-    }
-
-    if (text == "/") {
-        UseFont("tab");
-        StaffBox.PrintLine(text);
-        UseBodyFont();
+    StaffBox.CurrentY = StringTextY(s);
+    if (cell.Text == "/") {
+        DrawSlash();
     } else {
         if (note.NoteCode >= kHalf && note.NoteCode <= kWhole)
-            text = "[" + text + "]";
-        DrawCellText(text, y);
+            cell.Text = "[" + cell.Text + "]";
+        DrawCellText(cell.Text, StringTextY(s));
         if (HasDot(note.BeamCode) || note.NoteCode == kDottedHalf) {
             StaffBox.FillSolid = true;
-            StaffBox.Circle(6 * Length(text) + note.XPos, dotY, 1);
+            StaffBox.Circle(EndOf(cell.Text), DotY(s), 1);
         }
     }
-    if (tie) {
-        const int end = 6 * Length(text) + note.XPos;
-        const int radius = 3 * (note.Spacing - Length(text));
-        StaffBox.Arc(end + radius, dotY, radius, 0.5, 3, 0.5);
-    }
-    if (bend != std::string::npos) {
-        UseFont(kTabFont);
-        StaffBox.Font.Size = 8;
-        StaffBox.PrintLineAt(note.XPos + 6 * static_cast<int>(bend), bendMark == '>' ? y - 8 : y,
-                             {&bendMark, 1});
-        UseBodyFont();
-        StaffBox.Font.Size = 10;
-        StaffBox.Font.Bold = true;
-    }
+    if (cell.Tie)
+        DrawTie(cell.Text, DotY(s));
+    if (cell.HasBend())
+        DrawBend(cell.BendMark, static_cast<int>(cell.BendPlace), StringTextY(s));
+}
+
+/// X where a cell's text ends, by the width of its characters on StaffBox.
+int MeasureView::EndOf(const std::string& text) const
+{
+    return tune[tune.CurNote].XPos + kCharWidth * Length(text);
+}
+
+/// In the notation font, whatever the case of its name.
+void MeasureView::DrawSlash()
+{
+    UseFont("tab");
+    StaffBox.PrintLine("/");
+    UseBodyFont();
+}
+
+/// Over the room that the text leaves of the note's width.
+void MeasureView::DrawTie(const std::string& text, double y)
+{
+    const int radius = kCharWidth / 2 * (tune[tune.CurNote].Spacing - Length(text));
+    StaffBox.Arc(EndOf(text) + radius, y, radius, 0.5, 3, 0.5);
+}
+
+void MeasureView::DrawBend(char mark, int place, double y)
+{
+    UseFont(kTabFont);
+    StaffBox.Font.Size = 8;
+    StaffBox.PrintLineAt(tune[tune.CurNote].XPos + kCharWidth * place,
+                         mark == '>' ? y - kLineGap : y, {&mark, 1});
+    UseBodyFont();
+    StaffBox.Font.Size = 10;
+    StaffBox.Font.Bold = true;
 }
 
 void MeasureView::DrawCellText(const std::string& text, double y)
@@ -240,32 +306,39 @@ void MeasureView::DrawStemless()
 {
     const NoteRecord& note = tune[tune.CurNote];
     const int code = note.NoteCode;
-    const int restBarY = tune.NumStrings == 4 ? 46 : 54;
+    const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     UseFont(kTabFont);
     StaffBox.Font.Size = 10;
-    StaffBox.CurrentY = tune.NumStrings == 4 ? 36 : 42;
+    StaffBox.CurrentY = sizes.RestY;
     StaffBox.CurrentX = note.XPos;
-    if (code == kHalfRest || code == kWholeRest) {
-        const int y = code == kHalfRest ? restBarY - 4 : restBarY;
-        StaffBox.DrawWidth = 5;
-        StaffBox.Line(note.XPos + 8, y, note.XPos + 16, y);
-        StaffBox.DrawWidth = 1;
-    } else if (code >= kTripletSixteenthRest && code <= kQuarterRest) {
+    if (code == kWholeRest)
+        DrawBlockRest(sizes.WholeRestY);
+    else if (code == kHalfRest)
+        DrawBlockRest(sizes.WholeRestY - kLineGap / 2);
+    else if (code >= kTripletSixteenthRest && code <= kQuarterRest)
         StaffBox.PrintLine(RestGlyph(code));
-    }
     UseBodyFont();
     CountTriplet(code);
 }
 
+void MeasureView::DrawBlockRest(double y)
+{
+    const int x = tune[tune.CurNote].XPos;
+    StaffBox.DrawWidth = 5;
+    StaffBox.Line(x + 8, y, x + 16, y);
+    StaffBox.DrawWidth = 1;
+}
+
+/// Without a fret the stem hangs from the first string.
 void MeasureView::DrawStem(int lowestString)
 {
     const NoteRecord& note = tune[tune.CurNote];
     const int code = note.NoteCode;
-    const int stemTopY = lowestString > 0 ? 32 + 8 * lowestString : 40;
+    const int stemTopY = StringY(std::max(lowestString, 1)) + 4;
     StaffBox.Line(noteX, stemTopY, noteX, StemBaseY());
     DrawBeam();
     CountTriplet(code);
-    StaffBox.PrintLineAt(noteX + 3, StemBaseY() - 18, {&note.RightHand, 1});
+    StaffBox.PrintLineAt(noteX + 3, StemBaseY() - kFlagRise, {&note.RightHand, 1});
     StaffBox.PrintLineAt(noteX, StemBaseY(), {&note.LeftHand, 1});
 }
 
@@ -273,38 +346,47 @@ void MeasureView::DrawBeam()
 {
     const int x = noteX;
     const int y = StemBaseY();
-    const int start = beamStartX + 2;
-    const int start2 = beam2StartX + 2;
     switch (tune[tune.CurNote].BeamCode) {
     case kSixteenthFlag:
-        Glyph(x, y - 18, kSixteenthFlagGlyph);
+        Glyph(x, y - kFlagRise, kSixteenthFlagGlyph);
         break;
     case kBothBeams:
-        StaffBox.Line(x - 1, y, start, y);
-        StaffBox.Line(x - 1, y - 3, start2, y - 3);
+        MainBeam(x - 1);
+        StaffBox.Line(x - 1, y - kBeamGap, beam2StartX + kStemX - 1, y - kBeamGap);
         break;
     case kBackStub:
-        StaffBox.Line(x - 1, y, start, y);
-        StaffBox.Line(x - 1, y - 3, x - 6, y - 3);
+        MainBeam(x - 1);
+        StaffBox.Line(x - 1, y - kBeamGap, x - 1 - kStub, y - kBeamGap);
         break;
     case kEighthFlag:
     case kDottedEighthFlag:
-        Glyph(x, y - 18, kEighthFlagGlyph);
+        Glyph(x, y - kFlagRise, kEighthFlagGlyph);
         break;
     case kMainBeam:
     case kDottedMainBeam:
-        StaffBox.Line(x, y, start, y);
+        MainBeam(x);
         break;
     case kForwardStub:
-        StaffBox.Line(x, y - 3, x + 5, y - 3);
+        ForwardStub();
         break;
     case kMainBeamForwardStub:
-        StaffBox.Line(x, y, start, y);
-        StaffBox.Line(x, y - 3, x + 5, y - 3);
+        MainBeam(x);
+        ForwardStub();
         break;
     default:
         break;
     }
+}
+
+void MeasureView::MainBeam(double x)
+{
+    StaffBox.Line(x, StemBaseY(), beamStartX + kStemX - 1, StemBaseY());
+}
+
+void MeasureView::ForwardStub()
+{
+    const int y = StemBaseY() - kBeamGap;
+    StaffBox.Line(noteX, y, noteX + kStub, y);
 }
 
 /// The first of the three draws the bracket. The bracket of quarters has a length of its own.
@@ -319,23 +401,25 @@ void MeasureView::CountTriplet(int code)
     tripletCount = (tripletCount + 1) % 3;
 }
 
-/// Where the bracket of a triplet of short notes ends: behind the next note but one, or at a fixed
-/// distance when that note lies in another measure.
+/// Where the bracket of a triplet of short notes ends: behind the next note but one, as the
+/// previous redraw placed it (docs/kept_behaviour.md, "The measure view"), or at a fixed distance
+/// when that note lies in another measure.
 double MeasureView::TripletEnd()
 {
     const int last = tune[tune.CurNote + 2].XPos;
-    return last > tune[tune.CurNote].XPos ? last + 6 : noteX + 27;
+    return last > tune[tune.CurNote].XPos ? last + kCharWidth : noteX + 27;
 }
 
+/// Two hooks with a line between them that leaves a gap, one character wide, for the 3.
 void MeasureView::DrawTripletBracket(bool longForm, double farEnd)
 {
-    const int left = noteX - 3;
+    const int left = noteX - kStemX;
     const int top = StemBaseY() + 2;
     const int bottom = StemBaseY() + 6;
     const int gap = noteX + (longForm ? 15 : 9);
     StaffBox.Line(left, top, left, bottom);
     StaffBox.Line(left, bottom, gap, bottom);
-    StaffBox.Line(gap + 6, bottom, farEnd, bottom);
+    StaffBox.Line(gap + kCharWidth, bottom, farEnd, bottom);
     StaffBox.Line(farEnd, top, farEnd, bottom);
     StaffBox.PrintLineAt(gap + 1, StemBaseY() + 3, "3");
 }
@@ -361,11 +445,10 @@ void MeasureView::ThinBar(double x)
 
 void MeasureView::RepeatDots(double x)
 {
-    const int upper = tune.NumStrings == 4 ? 43 : 47;
-    const int lower = tune.NumStrings == 4 ? 56 : tune.NumStrings == 5 ? 65 : 67;
+    const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     StaffBox.FillSolid = true;
-    StaffBox.Circle(x, upper, 2);
-    StaffBox.Circle(x, lower, 2);
+    StaffBox.Circle(x, sizes.UpperDotY, 2);
+    StaffBox.Circle(x, sizes.LowerDotY, 2);
 }
 
 void MeasureView::DrawBar(std::string_view barCode, bool closingBar)
@@ -374,23 +457,23 @@ void MeasureView::DrawBar(std::string_view barCode, bool closingBar)
         ThinBar(EndBarX);
     } else if (barCode == kRepeatEnd || barCode == kDoubleBar) {
         ThickBar(EndBarX);
-        ThinBar(EndBarX - 3);
+        ThinBar(EndBarX - kEndThinGap);
         if (barCode == kRepeatEnd)
-            RepeatDots(EndBarX - 7);
+            RepeatDots(EndBarX - kEndDotsGap);
     } else if (barCode == kRepeatStart || barCode == kBeginDoubleBar || barCode == kPlainBar) {
-        ThickBar(23);
-        ThinBar(27);
+        ThickBar(kStartBarX);
+        ThinBar(kStartThinX);
         if (closingBar)
             ThinBar(EndBarX);
         if (barCode == kRepeatStart)
-            RepeatDots(32);
+            RepeatDots(kStartDotsX);
     }
 }
 
 void MeasureView::DrawBracket()
 {
-    StaffBox.Line(6, 30, 6, 6);
-    StaffBox.Line(6, 6, EndBarX, 6);
+    StaffBox.Line(kBracketX, 30, kBracketX, kBracketY);
+    StaffBox.Line(kBracketX, kBracketY, EndBarX, kBracketY);
 }
 
 void MeasureView::DrawSign(std::string_view signCode)

@@ -7,7 +7,6 @@
 
 #pragma once
 
-#include "notation/beam_pass.h"
 #include "notation/draw_surface.h"
 #include "store/main_form.h"
 #include "store/page_settings.h"
@@ -18,6 +17,7 @@ namespace quillon {
 constexpr double kStaffBoxWidth = 360;
 constexpr double kStaffBoxHeight = 150;
 constexpr int kBarTopY = 36;
+constexpr int kCharWidth = 6;  // points: a character of fret text, and the unit of Spacing
 
 class MeasureView {
 public:
@@ -26,7 +26,6 @@ public:
 
     DrawSurface StaffBox;
     Int16 EndBarX;  // x of the closing bar
-    BeamPass Beam;
 
     void RedrawMeasure();
 
@@ -44,12 +43,20 @@ private:
     void DrawRemark();
     void BeamAndPlace();
     void DrawNote();
+    void MoveSlash(NoteRecord& note);
     void DrawCell(int s);
+    int EndOf(const std::string& text) const;
+    void DrawSlash();
+    void DrawTie(const std::string& text, double y);
+    void DrawBend(char mark, int place, double y);
     void DrawCellText(const std::string& text, double y);
     void DrawConnected(const std::string& text, std::size_t mark, double y);
     void DrawStemless();
+    void DrawBlockRest(double y);
     void DrawStem(int lowestString);
     void DrawBeam();
+    void MainBeam(double x);
+    void ForwardStub();
     void CountTriplet(int code);
     void DrawTripletBracket(bool longForm, double farEnd);
     double TripletEnd();

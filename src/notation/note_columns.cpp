@@ -1,6 +1,7 @@
 #include "notation/note_columns.h"
 
 #include "notation/signs.h"
+#include "notation/staff_sizes.h"
 
 #include <algorithm>
 
@@ -8,15 +9,38 @@ namespace quillon {
 
 namespace {
 
+// Where things stand on the page, in twips.
+constexpr int kStemInset = 40;  // from the x of its column
+constexpr int kStemRise = 100;  // above the line under the lowest fret
+constexpr int kFlagRise = 140;  // above the lowest staff gap of the stem
+constexpr int kSecondBeamRise = 50;
+constexpr int kForwardStubRise = 80;
+constexpr int kDotRadius = 20;
+
+// Symbols among the frets, above the place of a fret
+constexpr int kSlashRise = 100;
+constexpr int kSmallSlashRise = 40;
+constexpr int kDashRise = 70;  // "-"
+constexpr int kBowRise = 80;   // "="
+constexpr int kSlideRise = 200;
+
+// Under the end of the stems
+constexpr int kBracketTop = 10;  // of a triplet
+constexpr int kBracketBottom = 100;
+constexpr int kBracketGap = 120;  // for the 3, and how far the bracket runs past the last note
+constexpr int kLeftHandDrop = 20;
+constexpr int kLeftHandUnderBracket = 140;
+
+/// Where the beams of a note begin: a twip left of its stem.
+int BeamEnd(int columnX)
+{
+    return columnX + kStemInset - 1;
+}
+
 /// Ticks that only have to find the beats of beamed notes: the long ones add nothing.
 int BeamTicks(int noteCode)
 {
     return noteCode >= kHalf && noteCode <= kWhole ? 0 : TicksOf(noteCode);
-}
-
-int Length(const std::string& text)
-{
-    return static_cast<int>(text.size());
 }
 
 }  // namespace
@@ -86,7 +110,7 @@ void NoteColumns::DrawSlash(int s)
 {
     Surface().Font.Name = kTabFont;
     const bool small = Surface().Font.Size == line.page.BodyFontSize - 2;
-    Surface().CurrentY = FretY(s) - (small ? 40 : 100);
+    Surface().CurrentY = FretY(s) - (small ? kSmallSlashRise : kSlashRise);
     line.PrintSymbol("/");
 }
 
@@ -103,7 +127,8 @@ void NoteColumns::DrawFret(int n, int s)
     const std::size_t slide = text.find(mark);
     const bool isSlide = slide != std::string::npos;
 
-    // The mark is expected last: wherever it stands, the last character goes.
+    // The mark is expected last: wherever it stands, the last character goes
+    // (docs/kept_behaviour.md, "Pages and paper").
     std::string shown = text;
     if (tie || isSlide)
         shown.pop_back();
@@ -133,7 +158,7 @@ void NoteColumns::DrawTieIn(int n, int s)
 void NoteColumns::PrintFret(const std::string& text, bool connected)
 {
     std::size_t mark = text.find('-');
-    const int raise = mark != std::string::npos ? 70 : 80;
+    const int raise = mark != std::string::npos ? kDashRise : kBowRise;
     if (mark == std::string::npos)
         mark = text.find('=');
     if (!connected || mark == std::string::npos) {
@@ -156,14 +181,14 @@ void NoteColumns::DrawDot(int n, const std::string& text)
     const double x =
         columns[n].XPos + Surface().TextWidth(text) + IntegerDivide(Surface().TextWidth("5"), 2);
     Surface().FillSolid = true;
-    Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), 20);
+    Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), kDotRadius);
 }
 
 void NoteColumns::PrintSlide(int n, int s, char mark, std::size_t place)
 {
     Surface().CurrentX = columns[n].XPos + values.CharUnit * static_cast<int>(place);
     Surface().Font.Size = line.page.BodyFontSize - 2;
-    Surface().CurrentY = mark == '<' ? FretY(s) : FretY(s) - 200;
+    Surface().CurrentY = mark == '<' ? FretY(s) : FretY(s) - kSlideRise;
     line.PrintSymbol({&mark, 1});
     UseBodyFont();
 }
@@ -201,7 +226,7 @@ void NoteColumns::PrintRest(const NoteRecord& column)
 {
     const int code = column.NoteCode;
     Surface().CurrentX = column.XPos;
-    Surface().CurrentY = line.PenY + (line.tune.NumStrings < 5 ? 0 : 140);
+    Surface().CurrentY = line.PenY + SizesOf(line.tune.NumStrings).Page.RestDrop;
     Surface().Font.Size = line.page.BodyFontSize + 2;
     if (code <= kQuarterRest)
         line.PrintSymbol(RestGlyph(code));
@@ -224,8 +249,8 @@ void NoteColumns::DrawStem(const NoteRecord& column)
 {
     if (column.NoteCode >= kWhole || StemString == 0)
         return;
-    StemX = column.XPos + 40;
-    Surface().Line(StemX, line.StringY(StemString + 1) - 100, StemX, StemEnd);
+    StemX = column.XPos + kStemInset;
+    Surface().Line(StemX, line.StringY(StemString + 1) - kStemRise, StemX, StemEnd);
 }
 
 void NoteColumns::StartBeams(const NoteRecord& column)
@@ -248,11 +273,11 @@ void NoteColumns::DrawBeams(int n)
         break;
     case kBothBeams:
         MainBeam();
-        BeamToStem(Beam2StartX + 39, StemEnd - 50);
+        SecondBeam(BeamEnd(Beam2StartX));
         break;
     case kBackStub:
         MainBeam();
-        BeamToStem(StemX - IntegerDivide(StemX - (columns[n - 1].XPos + 39), 2), StemEnd - 50);
+        SecondBeam(StemX - IntegerDivide(StemX - BeamEnd(columns[n - 1].XPos), 2));
         break;
     case kEighthFlag:
     case kDottedEighthFlag:
@@ -276,14 +301,19 @@ void NoteColumns::DrawBeams(int n)
 
 void NoteColumns::PrintFlag(const NoteRecord& column, std::string_view glyph)
 {
-    Surface().CurrentX = column.XPos + 40;
-    Surface().CurrentY = StemEnd - values.StringGap - 140;
+    Surface().CurrentX = column.XPos + kStemInset;
+    Surface().CurrentY = StemEnd - values.StringGap - kFlagRise;
     line.PrintSymbol(glyph);
 }
 
 void NoteColumns::MainBeam()
 {
-    BeamToStem(BeamStartX + 39, StemEnd);
+    BeamToStem(BeamEnd(BeamStartX), StemEnd);
+}
+
+void NoteColumns::SecondBeam(int x)
+{
+    BeamToStem(x, StemEnd - kSecondBeamRise);
 }
 
 void NoteColumns::BeamToStem(int x, double y)
@@ -297,7 +327,8 @@ void NoteColumns::ForwardStub(int n)
 {
     const int half = IntegerDivide(columns[n + 1].XPos - StemX, 2);
     Surface().DrawWidth = values.Pens.ForwardStub;
-    Surface().Line(StemX, StemEnd - 80, StemX + half, StemEnd - 80);
+    const double y = StemEnd - kForwardStubRise;
+    Surface().Line(StemX, y, StemX + half, y);
     Surface().DrawWidth = 1;
 }
 
@@ -310,18 +341,19 @@ void NoteColumns::PrintRightHand(const NoteRecord& column)
 }
 
 /// The bracket of the group that column n opens. Where the line ends before the group does, the
-/// bracket runs back to the left, as the free column's x is 0.
+/// bracket runs back to the left, as the free column's x is 0: docs/kept_behaviour.md, "Pages and
+/// paper".
 void NoteColumns::DrawTriplet(int n)
 {
     const int start = columns[n].XPos;
     const int third = columns[n + 2].XPos;
     const double middle = start + (third - start) / 2.0;
-    const int end = third + 120;
-    const double top = StemEnd + 10;
-    const double bottom = StemEnd + 100;
+    const int end = third + kBracketGap;
+    const double top = StemEnd + kBracketTop;
+    const double bottom = StemEnd + kBracketBottom;
     Surface().Line(start, top, start, bottom);
     Surface().Line(start, bottom, middle, bottom);
-    Surface().Line(middle + 120, bottom, end, bottom);
+    Surface().Line(middle + kBracketGap, bottom, end, bottom);
     Surface().Line(end, top, end, bottom);
     Surface().PrintLineAt(middle, StemEnd - 10, "3");
     LineReaches(StemEnd - 10);
@@ -332,7 +364,7 @@ void NoteColumns::PrintLeftHand(const NoteRecord& column)
 {
     if (!IsHandMark(column.LeftHand))
         return;
-    const double y = StemEnd + (TripletCount > 0 ? 140 : 20);
+    const double y = StemEnd + (TripletCount > 0 ? kLeftHandUnderBracket : kLeftHandDrop);
     LineReaches(y);
     Surface().PrintLineAt(column.XPos + 1, y, {&column.LeftHand, 1});
 }

@@ -40,6 +40,7 @@ private:
     void DrawBeams(int n);
     void PrintFlag(const NoteRecord& column, std::string_view glyph);
     void MainBeam();
+    void SecondBeam(int x);
     void BeamToStem(int x, double y);
     void ForwardStub(int n);
     void PrintRightHand(const NoteRecord& column);

@@ -1,6 +1,7 @@
 #include "notation/page_layout.h"
 
 #include "notation/line_furniture.h"
+#include "notation/staff_sizes.h"
 #include "store/signs.h"
 
 #include <algorithm>
@@ -10,15 +11,21 @@ namespace quillon {
 
 namespace {
 
-constexpr int kWidestUnit = 150;  // a short line stays short
-constexpr int kHeadWidth = 2;     // width units
-constexpr int kNarrowestEnd = 4;  // width units of a line's last column, at least
-constexpr int kNearLineEnd = 9000;
+constexpr int kWidestUnit = 150;        // a short line stays short
+constexpr int kHeadWidth = 2;           // width units
+constexpr int kNarrowestEnd = 4;        // width units of a line's last column, at least
+constexpr int kFirstColumnInset = 120;  // twips from the left edge
 
-int Length(const std::string& text)
-{
-    return static_cast<int>(text.size());
-}
+// A staff that ends before the right margin: behind which x it does not, in twips, and how far it
+// runs on behind its last column, in width units
+constexpr int kNearLineEnd = 9000;
+constexpr int kRoomBehindTune = 6;
+constexpr int kRoomBehindLongRest = 12;
+
+// The screen's page, in twips
+constexpr int kScreenLeft = 400;
+constexpr int kScreenRight = 800;  // from the right edge
+constexpr int kScreenTop = 600;
 
 bool IsEndBar(std::string_view barCode)
 {
@@ -79,9 +86,10 @@ void PageFormatter::PrintTitle()
     DrawSurface& surface = *line.surface;
     const std::string& title = tune[0].ChordText;
     surface.Font = {page.TitleFontName, page.TitleFontSize, false};
-    surface.CurrentX = line.values.CenterTitle
-                           ? IntegerDivide(surface.Width - surface.TextWidth(title), 2) - 360
-                           : line.values.LineLeft;
+    surface.CurrentX =
+        line.values.CenterTitle
+            ? IntegerDivide(surface.Width - surface.TextWidth(title), 2) - kQuarterInch
+            : line.values.LineLeft;
     surface.PrintLine(title);
 }
 
@@ -272,17 +280,18 @@ void PageFormatter::SpreadLine()
     int& unit = line.UnitSpacing;
     line.Attempt([&] { unit = IntegerDivide(lineWidth, last.Reserved); });
     unit = std::min(unit, kWidestUnit);
-    line.Attempt([&] { columns[1].XPos = line.values.LineLeft + 120; });
+    line.Attempt([&] { columns[1].XPos = line.values.LineLeft + kFirstColumnInset; });
     for (int n = 2; n <= line.k; ++n)
         line.Attempt(
             [&] { columns[n].XPos = columns[n - 1].XPos + unit * columns[n - 1].Spacing; });
 
     // A tune of one line, and a line that ends in a long rest, have a staff that ends there. The
-    // column count is compared with the record's index on purpose: it is equal in a one-line tune.
+    // column count is compared with the record's index on purpose (docs/kept_behaviour.md, "Pages
+    // and paper"): it is equal in a one-line tune.
     if (last.XPos < kNearLineEnd && line.k == tune.LastNote)
-        line.Attempt([&] { line.LineRight = last.XPos + 6 * unit; });
+        line.Attempt([&] { line.LineRight = last.XPos + kRoomBehindTune * unit; });
     if ((last.NoteCode == kHalfRest || last.NoteCode == kWholeRest) && last.XPos < kNearLineEnd)
-        line.Attempt([&] { line.LineRight = last.XPos + 12 * unit; });
+        line.Attempt([&] { line.LineRight = last.XPos + kRoomBehindLongRest * unit; });
 }
 
 void PageFormatter::FinishLine(int lastRecord)
@@ -291,7 +300,7 @@ void PageFormatter::FinishLine(int lastRecord)
     line.surface->PrintLine(line.columns[line.k + 1].Slot(6));
     line.columns[0].Beats = tune[lastRecord].Beats;
     line.columns[0].BeatUnit = tune[lastRecord].BeatUnit;
-    const double pageLimit = line.surface->Height - (tune.NumStrings == 6 ? 3140 : 2840);
+    const double pageLimit = line.surface->Height - SizesOf(tune.NumStrings).Page.LineRoom;
     if (line.PenY > pageLimit) {
         line.LineBottom = 0;
         line.PenY = line.values.TitleY;
@@ -313,9 +322,9 @@ std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageV
     };
     DrawSurface& first = begin(0);
     LayoutValues values;
-    values.LineLeft = 400;
-    values.LineRight = Round(first.Width - 800);
-    values.TitleY = 600;
+    values.LineLeft = kScreenLeft;
+    values.LineRight = Round(first.Width - kScreenRight);
+    values.TitleY = kScreenTop;
     PageFormatter formatter(tune, page, values, first, [&]() -> DrawSurface& {
         ++pageIndex;
         pages.PageMax = pageIndex;

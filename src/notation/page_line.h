@@ -14,6 +14,7 @@
 namespace quillon {
 
 constexpr int kLastColumn = 80;
+constexpr int kQuarterInch = 360;
 
 /// The columns of one line, 1 to 80, as copies of the tune's records; a head is a column too. Slot
 /// 0 only bears the time signature in force before the line. Three fields have a meaning of their

@@ -20,7 +20,7 @@ float Twips(float inches)
 LayoutValues PrinterValues(PageSettings& page, double width)
 {
     LayoutValues values;
-    values.LineLeft = Round(Twips(page.PageLeft) - 360);
+    values.LineLeft = Round(Twips(page.PageLeft) - kQuarterInch);
     values.LineRight = Round(width - Twips(page.PageRight));
     values.TitleY = Round(Twips(page.PageTop));
     if (page.BodyFontSize != 8 && page.BodyFontSize != 10)

@@ -202,7 +202,7 @@ void MainWin::mnuNew()
     tune[1].BeatUnit = 4;
     form.lblMeasNum = std::to_string(tune.CurMeas);
     form.lblLastNote = std::to_string(tune.LastNote);
-    editor.SetToolbarValue(7);
+    editor.SetToolbarValue(kQuarter);
     editor.SetFocus(Control::StaffBox);
 }
 
@@ -304,7 +304,7 @@ void MainWin::IncompatibleFile()
     platform.dialogs.Message(Icon::Stop, "", kIncompatible);
     view.ClearStaff();
     ResetTuneState(tune.NumStrings * 10 + 24);
-    editor.SetToolbarValue(7);
+    editor.SetToolbarValue(kQuarter);
     throw Fault(Error::ObjectRequired);
 }
 

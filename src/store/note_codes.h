@@ -8,6 +8,7 @@
 namespace quillon {
 
 constexpr int kTicksPerQuarter = 12;
+constexpr int kTicksPerEighth = kTicksPerQuarter / 2;
 
 // Notes, and the buttons of Toolbar1. Behind each its ticks.
 constexpr int kTripletSixteenth = 1;  // 2
@@ -64,13 +65,13 @@ constexpr bool HasDot(int beamCode)
 /// Ticks of one beat. Any lower figure of a time signature but 4 counts as 8.
 constexpr int TicksPerBeat(int beatUnit)
 {
-    return beatUnit == 4 ? kTicksPerQuarter : kTicksPerQuarter / 2;
+    return beatUnit == 4 ? kTicksPerQuarter : kTicksPerEighth;
 }
 
 /// Ticks after which beams start anew: a quarter in simple time, a dotted quarter in compound time.
 constexpr int TicksPerBeamGroup(int beatUnit)
 {
-    return beatUnit == 4 ? 12 : 18;
+    return beatUnit == 4 ? kTicksPerQuarter : 3 * kTicksPerEighth;
 }
 
 constexpr bool IsNoteValue(int value)

@@ -74,6 +74,12 @@ private:
     }
 };
 
+/// How many characters a text has; each byte is one.
+constexpr int Length(std::string_view text)
+{
+    return static_cast<int>(text.size());
+}
+
 /// What a one-character field keeps of a text: its first character, a blank of an empty one.
 char OneCharacter(std::string_view text);
 
