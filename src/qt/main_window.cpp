@@ -57,6 +57,18 @@ std::string DroppedTune(const QDropEvent& event)
     return {};
 }
 
+bool IsShortcut(const QKeyEvent& key)
+{
+    const QString keys = QKeySequence(key.keyCombination()).toString();
+    return FindShortcut(keys.toStdString()) != nullptr;
+}
+
+/// The toolkit lets arrows walk from button to button.
+bool IsArrow(const QKeyEvent& key)
+{
+    return key.key() >= Qt::Key_Left && key.key() <= Qt::Key_Down;
+}
+
 }  // namespace
 
 MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
@@ -78,6 +90,7 @@ MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
     ui->lblMeasNum->setFont(large);
     KeepWidth(ui->lblLastNote, "0000");
     KeepWidth(ui->hdbkbox, "Line Break");
+    Timer1.setObjectName("Timer1");
     Timer1.setInterval(kTimer1Milliseconds);
     menus = std::make_unique<MenuBar>(*ui->menuBar, win, runner);
     ConnectControls();
@@ -179,11 +192,15 @@ void MainWindow::EndUnasked()
     End();
 }
 
+// A menu bar that had the keys as the window lost them does not know whom to give them back to.
 void MainWindow::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow() && activated &&
-        otherForms.TakeWasActive())
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow() || !activated)
+        return;
+    if (focusWidget() == ui->menuBar)
+        ShowForm();
+    if (otherForms.TakeWasActive())
         runner.Run("Return to the main form", [this] { win.editor.Activate(); });
 }
 
@@ -257,12 +274,26 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
             runner.Run("Change of the focus", [&] { win.editor.SetFocus(control); });
     }
     // A menu's shortcut is the menu's, though a text box would take Ctrl+C.
-    if (watched == txtRptBracket && event->type() == QEvent::ShortcutOverride) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        const QString keys = QKeySequence(key->keyCombination()).toString();
-        return FindShortcut(keys.toStdString()) != nullptr;
-    }
+    if (event->type() == QEvent::ShortcutOverride && watched == txtRptBracket)
+        return IsShortcut(*static_cast<QKeyEvent*>(event));
+    if (event->type() == QEvent::KeyPress)
+        return KeyIsTaken(watched, *static_cast<QKeyEvent*>(event));
     return QMainWindow::eventFilter(watched, event);
+}
+
+/// Whether a key goes no further. A shortcut comes here while its command is off. What
+/// txtRptBracket leaves alone would go on to StaffBox, on which it lies, but is not meant for it.
+bool MainWindow::KeyIsTaken(const QObject* widget, QKeyEvent& key)
+{
+    if (widget == txtRptBracket) {
+        if (key.key() == Qt::Key_PageUp || key.key() == Qt::Key_PageDown)
+            keyPressEvent(&key);
+        else
+            txtRptBracket->event(&key);
+        key.accept();
+        return true;
+    }
+    return IsShortcut(key) || (qobject_cast<const QPushButton*>(widget) && IsArrow(key));
 }
 
 QWidget* MainWindow::WidgetOf(Control control) const
@@ -325,7 +356,8 @@ void MainWindow::ShowTools()
     SetText(txtRptBracket, win.form.txtRptBracket.Text);
 }
 
-/// What gets the focus must be there before, and what loses it may go only afterwards.
+/// What gets the focus must be there before, and what loses it may go only afterwards. A menu bar
+/// that is worked by keys keeps it while the cursor blinks.
 void MainWindow::ShowFocus()
 {
     const auto& bracket = win.form.txtRptBracket;
@@ -333,8 +365,9 @@ void MainWindow::ShowFocus()
         txtRptBracket->setEnabled(true);
         txtRptBracket->show();
     }
+    const bool changed = std::exchange(focusShown, win.form.Focus) != win.form.Focus;
     QWidget* widget = WidgetOf(win.form.Focus);
-    if (widget && focusWidget() != widget)
+    if (widget && focusWidget() != widget && (changed || !ui->menuBar->hasFocus()))
         widget->setFocus(Qt::OtherFocusReason);
 }
 

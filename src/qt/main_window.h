@@ -47,6 +47,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    bool KeyIsTaken(const QObject* widget, QKeyEvent& key);
     void ConnectControls();
     void FitStaff();
     void FirstActivate();
@@ -64,12 +65,13 @@ private:
     std::string commandLine;
     std::unique_ptr<Ui::MainWin> ui;
     QLineEdit* txtRptBracket;
-    QTimer Timer1;
+    QTimer Timer1{this};
     QTimer placeTimer;  // settings are written when they change, and the place when it rests
     std::unique_ptr<MenuBar> menus;
     OtherForms otherForms;
     bool activated = false;  // the first activation has been
     bool showing = false;    // ShowForm moves the focus, not the user
+    Control focusShown = Control::None;
     bool ended = false;
 };
 

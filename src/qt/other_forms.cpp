@@ -61,6 +61,8 @@ void OtherForms::Open(Form form)
     std::erase_if(forms, [](const auto& opened) { return !opened.second; });
     for (const auto& [opened, widget] : forms) {
         if (opened == form) {
+            if (auto* copyBox = dynamic_cast<CopyBox*>(widget.data()))
+                copyBox->StartAnew();
             widget->raise();
             widget->activateWindow();
             return;

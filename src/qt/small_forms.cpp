@@ -139,16 +139,18 @@ void CopyBox::Handle(const std::function<void()>& handler)
         close();
 }
 
+void CopyBox::StartAnew()
+{
+    ShowTexts();
+    Text1->setFocus();
+}
+
 void CopyBox::ShowTexts()
 {
-    const auto show = [](QLineEdit* box, const QString& text) {
-        if (box->text() == text)
-            return;
-        box->setText(text);
-        box->setCursorPosition(0);
-    };
-    show(Text1, ToUnicode(form.FrmCopyBox.Text1));
-    show(Text2, ToUnicode(form.FrmCopyBox.Text2));
+    Text1->setText(ToUnicode(form.FrmCopyBox.Text1));
+    Text2->setText(ToUnicode(form.FrmCopyBox.Text2));
+    Text1->setCursorPosition(0);
+    Text2->setCursorPosition(0);
 }
 
 bool CopyBox::event(QEvent* event)

@@ -42,6 +42,9 @@ class CopyBox : public QWidget {
 public:
     CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Runner& theRunner);
 
+    /// The command has come again while the form is there.
+    void StartAnew();
+
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

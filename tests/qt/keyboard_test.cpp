@@ -1,10 +1,14 @@
-// Typing on StaffBox: digits are frets on every keyboard, with and without the keypad's NumLock.
+// Keys: digits are frets on every keyboard, with and without the keypad's NumLock, and a key acts
+// in the control that has the focus, nowhere else.
 
 #include "window_desk.h"
 
 #include <QAction>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QScrollBar>
 
 using namespace quillon;
 
@@ -187,6 +191,106 @@ private slots:
         Core().editor.StaffBoxKeyPress(static_cast<char>(code));
         QCOMPARE(pressed, TuneBytes(Core().tune));
         QCOMPARE(note, int{Core().tune.CurNote});
+    }
+
+    void KeysInTheBracketBoxEndThere()
+    {
+        QTest::keyClicks(Staff(), "5");
+        QTest::keyClick(Staff(), Qt::Key_F7);
+        auto* bracket = Window().findChild<QLineEdit*>("txtRptBracket");
+        QTest::keyClicks(bracket, "1.");
+        Core().editor.Timer1();  // a key on the staff would take the caret off
+        for (int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Home, Qt::Key_End,
+                        Qt::Key_Escape, Qt::Key_F5, Qt::Key_Insert})
+            QTest::keyClick(bracket, Qt::Key(key));
+        QCOMPARE(int{Core().form.CaretOn}, -1);
+        QCOMPARE(int{Core().form.CursorY}, StringY(6));
+        auto* vsbPage = Window().findChild<QScrollBar*>("vsbPage");
+        QTest::keyClick(bracket, Qt::Key_PageDown);
+        QVERIFY(vsbPage->value() > 0);
+        QTest::keyClick(bracket, Qt::Key_PageUp);
+        QCOMPARE(vsbPage->value(), 0);
+        QCOMPARE(int{Core().form.CaretOn}, -1);
+        QTest::keyClick(bracket, Qt::Key_Return);
+        QCOMPARE(Core().tune[1].Slot(2), std::string("1."));
+        QVERIFY(Staff()->hasFocus());
+        QCOMPARE(int{Core().tune.LastMeas}, 0);  // the half-typed note is not committed
+        QCOMPARE(int{Core().tune.CurNote}, 2);
+    }
+
+    void ArrowsOnAButtonDoNothing()
+    {
+        for (const char* name : {"cmdNext", "cmdPrevious", "cmdRest", "cmdRefresh", "lblMeasNum"}) {
+            Button(name)->setFocus();
+            const Control control = Core().form.Focus;
+            for (int key : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down}) {
+                QTest::keyClick(Button(name), Qt::Key(key));
+                QVERIFY2(Button(name)->hasFocus(), name);
+                QCOMPARE(Core().form.Focus, control);
+            }
+        }
+        QCOMPARE(int{Core().tune.CurNote}, 2);
+    }
+
+    void AShortcutThatIsOffReachesNoKeyHandler()
+    {
+        QVERIFY(!Window().findChild<QAction*>("mnuPaste")->isEnabled());
+        Core().editor.Timer1();
+        QTest::simulateEvent(Staff(), true, Qt::Key_P, Qt::ControlModifier, "\x10", false);
+        QCOMPARE(int{Core().form.CaretOn}, -1);
+        QTest::simulateEvent(Staff(), true, Qt::Key_Y, Qt::ControlModifier, "\x19", false);
+        QCOMPARE(int{Core().form.CaretOn}, 0);  // a key that no handler knows takes it off
+    }
+
+    void EscapeClosesTheCopyBox()
+    {
+        TypeMeasure();
+        Window().findChild<QAction*>("mnuCopy")->trigger();
+        QTRY_VERIFY(FormNamed("Text1") && FormNamed("Text1")->hasFocus());
+        QTest::keyClicks(FormNamed("Text1"), "1");
+        QTest::keyClick(FormNamed("Text1"), Qt::Key_Escape);
+        QTRY_VERIFY(!FormNamed("FrmCopyBox"));
+        QTRY_VERIFY(Staff()->hasFocus());
+        QCOMPARE(Core().form.Focus, Control::StaffBox);
+        QVERIFY(!Core().form.mnuPasteEnabled);
+    }
+
+    void CopyAgainStartsTheOpenCopyBoxAnew()
+    {
+        auto* mnuCopy = Window().findChild<QAction*>("mnuCopy");
+        mnuCopy->trigger();
+        QTRY_VERIFY(FormNamed("Text1") && FormNamed("Text1")->hasFocus());
+        auto* Text1 = Window().findChild<QLineEdit*>("Text1");
+        QTest::keyClicks(Text1, "12");
+        QTest::keyClick(Text1, Qt::Key_Return);
+        QVERIFY(!Text1->hasFocus());
+        mnuCopy->trigger();
+        QVERIFY(Text1->hasFocus());
+        QTest::keyClicks(Text1, "3");
+        QCOMPARE(Text1->text(), QString("3 "));
+        QCOMPARE(Core().form.FrmCopyBox.Text1, std::string("3 "));
+        FormNamed("FrmCopyBox")->close();
+        QTRY_VERIFY(!FormNamed("FrmCopyBox"));
+    }
+
+    void TheMenuBarKeepsTheKeysWhileTheCursorBlinks()
+    {
+        Window().menuBar()->setFocus(Qt::MenuBarFocusReason);
+        program->runner.Run("Cursor", [this] { Core().editor.Timer1(); });
+        QVERIFY(Window().menuBar()->hasFocus());
+        QTest::keyClick(Window().menuBar(), Qt::Key_F7);  // a command that moves the focus
+        QVERIFY(FormNamed("txtRptBracket")->hasFocus());
+    }
+
+    void TheMenuBarGivesTheKeysBackWhenTheWindowIsActiveAgain()
+    {
+        Window().menuBar()->setFocus(Qt::MenuBarFocusReason);
+        QWidget other;
+        other.show();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        Window().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&Window()));
+        QTRY_VERIFY(Staff()->hasFocus());
     }
 };
 
