@@ -120,19 +120,33 @@ class Export(DiskTest):
         self.tune = self.home / "tune.gui"
         self.tune.write_bytes(long_tune())
 
-    def export(self, *arguments, tune=None, temporary=None, **more):
+    def command(self, *arguments, tune=None):
+        return [PROGRAMS / "quillon-export", "--tempo", "300", *arguments, tune or self.tune]
+
+    def environment(self, temporary=None):
+        own = {"TMPDIR": temporary or self.home, "XDG_RUNTIME_DIR": self.home}
+        return {**os.environ, **{name: str(value) for name, value in own.items()},
+                "SOURCE_DATE_EPOCH": "0"}
+
+    def export(self, *arguments, tune=None, temporary=None, before=(), **more):
         return subprocess.run(
-            [PROGRAMS / "quillon-export", "--tempo", "300", *arguments, tune or self.tune],
-            env={
-                **os.environ,
-                "TMPDIR": str(temporary or self.home),
-                "XDG_RUNTIME_DIR": str(self.home),
-            },
+            [*before, *self.command(*arguments, tune=tune)],
+            env=self.environment(temporary),
             stderr=subprocess.PIPE,
             text=True,
             check=False,
             **more,
         )
+
+    def made(self, form, tune=None):
+        """The bytes of the first file that is made in that form."""
+        folder = self.folder()
+        path, arguments = self.output(folder, form)
+        self.assertEqual(self.export(*arguments, tune=tune).returncode, 0)
+        return path.read_bytes()
+
+    def folder(self):
+        return pathlib.Path(tempfile.mkdtemp(dir=self.home))
 
     def output(self, folder, form):
         """A file in `folder` and the arguments that make it in that form."""
@@ -184,6 +198,149 @@ class Export(DiskTest):
                 last.mkdir()
                 self.assert_refused(self.export(*arguments), last, "Is a directory")
                 self.assertEqual(disk.names(), [last.name])
+
+    def test_a_full_disk_keeps_what_it_has(self):
+        disk = self.disk(1024)
+        shutil.copy(self.tune, disk.path / "out.gui")
+        for form in FORMS:
+            if form != "gui":
+                self.output(disk.path, form)[0].write_text("earlier")
+        for spare in 0, PAGE:
+            disk.fill(spare)
+            for form in FORMS:
+                with self.subTest(form, spare=spare):
+                    before = {name: (disk.path / name).read_bytes() for name in disk.names()}
+                    path, arguments = self.output(disk.path, form)
+                    tune = path if form == "gui" else self.tune  # the tune replaces itself
+                    done = self.export(*arguments, tune=tune)
+                    self.assertEqual(done.returncode, 1)
+                    self.assertIn("No space left on device", done.stderr)
+                    after = {name: (disk.path / name).read_bytes() for name in disk.names()}
+                    self.assertEqual(after, before)
+
+    def test_pages_replace_earlier_ones_all_or_none(self):
+        for form in ("svg", "png"):
+            with self.subTest(form):
+                disk = self.disk(1024)
+                path, arguments = self.output(disk.path, form)
+                self.assertEqual(self.export(*arguments).returncode, 0)
+                pages = disk.names()
+                for page in pages:
+                    (disk.path / page).write_text("earlier")
+                disk.fill(spare=PAGE * 12)  # more than one page, less than all
+                self.assertEqual(self.export(*arguments).returncode, 1)
+                self.assertEqual(disk.names(), pages)
+                for page in pages:
+                    self.assertEqual((disk.path / page).read_text(), "earlier")
+
+    def test_a_write_protected_target_stays(self):
+        powerless = ("setpriv", "--inh-caps=-all", "--bounding-set=-all")  # for whom it counts
+        for form in FORMS:
+            with self.subTest(form):
+                folder = self.folder()
+                path, arguments = self.output(folder, form)
+                path.write_text("earlier")
+                path.chmod(0o444)
+                done = self.export(*arguments, before=powerless)
+                self.assert_refused(done, path, "Permission denied")
+                self.assertEqual(path.read_text(), "earlier")
+                self.assertEqual(os.listdir(folder), [path.name])
+
+    def test_a_write_protected_tune_stays(self):
+        powerless = ("setpriv", "--inh-caps=-all", "--bounding-set=-all")
+        self.tune.chmod(0o444)
+        done = self.export("-o", self.tune, before=powerless)
+        self.assert_refused(done, self.tune, "Permission denied")
+        self.assertEqual(self.tune.read_bytes(), long_tune())
+
+    def test_a_replaced_file_keeps_its_mode(self):
+        for form in FORMS:
+            with self.subTest(form):
+                path, arguments = self.output(self.folder(), form)
+                path.touch()
+                path.chmod(0o640)
+                self.assertEqual(self.export(*arguments).returncode, 0)
+                self.assertGreater(path.stat().st_size, PAGE)
+                self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o640)
+
+    def test_two_runs_onto_one_output_do_not_mix(self):
+        for form, times in (("mid", 20), ("pdf", 5), ("wav", 3), ("print-log", 10)):
+            expected = [self.made(form, tune) for tune in (self.tune, TUNE)]
+            for _ in range(times):
+                folder = self.folder()
+                path, arguments = self.output(folder, form)
+                runs = [
+                    subprocess.Popen(
+                        self.command(*arguments, tune=tune),
+                        env=self.environment(), stderr=subprocess.DEVNULL,
+                    )
+                    for tune in (self.tune, TUNE)
+                ]
+                with self.subTest(form):
+                    self.assertEqual([run.wait() for run in runs], [0, 0])
+                    self.assertIn(path.read_bytes(), expected)
+                    self.assertEqual(os.listdir(folder), [path.name])
+
+    def test_links_that_lie_in_wait_lead_nowhere(self):
+        victim = self.home / "victim"
+        victim.write_text("earlier")
+        folder = self.folder()
+        (folder / "out.wav.part").symlink_to(victim)
+        self.assertEqual(self.export("-o", folder / "out.wav").returncode, 0)
+        self.assertTrue((folder / "out.wav").is_file())
+        # Its process id is that of the shell which it replaces.
+        lay_link = ("sh", "-c", f'ln -s {victim} "$TMPDIR/quillon-$$.wav"; exec "$@"', "sh")
+        done = self.export("-o", "-", "--format", "wav", before=lay_link,
+                           temporary=self.folder(), stdout=subprocess.DEVNULL)
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual(victim.read_text(), "earlier")
+
+    def test_a_pipe_and_a_device_take_every_form(self):
+        for form in FORMS:
+            with self.subTest(form):
+                folder = self.folder()
+                pipe, arguments = self.output(folder, form)
+                os.mkfifo(pipe)
+                received = self.home / "received"
+                with open(received, "wb") as file:
+                    reader = subprocess.Popen(["cat", pipe], stdout=file)
+                    done = self.export(*arguments)
+                    reader.wait(20)
+                self.assertEqual((done.stderr, done.returncode), ("", 0))
+                self.assertEqual(received.read_bytes(), self.made(form))
+                self.assertTrue(stat.S_ISFIFO(pipe.stat().st_mode))
+                kind = form.replace("gui", "tune")
+                done = self.export("-o", "/dev/null", "--format", kind)
+                self.assertEqual((done.stderr, done.returncode), ("", 0))
+                self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
+
+    def test_standard_output_may_be_named_as_a_device(self):
+        for form in FORMS:
+            if form in ("svg", "png"):
+                continue  # several files
+            with self.subTest(form):
+                arguments = ("-o", "/dev/stdout", "--format", form.replace("gui", "tune"))
+                with tempfile.TemporaryFile(dir=self.home) as file:
+                    done = self.export(*arguments, stdout=file)
+                    self.assertEqual((done.stderr, done.returncode), ("", 0))
+                    file.seek(0)
+                    self.assertEqual(file.read(), self.made(form))
+
+    def test_a_run_that_is_stopped_leaves_no_part_of_a_sound_file(self):
+        for end in signal.SIGINT, signal.SIGTERM:
+            with self.subTest(end.name):
+                folder = self.folder()
+                (folder / "out.wav").write_text("earlier")
+                run = subprocess.Popen(
+                    self.command("-o", folder / "out.wav", "--tempo", "30"),
+                    env=self.environment(), stderr=subprocess.DEVNULL,
+                )
+                while sum(path.stat().st_size for path in folder.iterdir()) < 100 * PAGE:
+                    time.sleep(0.01)
+                run.send_signal(end)
+                self.assertEqual(run.wait(20), -end)
+                self.assertEqual(os.listdir(folder), ["out.wav"])
+                self.assertEqual((folder / "out.wav").read_text(), "earlier")
 
     def test_a_protected_disk_keeps_what_it_has(self):
         disk = self.disk()
@@ -698,6 +855,8 @@ def main():
     if APART not in sys.argv:
         stay_apart()
     sys.argv.remove(APART)
+    for device in "/dev/full", "/dev/null":
+        mount("--bind", device, device)  # over a mount no file can be renamed, by mistake
     PROGRAMS = pathlib.Path(sys.argv.pop(1)).resolve()
     program = unittest.main(
         exit=False, testRunner=unittest.TextTestRunner(sys.stdout, resultclass=Result)

@@ -1,16 +1,16 @@
 // quillon-export: makes something else of tunes, see --help.
 
 #include "app/export_command.h"
+#include "app/export_output.h"
 #include "platform/renderer.h"
 #include "store/item_file.h"
+#include "store/staged_file.h"
 
-#include <cerrno>
+#include <csignal>
 #include <dlfcn.h>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
-#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -72,57 +72,6 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const std::stri
     return pages;
 }
 
-ExportError CannotWrite(const std::string& what, const std::error_code& reason,
-                        const char* whatToDo = "name another place with -o")
-{
-    return ExportError(what + " cannot be written: " + reason.message() + "; " + whatToDo);
-}
-
-/// Standard output, where nothing may be lost silently.
-void Say(const std::string& text)
-{
-    if (!(std::cout << text << std::flush))
-        throw CannotWrite("standard output", {errno, std::generic_category()},
-                          "send it to another place");
-}
-
-/// Never a device, nor a link: what a link such as /dev/stdout leads to.
-void RemoveFile(const std::string& path)
-{
-    std::error_code ignored;
-    const fs::path file = fs::canonical(path, ignored);
-    if (fs::is_regular_file(file, ignored))
-        fs::remove(file, ignored);
-}
-
-/// OUT for the first file, then -2, -3, ... before the dot.
-std::vector<std::string> FileNames(const std::string& output, std::size_t count)
-{
-    const fs::path path(output);
-    std::vector<std::string> names{output};
-    for (std::size_t number = 2; number <= count; ++number) {
-        const std::string name =
-            path.stem().string() + "-" + std::to_string(number) + path.extension().string();
-        names.push_back((path.parent_path() / name).string());
-    }
-    return names;
-}
-
-/// A result that is not whole is removed.
-void WriteFiles(const std::vector<std::string>& names, const std::vector<std::string>& files)
-{
-    std::size_t i = 0;
-    try {
-        for (; i < files.size(); ++i)
-            WriteFileBytes(names[i], files[i]);
-    } catch (const Fault&) {
-        const std::error_code reason(errno, std::generic_category());
-        for (std::size_t begun = 0; begun <= i; ++begun)
-            RemoveFile(names[begun]);
-        throw CannotWrite(names[i], reason);
-    }
-}
-
 void ShowProgress(double part)
 {
     constexpr int kBar = 40;
@@ -132,81 +81,52 @@ void ShowProgress(double part)
               << static_cast<int>(part * 100) << "%" << (part >= 1 ? "\r\x1b[K" : "") << std::flush;
 }
 
+// Sound takes seconds to render, with a large file under way. Who stops the command then stops the
+// rendering, so that the file is removed, and with it the command.
+
+volatile std::sig_atomic_t stopSignal = 0;
+
+struct Stopped {};
+
+void HeedStopSignals()
+{
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        struct sigaction action = {};
+        sigaction(signal, nullptr, &action);
+        if (action.sa_handler == SIG_IGN)
+            continue;  // as nohup wants it
+        action.sa_handler = [](int number) { stopSignal = number; };
+        sigaction(signal, &action, nullptr);
+    }
+}
+
 void WriteWav(const std::string& midiBytes, const std::string& output)
 {
-    try {
-        TheRenderer().Wav(midiBytes, output, isatty(STDERR_FILENO) ? ShowProgress : nullptr);
-    } catch (const std::system_error& failure) {
-        throw CannotWrite(output, failure.code());
-    }
+    HeedStopSignals();
+    const bool progress = isatty(STDERR_FILENO) != 0;
+    WriteRendered(output, [&](const std::string& path) {
+        TheRenderer().Wav(midiBytes, path, [&](double part) {
+            if (stopSignal != 0)
+                throw Stopped();
+            if (progress)
+                ShowProgress(part);
+        });
+    });
 }
 
-std::string WavBytes(const std::string& midiBytes)
-{
-    const std::string scratch =
-        (fs::temp_directory_path() / ("quillon-" + std::to_string(getpid()) + ".wav")).string();
-    WriteWav(midiBytes, scratch);
-    std::string wav = ReadFileBytes(scratch);
-    fs::remove(scratch);
-    return wav;
-}
-
-/// Whether a file can be put there by renaming it: not where a device or a pipe is.
-bool TakesARename(const std::string& output)
-{
-    std::error_code ignored;
-    const fs::file_status status = fs::symlink_status(output, ignored);
-    return output != "-" && (!fs::exists(status) || fs::is_regular_file(status));
-}
-
-/// What was made of a tune: one file, or one a page.
-void WriteResult(const ExportCommand& command, const std::vector<std::string>& names,
-                 std::vector<std::string> files)
-{
-    const std::string& output = names.front();
-    if (command.Format == "wav") {
-        if (TakesARename(output)) {
-            WriteWav(files.front(), output);
-            return;
-        }
-        files.front() = WavBytes(files.front());
-    }
-    if (output != "-") {
-        WriteFiles(names, files);
-        return;
-    }
-    for (const std::string& file : files)
-        Say(file);
-}
-
-/// Names of the files that have been written, each with its tune.
-using Written = std::map<std::string, std::string>;
-
-/// A tune is only written over by itself, as a tune.
-void RefuseToReplaceATune(const ExportCommand& command, const std::string& path,
-                          const std::string& output)
-{
-    std::error_code ignored;
-    for (const std::string& tune : command.Tunes)
-        if ((tune != path || command.Format != "tune") && fs::equivalent(tune, output, ignored))
-            throw ExportError(output + " is a tune to export; name another place with -o");
-}
-
-/// Writes over no file that is among those written.
 void Export(const ExportCommand& command, const std::string& path, const std::string& output,
-            Written& written)
+            FilesInUse& inUse)
 {
     const std::vector<std::string> files = MakeFiles(command, path);
-    const std::vector<std::string> names = FileNames(output, files.size());
-    for (const std::string& name : names) {
-        RefuseToReplaceATune(command, path, name);
-        if (const auto other = written.find(name); other != written.end())
-            throw ExportError(name + " has been made of " + other->second +
-                              "; export this tune into another folder");
-    }
-    WriteResult(command, names, files);
+    const std::vector<std::string> names = OutputNames(output, files.size());
     for (const std::string& name : names)
-        written[name] = path;
+        inUse.Refuse(name, path, command.Format == "tune");
+    if (command.Format == "wav")
+        WriteWav(files.front(), output);
+    else
+        WriteFiles(names, files);
+    for (const std::string& name : names)
+        inUse.Add(name, path);
 }
 
 /// Runs what is done with one tune. A failure is told on standard error.
@@ -239,7 +159,7 @@ bool ExportAll(const ExportCommand& command)
     const bool progress = isatty(STDERR_FILENO) != 0;
     std::error_code ignored;
     fs::create_directories(command.Output, ignored);
-    Written written;
+    FilesInUse inUse(command.Tunes);
     bool allDone = true;
     for (std::size_t i = 0; i < command.Tunes.size(); ++i) {
         const fs::path tune = command.Tunes[i];
@@ -249,8 +169,9 @@ bool ExportAll(const ExportCommand& command)
         const fs::path name = tune.stem().string() + ExtensionOf(command, tune);
         const std::string output = (fs::path(command.Output) / name).string();
         allDone =
-            Try(tune.string(), [&] { Export(command, tune.string(), output, written); }) && allDone;
+            Try(tune.string(), [&] { Export(command, tune.string(), output, inUse); }) && allDone;
     }
+    SyncFolder(command.Output);  // once for all tunes: a sync takes longer than a tune
     if (progress)
         std::cerr << "\r\x1b[K" << std::flush;
     return allDone;
@@ -304,8 +225,11 @@ bool OrderAll(const ExportCommand& command)
 bool ExportOne(const ExportCommand& command)
 {
     const std::string& path = command.Tunes.front();
-    Written none;
-    return Try(path, [&] { Export(command, path, command.Output, none); });
+    FilesInUse inUse(command.Tunes);
+    return Try(path, [&] {
+        Export(command, path, command.Output, inUse);
+        SyncFolder(fs::path(command.Output).parent_path());
+    });
 }
 
 bool WantsFolder(const ExportCommand& command)
@@ -344,5 +268,8 @@ int main(int argc, char** argv)
     } catch (const ExportError& failure) {
         std::cerr << "quillon-export: " << failure.what() << '\n';
         return 1;
+    } catch (const Stopped&) {
+        std::signal(stopSignal, SIG_DFL);
+        return std::raise(stopSignal);
     }
 }

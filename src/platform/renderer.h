@@ -26,8 +26,8 @@ public:
     virtual std::string Svg(const Drawing& page) const = 0;
     virtual std::string Png(const Drawing& page) const = 0;  // as the window shows it at 96 dpi
 
-    /// Writes a WAV file. `progress` hears the part done, 0..1. A std::runtime_error on failure,
-    /// which leaves no file.
+    /// Writes a WAV file at `path`. `progress` hears the part done, 0..1. A std::runtime_error on
+    /// failure, after which a part of it may be there.
     virtual void Wav(const std::string& midiBytes, const std::string& path,
                      const std::function<void(double)>& progress) const = 0;
 };

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <filesystem>
 #include <new>
 #include <stdexcept>
 #include <system_error>
@@ -227,10 +226,9 @@ void RenderWav(const std::string& midiBytes, const std::string& wavPath,
 {
     if (!IsMidiFile(midiBytes))
         throw std::runtime_error("The file is no MIDI file.");
-    const std::string aside = wavPath + ".part";
     const FluidPtr<fluid_settings_t> settings = MakeSettings();
     fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
-    fluid_settings_setstr(settings.get(), "audio.file.name", aside.c_str());
+    fluid_settings_setstr(settings.get(), "audio.file.name", wavPath.c_str());
     fluid_settings_setstr(settings.get(), "audio.file.type", "wav");
     fluid_settings_setstr(settings.get(), "audio.file.format", "s16");
     fluid_settings_setint(settings.get(), "audio.period-size", 64);
@@ -257,13 +255,8 @@ void RenderWav(const std::string& midiBytes, const std::string& wavPath,
         if (!written)
             failure = {errno, std::generic_category()};
     }
-    if (written)
-        std::filesystem::rename(aside, wavPath, failure);
-    if (!written || failure) {
-        std::error_code ignored;
-        std::filesystem::remove(aside, ignored);
+    if (!written)
         throw std::system_error(failure, "The sound file cannot be written");
-    }
 }
 
 }  // namespace quillon

@@ -78,8 +78,8 @@ private:
 };
 
 /// Renders a MIDI file as a 16-bit stereo WAV file, faster than real time. `progress` hears the
-/// part done, 0..1. A std::runtime_error with the reason if it cannot be done; no file is left
-/// then.
+/// part done, 0..1. A std::runtime_error with the reason if it cannot be done; what was written by
+/// then stays.
 void RenderWav(const std::string& midiBytes, const std::string& wavPath,
                const std::function<void(double)>& progress = {});
 

@@ -82,16 +82,6 @@ void SyncDescriptor(int descriptor)
         Fail(errno);
 }
 
-/// A failure changes nothing about the file, which has its new name already.
-void SyncFolder(const fs::path& folder)
-{
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    fsync(descriptor);
-    close(descriptor);
-}
-
 }  // namespace
 
 TemporaryFile::TemporaryFile(const fs::path& folder, unsigned mode)
@@ -144,7 +134,16 @@ void StagedFile::Sync()
 void StagedFile::TakePlace()
 {
     file.Rename(place);
-    SyncFolder(FolderOf(place));
+}
+
+void SyncFolder(const fs::path& folder)
+{
+    const int descriptor =
+        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
 }
 
 void ReplaceFile(const fs::path& path, std::string_view bytes, unsigned mode)
@@ -152,6 +151,7 @@ void ReplaceFile(const fs::path& path, std::string_view bytes, unsigned mode)
     StagedFile file(path, mode);
     file.Write(bytes);
     file.TakePlace();
+    SyncFolder(FolderOf(PlaceOf(path)));
 }
 
 bool IsStream(const fs::path& path)

@@ -51,7 +51,8 @@ public:
     void Write(std::string_view bytes);
     void Sync();
 
-    /// Replaces what is at its place.
+    /// Replaces what is at its place. After a power cut the old file or the new one is there; the
+    /// new one for sure once its folder has been synced.
     void TakePlace();
 
 private:
@@ -59,7 +60,10 @@ private:
     TemporaryFile file;
 };
 
-/// Replaces the file at `path`, or makes a new one. On failure all is as it was.
+/// Brings the names in a folder ("" is the current one) to the disk, as far as the system can.
+void SyncFolder(const std::filesystem::path& folder);
+
+/// Replaces the file at `path`, or makes a new one, for good. On failure all is as it was.
 void ReplaceFile(const std::filesystem::path& path, std::string_view bytes,
                  unsigned mode = kNewFileMode);
 
