@@ -183,14 +183,16 @@ ExportedTune Load(const ExportCommand& command, const std::string& path)
     return ExportedTune(path, command.Options, metrics);
 }
 
-/// "" of a file that cannot be read.
-std::string BytesOf(const std::string& path)
+/// What the bytes of a tune's file tell; nothing if it cannot be read.
+std::vector<Finding> CheckFile(const std::string& path)
 {
+    std::string bytes;
     try {
-        return ReadFileBytes(path);
+        bytes = ReadFileBytes(path);
     } catch (const Fault&) {
         return {};
     }
+    return CheckTexts(bytes);
 }
 
 /// Prints what is wrong with each tune. False when there is anything.
@@ -205,7 +207,7 @@ bool CheckAll(const ExportCommand& command)
         };
         // The texts come first: they are what most often makes a tune unreadable.
         const bool read = Try(path, [&] {
-            print(CheckTexts(BytesOf(path)));
+            print(CheckFile(path));
             print(Load(command, path).Check());
         });
         clean = clean && read;

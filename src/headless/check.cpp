@@ -238,6 +238,10 @@ std::string Finding::Text() const
 
 std::vector<Finding> CheckTexts(std::string_view fileBytes)
 {
+    if (fileBytes.empty())
+        return {
+            {0, "the file is empty"}
+        };
     std::vector<std::string_view> lines;
     while (!fileBytes.empty())
         lines.push_back(TakeLine(fileBytes));

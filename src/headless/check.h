@@ -28,8 +28,8 @@ struct Finding {
     std::string Text() const;
 };
 
-/// Texts with a double quote, found in the bytes of the tune's file: nothing escapes them there, so
-/// what was read of them is not what was written.
+/// What only the bytes of the tune's file tell: that there are none, and texts with a double quote.
+/// Nothing escapes those, so what was read of them is not what was written.
 std::vector<Finding> CheckTexts(std::string_view fileBytes);
 
 /// Records out of order, measures that do not add up to their time signature (the last may be

@@ -134,6 +134,11 @@ TEST_F(CheckTest, OtherCharactersAreNoMatter)
     EXPECT_EQ(FileTexts(), Lines());
 }
 
+TEST(CheckTexts, AnEmptyFileIsAFinding)
+{
+    EXPECT_EQ(Texts(CheckTexts("")), Lines{"the file is empty"});
+}
+
 TEST(CheckTexts, AFileThatEndsWithoutALineEndIsClean)
 {
     Tune tune;
