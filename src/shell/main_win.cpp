@@ -246,25 +246,29 @@ void MainWin::OpenTune(const std::function<std::optional<std::string>()>& choose
 
 bool MainWin::LoadTune()
 {
-    std::string bytes;
+    std::optional<std::string> bytes;  // none of a file that is too large for a tune
     try {
         bytes = ReadFileBytes(tune.FileName);
-    } catch (const Fault&) {
-        platform.dialogs.Message(Icon::Stop, "", "File Not Found");
-        return false;
+    } catch (const Fault& fault) {
+        if (fault.Number() != Error::Overflow) {
+            platform.dialogs.Message(Icon::Stop, "", "File Not Found");
+            return false;
+        }
     }
     ShowTune(std::move(bytes));
     return true;
 }
 
-void MainWin::ShowTune(std::string bytes)
+void MainWin::ShowTune(std::optional<std::string> bytes)
 {
     try {
         tune.Table.Clear();
         pages.BlankPages();
         pages.vsbPage = 0;
         platform.system.SetWaitCursor(true);
-        ItemReader reader(std::move(bytes));
+        if (!bytes)
+            throw Fault(Error::Overflow);
+        ItemReader reader(std::move(*bytes));
         ReadTune(reader, tune);
     } catch (const Fault&) {
         IncompatibleFile();

@@ -100,7 +100,7 @@ public:
 
     /// As above, from the bytes of a file. Bytes that are no tune: the box, then an
     /// object-required Fault.
-    void ShowTune(std::string bytes);
+    void ShowTune(std::optional<std::string> bytes);
 
 private:
     const TextMetrics& metrics;

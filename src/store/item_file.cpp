@@ -1,11 +1,14 @@
 #include "store/item_file.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
 namespace quillon {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 bool IsSeparator(char c)
 {
@@ -17,11 +20,13 @@ bool IsSeparator(char c)
 std::string ReadFileBytes(const std::string& path)
 {
     std::error_code ignored;
-    const auto status = std::filesystem::status(path, ignored);
-    if (!std::filesystem::exists(status))
-        throw Fault(Error::FileNotFound);
-    if (std::filesystem::is_directory(status))
+    const fs::file_status status = fs::status(path, ignored);
+    if (fs::is_directory(status))
         throw Fault(Error::PathFileAccess);
+    if (!fs::is_regular_file(status))
+        throw Fault(Error::FileNotFound);
+    if (fs::file_size(path, ignored) > kLargestFile)
+        throw Fault(Error::Overflow);
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw Fault(Error::PathFileAccess);
@@ -30,14 +35,21 @@ std::string ReadFileBytes(const std::string& path)
     do {
         file.read(block, sizeof block);
         bytes.append(block, static_cast<std::size_t>(file.gcount()));
-    } while (file);
+    } while (file && bytes.size() <= kLargestFile);
     if (file.bad())
         throw Fault(Error::PathFileAccess);
+    if (bytes.size() > kLargestFile)
+        throw Fault(Error::Overflow);  // it has grown, or hides its size
     return bytes;
 }
 
 void WriteFileBytes(const std::string& path, std::string_view bytes)
 {
+    std::error_code ignored;
+    if (fs::is_fifo(path, ignored)) {
+        errno = ENXIO;  // as of a pipe without a reader, for whom the program would wait
+        throw Fault(Error::PathFileAccess);
+    }
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();
@@ -48,7 +60,7 @@ void WriteFileBytes(const std::string& path, std::string_view bytes)
 void DeleteFile(const std::string& path)
 {
     std::error_code failure;
-    std::filesystem::remove(path, failure);
+    fs::remove(path, failure);
     if (failure)
         throw Fault(Error::PathFileAccess);
 }

@@ -8,18 +8,23 @@
 
 #include "store/numbers.h"
 
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
 namespace quillon {
 
-/// The bytes of a file. A file that is missing is a file-not-found Fault, one that cannot be read
-/// (a folder, no permission) a path/file-access Fault.
+/// A full table of long texts is some 100 KB: what is larger by far is no file of ours.
+constexpr std::uintmax_t kLargestFile = 64 * 1024 * 1024;
+
+/// The bytes of a file. A file that is missing is a file-not-found Fault, and so is a pipe or a
+/// device, where a reader might wait for ever. A file that cannot be read (a folder, no permission)
+/// is a path/file-access Fault, one that is too large an overflow.
 std::string ReadFileBytes(const std::string& path);
 
 /// Replaces the contents of a file, which is emptied first. A path/file-access Fault on failure;
-/// errno tells the reason.
+/// errno tells the reason. Nothing is written to a pipe.
 void WriteFileBytes(const std::string& path, std::string_view bytes);
 
 /// Deletes a file, if it is there. A path/file-access Fault on failure.

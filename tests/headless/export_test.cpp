@@ -78,6 +78,7 @@ TEST_F(ExportTest, OptionsBeatTheHeaderWhichBeatsTheDefaults)
 TEST_F(ExportTest, FailuresAreToldInTheBoxesWordsOnOneLine)
 {
     EXPECT_EQ(Failure("missing.gui"), "File Not Found");
+    EXPECT_EQ(Failure("/dev/zero"), "File Not Found");
     WriteFileBytes("broken.gui", "1");
     EXPECT_EQ(Failure("broken.gui"),
               "File is incompatible.  See the trouble shooting section in your manual for "

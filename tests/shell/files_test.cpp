@@ -2,6 +2,8 @@
 #include "support/desk.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <sys/stat.h>
 
 namespace quillon {
 namespace {
@@ -30,6 +32,11 @@ protected:
     {
         const std::string path = folder.Path("broken.gui");
         WriteFileBytes(path, bytes);
+        ExpectIncompatibleFile(path);
+    }
+
+    void ExpectIncompatibleFile(const std::string& path)
+    {
         dialogs.Shown.clear();
         EXPECT_FAULT(Open(path), ObjectRequired);
         ASSERT_EQ(dialogs.Shown.size(), 1U);
@@ -239,6 +246,22 @@ TEST_F(Files, AFileEndingAfterLine5OfARecordIsIncompatibleAndNoPartialTune)
     for (int line = 0; line < 9 + 5; ++line)
         end = bytes.find('\n', end) + 1;
     ExpectIncompatible(bytes.substr(0, end));
+}
+
+TEST_F(Files, AFileOfMoreThan64MegabytesIsIncompatible)
+{
+    const std::string path = WriteTune("tune.gui", 1);
+    std::filesystem::resize_file(path, (64 << 20) + 1);
+    ExpectIncompatibleFile(path);
+}
+
+TEST_F(Files, APipeIsNotFound)
+{
+    const std::string path = folder.Path("pipe.gui");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    Open(path);
+    ASSERT_EQ(dialogs.Shown.size(), 1U);
+    EXPECT_EQ(dialogs.Shown[0].Text, "File Not Found");
 }
 
 TEST_F(Files, AnIncompatibleFileBlanksTheViewWithTheFiguresInForceBeforeTheStateIsReset)

@@ -3,6 +3,7 @@
 #include "support/faults.h"
 #include "support/temporary_directory.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -153,6 +154,30 @@ TEST_F(FileBytes, AreNotFoundWhenMissing)
     EXPECT_FAULT(ReadFileBytes("missing"), FileNotFound);
     EXPECT_FAULT(ReadFileBytes(""), FileNotFound);
     EXPECT_FAULT(ReadFileBytes("missing/f"), FileNotFound);
+}
+
+TEST_F(FileBytes, OfAPipeOrADeviceAreNotFoundAtOnce)
+{
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    std::filesystem::create_symlink("pipe", "link");
+    for (const char* path : {"pipe", "link", "/dev/null", "/dev/zero"})
+        EXPECT_FAULT(ReadFileBytes(path), FileNotFound);
+}
+
+TEST_F(FileBytes, AreReadUpTo64MegabytesAndNotAByteFurther)
+{
+    WriteFileBytes("f", "");
+    std::filesystem::resize_file("f", 64 << 20);
+    EXPECT_EQ(ReadFileBytes("f").size(), 64U << 20);
+    std::filesystem::resize_file("f", (64 << 20) + 1);
+    EXPECT_FAULT(ReadFileBytes("f"), Overflow);
+}
+
+TEST_F(FileBytes, AreNotWrittenToAPipe)
+{
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    EXPECT_FAULT(WriteFileBytes("pipe", "x"), PathFileAccess);
+    EXPECT_EQ(errno, ENXIO);
 }
 
 TEST_F(FileBytes, ThatAreADirectoryAreAnAccessError)

@@ -4,6 +4,7 @@
 #include "support/temporary_directory.h"
 
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace quillon {
 namespace {
@@ -60,6 +61,12 @@ TEST_F(TuningsTest, ANumberBeyond16BitsReplacesTheFileToo)
 {
     WriteFileBytes("Strings5.tun", "\"Mine\",62,59,55,50,40000\r\n");
     EXPECT_EQ(LoadTunings("Strings5.tun", 5, tunings), 3);
+}
+
+TEST_F(TuningsTest, APipeInPlaceOfTheFileIsAnAccessErrorAtOnce)
+{
+    ASSERT_EQ(mkfifo("Strings5.tun", 0600), 0);
+    EXPECT_FAULT(LoadTunings("Strings5.tun", 5, tunings), PathFileAccess);
 }
 
 TEST_F(TuningsTest, TheListHolds51RowsAndA52ndIsASubscriptFault)
