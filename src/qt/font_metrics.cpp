@@ -9,9 +9,34 @@
 #include <QFontMetricsF>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace quillon {
+
+namespace {
+
+constexpr std::size_t kLongText = 2000;  // characters, more than stand on any line
+
+/// The widths of single characters in twips, measured when they are first asked for.
+class CharacterWidths {
+public:
+    explicit CharacterWidths(const QFont& font) : metrics(font) { widths.fill(-1); }
+
+    double operator()(char byte)
+    {
+        double& width = widths[static_cast<unsigned char>(byte)];
+        if (width < 0)
+            width = metrics.horizontalAdvance(ToUnicode({&byte, 1}));
+        return width;
+    }
+
+private:
+    QFontMetricsF metrics;
+    std::array<double, 256> widths;
+};
+
+}  // namespace
 
 void LoadNotationFont()
 {
@@ -46,9 +71,31 @@ QFont FontInTwips(const Typeface& typeface)
     return font;
 }
 
+std::string_view Beginning(std::string_view text, const QFont& font, double width)
+{
+    if (text.size() <= kLongText)
+        return text;
+    CharacterWidths widthOf(font);
+    std::size_t end = 0;
+    for (double sum = 0; end < text.size() && sum < width; ++end)
+        sum += widthOf(text[end]);
+    return text.substr(0, std::max(end, kLongText));
+}
+
+double WidthInTwips(std::string_view text, const QFont& font)
+{
+    if (text.size() <= kLongText)
+        return QFontMetricsF(font).horizontalAdvance(ToUnicode(text));
+    CharacterWidths widthOf(font);
+    double sum = 0;
+    for (const char byte : text)
+        sum += widthOf(byte);
+    return sum;
+}
+
 double FontMetrics::Width(std::string_view text, const Typeface& font) const
 {
-    return QFontMetricsF(FontInTwips(font)).horizontalAdvance(ToUnicode(text)) / kTwips;
+    return WidthInTwips(text, FontInTwips(font)) / kTwips;
 }
 
 double FontMetrics::LineHeight(const Typeface& font) const

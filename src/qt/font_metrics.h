@@ -9,6 +9,8 @@
 
 #include <QFont>
 
+#include <string_view>
+
 namespace quillon {
 
 /// Takes the notation font from the program's own font folder, or from the build tree's. A font
@@ -21,6 +23,13 @@ bool FontAvailable(const QString& name);
 
 /// The font for painting and measuring in twips. Sizes are held to 1..20000 twips.
 QFont FontInTwips(const Typeface& typeface);
+
+/// As much of a text's beginning as is surely `width` twips long, or all of it.
+std::string_view Beginning(std::string_view text, const QFont& font, double width);
+
+/// The width of a text in twips. That of a long one is the sum of its characters' widths: shaping
+/// it as a whole takes the toolkit seconds for a megabyte, and its numbers overflow.
+double WidthInTwips(std::string_view text, const QFont& font);
 
 class FontMetrics : public TextMetrics {
 public:

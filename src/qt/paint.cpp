@@ -124,14 +124,15 @@ private:
     {
         const QFont font = FontInTwips(op.TextFont);
         const QPointF baseline = From() + QPointF(0, QFontMetricsF(font).ascent());
+        const QString text = ToUnicode(Beginning(op.Text, font, 2 * kFarTwips));
         if (style.Outlines) {
             QPainterPath path;
-            path.addText(baseline, font, ToUnicode(op.Text));
+            path.addText(baseline, font, text);
             path.setFillRule(Qt::WindingFill);  // contours that overlap leave no holes
             painter.fillPath(path, Qt::black);
         } else {
             painter.setFont(font);
-            painter.drawText(baseline, ToUnicode(op.Text));
+            painter.drawText(baseline, text);
         }
     }
 

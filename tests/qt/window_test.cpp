@@ -1,5 +1,6 @@
 // The window: menus from their table, typing, stepping, going to a measure, sharp pictures.
 
+#include "qt/font_metrics.h"
 #include "qt/paint.h"
 #include "qt/small_forms.h"
 #include "qt/staff_view.h"
@@ -334,6 +335,41 @@ private slots:
             QPainter painter(&image);
             Paint(painter, drawing, {.UnitsPerPoint = 1, .Crisp = true, .Outlines = outlines});
         }
+    }
+
+    void LongTextsAreMeasuredByTheCharacter()
+    {
+        const Typeface font{"Arial", 12};
+        constexpr int kMegabyte = 1 << 20;
+        const double width = FontMetrics().Width(std::string(kMegabyte, 'x'), font);
+        QVERIFY(std::abs(width / kMegabyte / FontMetrics().Width("x", font) - 1) < 1e-6);
+    }
+
+    void OfALongTextTheBeginningIsPainted()
+    {
+        const auto picture = [](const std::string& text) {
+            Operation op;
+            op.Kind = Shape::Text;
+            op.X1 = -10000;
+            op.Text = text;
+            op.TextFont = {"Arial", 10};
+            Drawing drawing;
+            drawing.Add(op);
+            QImage image(400, 20, QImage::Format_RGB32);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            Paint(painter, drawing, {.UnitsPerPoint = 1});
+            return image;
+        };
+        QString pattern;
+        for (int i = 0; i < 1 << 20; ++i)
+            pattern += QChar(u'a' + i % 26);
+        const std::string text = pattern.toStdString();
+        QCOMPARE(picture(text), picture(text.substr(0, 40000)));
+        const std::string_view shown = Beginning(text, FontInTwips({"Arial", 10}), 1e6);
+        QVERIFY(shown.size() < 20000);
+        QVERIFY(WidthInTwips(shown, FontInTwips({"Arial", 10})) >= 1e6);
+        QVERIFY(Beginning("short", FontInTwips({"Arial", 10}), 1) == "short");
     }
 
     void ClipboardPictureIsInPixels()
