@@ -47,6 +47,15 @@ keeps_the_tune() {  # arguments that would write a page or another tune over thr
     ! "$export_program" "$@" 2> errors && grep -q " is a tune to export" errors &&
         cmp -s three.gui "$tune.whole"
 }
+takes_less_than_a_second() {  # arguments; the processor's time
+    local TIMEFORMAT=%U seconds
+    seconds=$({ time "$export_program" "$@" 2> errors; } 2>&1) && [[ $seconds = 0.* ]]
+}
+fails_at_once() {  # words, tune
+    timeout 5 "$export_program" "$2" --format mid -o never 2> errors
+    [ $? = 1 ] && grep -qF "quillon-export: $2: $1" errors && [ ! -e never ] &&
+        [ "$(timeout 5 "$export_program" --check "$2" 2> errors | wc -c)" = 0 ] && grep -qF "$1" errors
+}
 draws_a_page_more() { [ "$(grep -c '<svg ' "$1")" = 1 ] && ! cmp -s "$1" "$2"; }
 
 tune=$scratch/three.gui
@@ -79,6 +88,18 @@ check "SVG: control characters leave it well-formed" rsvg-convert -o control.png
 mkdir -p elsewhere && cp other.gui elsewhere/three.gui
 check "no page over its own tune" keeps_the_tune three.gui --format svg -o three.gui
 check "no tune over one that comes later" keeps_the_tune elsewhere/three.gui three.gui --format tune -o .
+echo -n > empty.gui
+check "an empty tune is a finding" test "$("$export_program" --check empty.gui)" = "empty.gui: the file is empty"
+{ printf '0,0,0\r\n0,4,4,4\r\n0,""," "," ","' && head -c 1000000 /dev/zero | tr '\0' '\351' &&
+    printf '"\r\n' && tail -n +4 three.gui; } > long.gui
+for form in pdf svg png mid tune page-log print-log measure-log; do
+    check "$form: a title of a megabyte" takes_less_than_a_second long.gui --format $form -o long
+done
+mkfifo pipe.gui
+truncate -s 64M large.gui && echo >> large.gui
+check "a pipe is no tune" fails_at_once "File Not Found" pipe.gui
+check "a device is no tune" fails_at_once "File Not Found" /dev/zero
+check "more than 64 MB are no tune" fails_at_once "File is incompatible" large.gui
 check "page 2 is another page" draws_a_page_more pages-2.svg pages.svg
 check "page 3 is another page" draws_a_page_more pages-3.svg pages-2.svg
 make a.b.svg
