@@ -15,12 +15,21 @@ constexpr int kSignatureX = 2;
 constexpr int kRemarkY = 4;
 constexpr int kTopRowY = 12;  // chords, signs, the text of a repeat bracket
 constexpr int kLineGap = 8;   // between two staff lines
+constexpr int kTextSize = 10;
+constexpr int kBendSize = 8;
 
 // The stem stands in the middle of a note's first character, and beams begin one point left of it.
 constexpr int kStemX = 3;
 constexpr int kFlagRise = 18;  // above the stem's lower end, as letters of the right hand
 constexpr int kBeamGap = 3;    // between main and second beam
 constexpr int kStub = 5;       // length of a stub of the second beam
+
+// Triplet brackets: how far behind the stem the gap for the 3 begins, and where they end. The long
+// one is that of quarters.
+constexpr int kTripletGapX = 9;
+constexpr int kLongTripletGapX = 15;
+constexpr int kTripletEndX = 27;
+constexpr int kLongTripletEndX = 39;
 
 // Bars: the thick line, then inwards the thin one and a repeat's dots. They stand a little further
 // apart at a measure's start.
@@ -33,6 +42,7 @@ constexpr int kEndDotsGap = 7;
 // The repeat bracket: its corner, and its text
 constexpr int kBracketX = 6;
 constexpr int kBracketY = 6;
+constexpr int kBracketHookY = 30;
 constexpr int kBracketTextX = 12;
 
 /// Top of the text on string s.
@@ -86,7 +96,7 @@ MeasureView::MeasureView(Tune& theTune, MainForm& mainForm, const PageSettings& 
     : StaffBox(textMetrics, kPoints, kStaffBoxWidth, kStaffBoxHeight), tune(theTune),
       form(mainForm), page(pageSettings), metrics(textMetrics)
 {
-    StaffBox.Font = {page.BodyFontName, 10, true};
+    StaffBox.Font = {page.BodyFontName, kTextSize, true};
 }
 
 void MeasureView::ClearStaff()
@@ -97,7 +107,7 @@ void MeasureView::ClearStaff()
     StaffBox.Font.Size = static_cast<float>(sizes.SignatureSize);
     StaffBox.PrintLineAt(kSignatureX, sizes.UpperFigureY, PrintedInteger(form.CurBeats));
     StaffBox.PrintLineAt(kSignatureX, sizes.LowerFigureY, PrintedInteger(form.CurBeatUnit));
-    StaffBox.Font.Size = 10;
+    StaffBox.Font.Size = kTextSize;
     UseBodyFont();
 }
 
@@ -128,12 +138,7 @@ void MeasureView::RedrawMeasure()
     for (tune.CurNote = form.MeasHead + 1; tune.CurNote <= form.MeasEnd; ++tune.CurNote)
         DrawNote();
 
-    DrawBar(head.BarCode, true);
-    if (!head.Slot(2).empty() || form.InputMode == kBracketMode) {
-        DrawBracket();
-        StaffBox.PrintLineAt(kBracketTextX, kTopRowY, head.Slot(2));
-    }
-    DrawSign(head.Slot(1));
+    DrawFurniture(head);
     // A short measure inside the tune counts as full for the entry of notes:
     // docs/kept_behaviour.md, "The measure view".
     if (form.InputMode == kFretMode && form.MeasFill < form.MeasCapacity &&
@@ -141,6 +146,16 @@ void MeasureView::RedrawMeasure()
         form.MeasFill = form.MeasCapacity;
     tune.CurNote = curNote;
     form.lblLastNote = std::to_string(tune.LastNote);
+}
+
+void MeasureView::DrawFurniture(const NoteRecord& head)
+{
+    DrawBar(head.BarCode, true);
+    if (!head.Slot(2).empty() || form.InputMode == kBracketMode) {
+        DrawBracket();
+        StaffBox.PrintLineAt(kBracketTextX, kTopRowY, head.Slot(2));
+    }
+    DrawSign(head.Slot(1));
 }
 
 void MeasureView::DeriveSpacing()
@@ -271,11 +286,11 @@ void MeasureView::DrawTie(const std::string& text, double y)
 void MeasureView::DrawBend(char mark, int place, double y)
 {
     UseFont(kTabFont);
-    StaffBox.Font.Size = 8;
+    StaffBox.Font.Size = kBendSize;
     StaffBox.PrintLineAt(tune[tune.CurNote].XPos + kCharWidth * place,
                          mark == '>' ? y - kLineGap : y, {&mark, 1});
     UseBodyFont();
-    StaffBox.Font.Size = 10;
+    StaffBox.Font.Size = kTextSize;
     StaffBox.Font.Bold = true;
 }
 
@@ -308,7 +323,7 @@ void MeasureView::DrawStemless()
     const int code = note.NoteCode;
     const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     UseFont(kTabFont);
-    StaffBox.Font.Size = 10;
+    StaffBox.Font.Size = kTextSize;
     StaffBox.CurrentY = sizes.RestY;
     StaffBox.CurrentX = note.XPos;
     if (code == kWholeRest)
@@ -396,8 +411,9 @@ void MeasureView::CountTriplet(int code)
         return;
     if (tripletCount == 0)
         DrawTripletBracket(code == kTripletQuarter,
-                           code == kTripletQuarter || code == kTripletQuarterRest ? noteX + 39
-                                                                                  : TripletEnd());
+                           code == kTripletQuarter || code == kTripletQuarterRest
+                               ? noteX + kLongTripletEndX
+                               : TripletEnd());
     tripletCount = (tripletCount + 1) % 3;
 }
 
@@ -407,7 +423,7 @@ void MeasureView::CountTriplet(int code)
 double MeasureView::TripletEnd()
 {
     const int last = tune[tune.CurNote + 2].XPos;
-    return last > tune[tune.CurNote].XPos ? last + kCharWidth : noteX + 27;
+    return last > tune[tune.CurNote].XPos ? last + kCharWidth : noteX + kTripletEndX;
 }
 
 /// Two hooks with a line between them that leaves a gap, one character wide, for the 3.
@@ -416,7 +432,7 @@ void MeasureView::DrawTripletBracket(bool longForm, double farEnd)
     const int left = noteX - kStemX;
     const int top = StemBaseY() + 2;
     const int bottom = StemBaseY() + 6;
-    const int gap = noteX + (longForm ? 15 : 9);
+    const int gap = noteX + (longForm ? kLongTripletGapX : kTripletGapX);
     StaffBox.Line(left, top, left, bottom);
     StaffBox.Line(left, bottom, gap, bottom);
     StaffBox.Line(gap + kCharWidth, bottom, farEnd, bottom);
@@ -472,7 +488,7 @@ void MeasureView::DrawBar(std::string_view barCode, bool closingBar)
 
 void MeasureView::DrawBracket()
 {
-    StaffBox.Line(kBracketX, 30, kBracketX, kBracketY);
+    StaffBox.Line(kBracketX, kBracketHookY, kBracketX, kBracketY);
     StaffBox.Line(kBracketX, kBracketY, EndBarX, kBracketY);
 }
 

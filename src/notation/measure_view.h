@@ -39,6 +39,7 @@ public:
     void DrawBracket();
 
 private:
+    void DrawFurniture(const NoteRecord& head);
     void DeriveSpacing();
     void DrawRemark();
     void BeamAndPlace();
@@ -65,7 +66,9 @@ private:
     void ThinBar(double x);
     void RepeatDots(double x);
     int BarBottomY() const { return StringY(tune.NumStrings); }
-    int StemBaseY() const { return 60 + 8 * tune.NumStrings; }
+
+    /// Where the stems end and the beams lie: four gaps under the lowest string.
+    int StemBaseY() const { return StringY(tune.NumStrings + 4); }
     void UseFont(const std::string& name) { StaffBox.Font.Name = name; }
     void UseBodyFont() { UseFont(page.BodyFontName); }
 

@@ -16,6 +16,9 @@ constexpr int kFlagRise = 140;  // above the lowest staff gap of the stem
 constexpr int kSecondBeamRise = 50;
 constexpr int kForwardStubRise = 80;
 constexpr int kDotRadius = 20;
+constexpr int kWholeRestDrop = 40;  // under the second line
+constexpr int kHalfRestRise = 30;   // above the third
+constexpr int kRightHandInset = 60;
 
 // Symbols among the frets, above the place of a fret
 constexpr int kSlashRise = 100;
@@ -27,6 +30,7 @@ constexpr int kSlideRise = 200;
 // Under the end of the stems
 constexpr int kBracketTop = 10;  // of a triplet
 constexpr int kBracketBottom = 100;
+constexpr int kThreeRise = 10;    // the only one above it
 constexpr int kBracketGap = 120;  // for the 3, and how far the bracket runs past the last note
 constexpr int kLeftHandDrop = 20;
 constexpr int kLeftHandUnderBracket = 140;
@@ -215,7 +219,8 @@ void NoteColumns::DrawBlockRest(const NoteRecord& column)
         return;
     const bool whole = column.NoteCode == kWholeRest;
     const int x = column.XPos + (whole ? 4 * line.UnitSpacing : 0);
-    const double y = line.PenY + (whole ? values.StringGap + 40 : 2 * values.StringGap - 30);
+    const double y = line.PenY + (whole ? values.StringGap + kWholeRestDrop
+                                        : 2 * values.StringGap - kHalfRestRise);
     Surface().DrawWidth = values.Pens.BlockRest;
     Surface().Line(x, y, x + 1.5 * line.UnitSpacing, y);
     Surface().DrawWidth = 1;
@@ -336,7 +341,7 @@ void NoteColumns::ForwardStub(int n)
 void NoteColumns::PrintRightHand(const NoteRecord& column)
 {
     if (IsHandMark(column.RightHand))
-        Surface().PrintLineAt(column.XPos + 60, StemEnd - 3 * values.StringGap,
+        Surface().PrintLineAt(column.XPos + kRightHandInset, StemEnd - 3 * values.StringGap,
                               {&column.RightHand, 1});
 }
 
@@ -355,8 +360,8 @@ void NoteColumns::DrawTriplet(int n)
     Surface().Line(start, bottom, middle, bottom);
     Surface().Line(middle + kBracketGap, bottom, end, bottom);
     Surface().Line(end, top, end, bottom);
-    Surface().PrintLineAt(middle, StemEnd - 10, "3");
-    LineReaches(StemEnd - 10);
+    Surface().PrintLineAt(middle, StemEnd - kThreeRise, "3");
+    LineReaches(StemEnd - kThreeRise);
 }
 
 /// Under the stem, or under the bracket of a triplet.

@@ -4,6 +4,12 @@
 
 namespace quillon {
 
+namespace {
+
+constexpr double kRoomBesideLargeView = 700;  // twips of the window's height
+
+}  // namespace
+
 PageView::PageView(MainForm& mainForm, const TextMetrics& metrics)
     : picPage1(kPageCount, {DrawSurface(metrics, kTwips, kPageWidth, kPageHeight)}), form(mainForm)
 {
@@ -26,11 +32,12 @@ void PageView::SizePages(double height)
 void PageView::mnuLargeview()
 {
     LargeView = true;
-    PicPageHeight = VsbPageHeight = mainWinHeight - 700;
+    PicPageHeight = VsbPageHeight = mainWinHeight - kRoomBesideLargeView;
     form.ToolsVisible = false;
 }
 
-// The scroll bar keeps its height: after a large view it is longer than the window on the pages.
+// The scroll bar keeps its height (docs/kept_behaviour.md, "Pages and paper"): after a large view
+// it is longer than the window on the pages.
 void PageView::mnuSmallView()
 {
     LargeView = false;

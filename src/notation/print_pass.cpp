@@ -4,6 +4,29 @@ namespace quillon {
 
 namespace {
 
+/// How large a line is on paper, by the size of the body font; twips.
+struct PaperSizes {
+    float BodyFontSize;
+    int StringGap;
+    int CharUnit;
+};
+
+constexpr PaperSizes kPaperSizes[] = {
+    {8,  140, 80 },
+    {10, 165, 100},
+    {12, 185, 120},
+};
+
+/// Another size becomes 12 for good: docs/kept_behaviour.md, "Pages and paper".
+const PaperSizes& SetPaperSize(PageSettings& page)
+{
+    for (const PaperSizes& sizes : kPaperSizes)
+        if (sizes.BodyFontSize == page.BodyFontSize)
+            return sizes;
+    page.BodyFontSize = kPaperSizes[2].BodyFontSize;
+    return kPaperSizes[2];
+}
+
 /// The file's name without its folder.
 std::string JobName(const Tune& tune)
 {
@@ -23,12 +46,9 @@ LayoutValues PrinterValues(PageSettings& page, double width)
     values.LineLeft = Round(Twips(page.PageLeft) - kQuarterInch);
     values.LineRight = Round(width - Twips(page.PageRight));
     values.TitleY = Round(Twips(page.PageTop));
-    if (page.BodyFontSize != 8 && page.BodyFontSize != 10)
-        page.BodyFontSize = 12;
-    const bool small = page.BodyFontSize == 8;
-    const bool middle = page.BodyFontSize == 10;
-    values.StringGap = small ? 140 : middle ? 165 : 185;
-    values.CharUnit = small ? 80 : middle ? 100 : 120;
+    const PaperSizes& sizes = SetPaperSize(page);
+    values.StringGap = sizes.StringGap;
+    values.CharUnit = sizes.CharUnit;
     values.LineDistance = Twips(page.StaveSpace);
     values.HeadingGap = 3 * values.StringGap;
     values.Pens = kPrinterPens;
