@@ -184,6 +184,118 @@ TEST_F(BeamPassOver, CodesWithoutARowLeavesTheBeamCodeThatTheyHave)
                      kDottedMainBeam}));
 }
 
+struct Example {
+    Codes notes;
+    Codes shapes;
+};
+
+TEST_F(BeamPassOver, ANoteJoinsAGroupInSimpleTime)
+{
+    const Example examples[] = {
+        {{kTripletSixteenth, kTripletSixteenth},                        {kNoBeam, kBothBeams}                },
+        {{kSixteenth, kTripletSixteenth, kTripletSixteenth},            {kForwardStub, kMainBeam, kBothBeams}},
+        {{kEighth, kTripletSixteenth},                                  {kNoBeam, kBackStub}                 },
+        {{kSixteenth, kSixteenth},                                      {kNoBeam, kBothBeams}                },
+        {{kEighth, kSixteenth, kSixteenth},                             {kNoBeam, kMainBeam, kBothBeams}     },
+        {{kSixteenth, kEighth, kSixteenth},                             {kForwardStub, kMainBeam, kBackStub} },
+        {{kDottedEighth, kSixteenth},                                   {kDotAlone, kBackStub}               },
+        {{kTripletEighth, kTripletEighth},                              {kNoBeam, kMainBeam}                 },
+        {{kSixteenth, kEighth},                                         {kForwardStub, kMainBeam}            },
+        {{kEighth, kEighth},                                            {kNoBeam, kMainBeam}                 },
+        {{kDottedEighth, kEighth},                                      {kDotAlone, kMainBeam}               },
+        {{kSixteenth, kDottedEighth},                                   {kForwardStub, kDottedMainBeam}      },
+        {{kEighth, kTripletSixteenthRest, kTripletSixteenth},           {kNoBeam, kBackStub, kBackStub}      },
+        {{kTripletSixteenth, kTripletSixteenthRest, kTripletSixteenth},
+         {kNoBeam, kNoBeam, kBothBeams}                                                                      },
+        {{kSixteenth, kSixteenthRest, kTripletSixteenth},               {kForwardStub, kNoBeam, kBackStub}   },
+    };
+    for (const Example& example : examples)
+        EXPECT_EQ(Common(example.notes), example.shapes) << testing::PrintToString(example.notes);
+}
+
+TEST_F(BeamPassOver, ANoteJoinsAGroupInCompoundTime)
+{
+    const Example examples[] = {
+        {{kSixteenth, kTripletSixteenth},                                      {kNoBeam, kBothBeams}                   },
+        {{kSixteenth, kSixteenthRest, kTripletSixteenth},                      {kForwardStub, kNoBeam, kBackStub}      },
+        {{kTripletSixteenth, kTripletSixteenth, kTripletSixteenth, kTripletSixteenth,
+          kTripletSixteenth},
+         {kNoBeam, kBothBeams, kBothBeams, kMainBeam, kBothBeams}                                                      },
+        {{kSixteenth, kSixteenthRest, kSixteenth, kTripletSixteenth},
+         {kForwardStub, kNoBeam, kBackStub, kBothBeams}                                                                },
+        {{kEighth, kTripletSixteenth},                                         {kNoBeam, kBackStub}                    },
+        {{kEighth, kTripletEighth, kTripletSixteenth},                         {kNoBeam, kMainBeam, kBackStub}         },
+        {{kTripletSixteenth, kDottedEighth, kTripletSixteenth},
+         {kForwardStub, kDottedMainBeam, kBackStub}                                                                    },
+        {{kDottedEighth, kTripletSixteenth},                                   {kDotAlone, kBackStub}                  },
+        {{kSixteenth, kSixteenth},                                             {kNoBeam, kBothBeams}                   },
+        {{kSixteenth, kSixteenthRest, kSixteenth, kSixteenth},
+         {kForwardStub, kNoBeam, kMainBeam, kBothBeams}                                                                },
+        {{kSixteenth, kSixteenthRest, kSixteenth, kSixteenthRest, kSixteenth},
+         {kForwardStub, kNoBeam, kMainBeamForwardStub, kNoBeam, kBackStub}                                             },
+        {{kEighth, kSixteenth, kSixteenth},                                    {kNoBeam, kMainBeam, kBothBeams}        },
+        {{kEighth, kEighth, kSixteenth},                                       {kNoBeam, kMainBeam, kBackStub}         },
+        {{kSixteenth, kSixteenthRest, kSixteenth, kEighth, kSixteenth},
+         {kForwardStub, kNoBeam, kMainBeamForwardStub, kMainBeam, kBackStub}                                           },
+        {{kEighth, kDottedEighth, kSixteenth},                                 {kNoBeam, kDottedMainBeam, kBackStub}   },
+        {{kDottedEighth, kSixteenth},                                          {kDotAlone, kBackStub}                  },
+        {{kSixteenth, kQuarterRest, kSixteenth},                               {kForwardStub, kNoBeam, kBackStub}      },
+        {{kEighth, kDottedQuarter, kSixteenth},                                {kEighthFlag, kDotAlone, kSixteenthFlag}},
+        {{kSixteenth, kTripletEighth},                                         {kForwardStub, kMainBeam}               },
+        {{kSixteenth, kSixteenthRest, kSixteenth, kTripletEighth},
+         {kForwardStub, kNoBeam, kForwardStub, kMainBeam}                                                              },
+        {{kDottedEighth, kSixteenth, kTripletEighth},                          {kDotAlone, kBackStub, kMainBeam}       },
+        {{kEighth, kTripletEighth},                                            {kNoBeam, kMainBeam}                    },
+        {{kDottedEighth, kTripletEighth},                                      {kDotAlone, kMainBeam}                  },
+        {{kSixteenth, kEighth},                                                {kForwardStub, kMainBeam}               },
+        {{kDottedEighth, kSixteenth, kEighth},                                 {kDotAlone, kBackStub, kMainBeam}       },
+        {{kSixteenth, kSixteenthRest, kSixteenth, kSixteenthRest, kEighth},
+         {kForwardStub, kNoBeam, kMainBeamForwardStub, kNoBeam, kMainBeam}                                             },
+        {{kEighth, kEighth},                                                   {kNoBeam, kMainBeam}                    },
+        {{kDottedEighth, kEighth},                                             {kDotAlone, kMainBeam}                  },
+        {{kSixteenth, kDottedEighth},                                          {kForwardStub, kDottedMainBeam}         },
+        {{kEighth, kDottedEighth},                                             {kNoBeam, kDottedMainBeam}              },
+        {{kDottedEighth, kDottedEighth},                                       {kDotAlone, kDottedMainBeam}            },
+        {{kEighth, kTripletSixteenthRest, kTripletSixteenth},                  {kNoBeam, kBackStub, kBackStub}         },
+    };
+    for (const Example& example : examples)
+        EXPECT_EQ(Beams(9, 8, example.notes), example.shapes)
+            << testing::PrintToString(example.notes);
+}
+
+TEST_F(BeamPassOver, ATripletsSixteenthTakesOverTheShapeOfTheRestBeforeIt)
+{
+    const int note = kTripletSixteenth, rest = kTripletSixteenthRest;
+    // Only in compound time also where no group is open.
+    EXPECT_EQ(Beams(4, 4, {rest, note}, kBackStub), (Codes{kBackStub, kSixteenthFlag}));
+    EXPECT_EQ(Beams(9, 8, {rest, note}, kBackStub), (Codes{kBackStub, kBackStub}));
+    // A main beam that the rest has from before, only there and only in a group.
+    EXPECT_EQ(Beams(4, 4, {note, rest, note}, kMainBeam), (Codes{kNoBeam, kMainBeam, kBothBeams}));
+    EXPECT_EQ(Beams(9, 8, {note, rest, note}, kMainBeam), (Codes{kNoBeam, kMainBeam, kMainBeam}));
+    EXPECT_EQ(Beams(9, 8, {rest, note}, kMainBeam), (Codes{kMainBeam, kSixteenthFlag}));
+    EXPECT_EQ(Beams(4, 4, {note, rest, rest}, kMainBeam),
+              (Codes{kSixteenthFlag, kMainBeam, kBackStub}));
+}
+
+TEST_F(BeamPassOver, ATripletStartsTheCountOfEighthsAnewAndTwoOfItsNotesDoNot)
+{
+    const int triplet = kTripletSixteenth, rest = kEighthRest;
+    EXPECT_EQ(Common({kSixteenth, kEighth, triplet, kEighth, triplet, kEighth, rest, kEighth})[6],
+              kMainBeam);
+    EXPECT_EQ(Common({kSixteenth, kEighth, triplet, kEighth, triplet, kEighth, triplet, rest,
+                      kEighth})[7],
+              kNoBeam);
+}
+
+TEST_F(BeamPassOver, RestsOfTripletsCountAsItsNotes)
+{
+    const int rest = kTripletEighthRest;
+    EXPECT_EQ(
+        Common({kSixteenth, kEighth, rest, kEighth, rest, kEighth, rest, kEighthRest, kEighth})[7],
+        kNoBeam);
+    EXPECT_EQ(Common({kSixteenth, kEighth, kEighth, kEighth, kEighthRest, kEighth})[4], kMainBeam);
+}
+
 TEST_F(BeamPassOver, TheFourthEighthInARowGivesTheRecordBeforeItTheMainBeam)
 {
     // A sixteenth puts the eighths beside the beats, where nothing else parts them. The rests show
