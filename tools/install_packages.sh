@@ -7,7 +7,7 @@ build="build-essential ca-certificates cmake ninja-build ccache pkg-config
        qt6-base-dev qt6-svg-dev libfluidsynth-dev librtmidi-dev libjack-jackd2-dev
        timgm6mb-soundfont python3 python3-fonttools python3-munkres python3-defcon
        fonts-liberation fonts-dejavu-core file"
-test="libgtest-dev libgmock-dev libbenchmark-dev clang-16 clang-tidy-16 libclang-rt-16-dev
+test="libgtest-dev libgmock-dev libbenchmark-dev qt6-base-private-dev clang-16 clang-tidy-16 libclang-rt-16-dev
       clang-format-16 xvfb xauth xdotool xclip openbox x11-utils python3-xlib imagemagick poppler-utils
       qpdf sox midicsv abcmidi cups-daemon cups-client librsvg2-bin procps
       appstream bash-completion desktop-file-utils dpkg-dev fontconfig libfile-mimeinfo-perl

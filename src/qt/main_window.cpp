@@ -37,6 +37,13 @@ template <typename Widget> void SetText(Widget* widget, const std::string& text)
         widget->setText(unicode);
 }
 
+/// Likewise the name that screen readers know; setting it is an event to them each time.
+void SetName(QWidget* widget, const QString& name)
+{
+    if (widget->accessibleName() != name)
+        widget->setAccessibleName(name);
+}
+
 /// A label that is as wide as its longest text does not move its neighbours.
 void KeepWidth(QWidget* widget, const QString& longest)
 {
@@ -334,9 +341,12 @@ void MainWindow::ShowForm()
     menus->ShowEnabled();
     ui->StaffBox->Show(win.view.StaffBox.Picture(), win.form.Line1Visible);
     ui->picPage->Show();
+    const std::string words = SpokenCursor(win.tune, win.form);
+    if (!ui->StaffBox->hasFocus())
+        ui->StaffBox->Tell(words);  // a reader asks for them as soon as the focus is there
     ShowFocus();
     ShowControls();
-    ui->StaffBox->Tell(ToUnicode(SpokenCursor(win.tune, win.form)));
+    ui->StaffBox->Tell(words);
     if (win.form.Timer1Enabled != Timer1.isActive())
         win.form.Timer1Enabled ? Timer1.start() : Timer1.stop();
 }
@@ -349,9 +359,9 @@ void MainWindow::ShowTools()
     SetText(ui->lblMeasNum, win.form.lblMeasNum);
     SetText(ui->lblLastNote, win.form.lblLastNote);
     SetText(ui->hdbkbox, win.form.hdbkbox);
-    ui->lblMeasNum->setAccessibleName("Measure " + ui->lblMeasNum->text());
-    ui->lblLastNote->setAccessibleName("Last note " + ui->lblLastNote->text());
-    ui->hdbkbox->setAccessibleName(win.form.hdbkbox.empty() ? "No line break" : "Line break");
+    SetName(ui->lblMeasNum, "Measure " + ui->lblMeasNum->text());
+    SetName(ui->lblLastNote, "Last note " + ui->lblLastNote->text());
+    SetName(ui->hdbkbox, win.form.hdbkbox.empty() ? "No line break" : "Line break");
     ui->Toolbar1->SetDown(win.form.Toolbar1);
     SetText(txtRptBracket, win.form.txtRptBracket.Text);
 }

@@ -3,6 +3,7 @@
 #include "editor/editor.h"
 #include "qt/paint.h"
 #include "qt/text.h"
+#include "shell/spoken.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -11,6 +12,7 @@
 #include <QPainter>
 
 #include <cmath>
+#include <limits>
 
 namespace quillon {
 
@@ -75,18 +77,63 @@ std::string Characters(QString text)
     return FromUnicode(text);
 }
 
-class StaffAccessible : public QAccessibleWidget {
+/// The staff as readers know it: a box whose value goes up with each change and whose text says
+/// what has changed. A changed value is the one event after which they read out a whole text, and
+/// of the kinds of controls with a value a spin box is the one whose text they read.
+class StaffAccessible : public QAccessibleWidget,
+                        public QAccessibleValueInterface,
+                        public QAccessibleTextInterface {
 public:
-    explicit StaffAccessible(StaffView& view) : QAccessibleWidget(&view, QAccessible::Canvas) {}
+    explicit StaffAccessible(StaffView& staffView)
+        : QAccessibleWidget(&staffView, QAccessible::SpinBox), view(staffView)
+    {
+    }
 
     QString text(QAccessible::Text kind) const override
     {
         if (kind == QAccessible::Value)
-            return widget()->accessibleDescription();
+            return view.Words();
         if (kind == QAccessible::Help)
             return "The current measure. Type fret numbers; Enter ends the note.";
         return QAccessibleWidget::text(kind);
     }
+
+    void* interface_cast(QAccessible::InterfaceType type) override
+    {
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface*>(this);
+        if (type == QAccessible::TextInterface)
+            return static_cast<QAccessibleTextInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+
+    QVariant currentValue() const override { return view.TimesSaid(); }
+    void setCurrentValue(const QVariant&) override {}
+    QVariant minimumValue() const override { return 0; }
+    QVariant maximumValue() const override { return std::numeric_limits<int>::max(); }
+    QVariant minimumStepSize() const override { return 1; }
+
+    QString text(int from, int to) const override { return view.Said().mid(from, to - from); }
+    int characterCount() const override { return static_cast<int>(view.Said().size()); }
+    int cursorPosition() const override { return 0; }
+    void setCursorPosition(int) override {}
+    int selectionCount() const override { return 0; }
+    void selection(int, int* from, int* to) const override { *from = *to = 0; }
+    void addSelection(int, int) override {}
+    void removeSelection(int) override {}
+    void setSelection(int, int, int) override {}
+    QRect characterRect(int) const override { return rect(); }
+    int offsetAtPoint(const QPoint&) const override { return 0; }
+    void scrollToSubstring(int, int) override {}
+    QString attributes(int, int* from, int* to) const override
+    {
+        *from = 0;
+        *to = characterCount();
+        return {};
+    }
+
+private:
+    StaffView& view;
 };
 
 QAccessibleInterface* MakeAccessible(const QString&, QObject* object)
@@ -106,14 +153,27 @@ StaffView::StaffView(QWidget* parent) : QWidget(parent)
     QAccessible::installFactory(MakeAccessible);  // again does nothing
 }
 
-// Some readers listen to the value, some to the description.
-void StaffView::Tell(const QString& words)
+void StaffView::Tell(const std::string& words)
 {
-    if (words == accessibleDescription())
+    if (words == toldWords)
         return;
-    setAccessibleDescription(words);
-    QAccessibleValueChangeEvent event(this, words);
+    saidWords = hasFocus() ? SpokenChange(toldWords, words) : words;
+    toldWords = words;
+    ++timesSaid;
+    if (!hasFocus())
+        return;
+    QAccessibleValueChangeEvent event(this, timesSaid);
     QAccessible::updateAccessibility(&event);
+}
+
+QString StaffView::Words() const
+{
+    return ToUnicode(toldWords);
+}
+
+QString StaffView::Said() const
+{
+    return ToUnicode(saidWords);
 }
 
 QSize StaffView::SizeAt(double scale)
@@ -216,6 +276,7 @@ void StaffView::mousePressEvent(QMouseEvent* event)
 
 void StaffView::focusInEvent(QFocusEvent*)
 {
+    saidWords = toldWords;
     update();
 }
 

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <array>
+#include <string>
 
 namespace quillon {
 
@@ -32,8 +33,14 @@ public:
     /// The part of the widget that a rectangle of the card, in points, takes.
     QRect PlaceOf(const QRectF& points) const;
 
-    /// Tells screen readers in words where the cursor stands and on what.
-    void Tell(const QString& words);
+    /// Tells screen readers in words where the cursor stands and on what. With the focus, what is
+    /// new is said at once; without it, all of it once the focus comes.
+    void Tell(const std::string& words);
+
+    // What readers are told: all of it, what they say of it now, and how often that has changed.
+    QString Words() const;
+    QString Said() const;
+    int TimesSaid() const { return timesSaid; }
 
 signals:
     void KeyDown(int keyCode);           // 0 for a key that no handler knows
@@ -57,6 +64,9 @@ private:
     const Drawing* drawing = nullptr;
     unsigned revision = 0;
     std::array<bool, 6> lines{};
+    std::string toldWords;
+    std::string saidWords;
+    int timesSaid = 0;
 };
 
 }  // namespace quillon

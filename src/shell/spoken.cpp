@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <vector>
 
 namespace quillon {
 
@@ -56,6 +57,18 @@ std::string SpokenValue(const NoteRecord& record, const MainForm& form, bool fre
     return name.empty() ? "" : ", " + name + (!free && record.IsRest() ? " rest" : " note");
 }
 
+std::vector<std::string> Parts(const std::string& words)
+{
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (std::size_t comma; (comma = words.find(", ", start)) != std::string::npos;) {
+        parts.push_back(words.substr(start, comma - start));
+        start = comma + 2;
+    }
+    parts.push_back(words.substr(start));
+    return parts;
+}
+
 }  // namespace
 
 const char* ValueName(int button)
@@ -77,6 +90,19 @@ std::string SpokenCursor(const Tune& tune, const MainForm& form)
     return measure + (free ? ", new column " : ", column ") + std::to_string(column) +
            (free ? "" : " of " + std::to_string(columns)) + ", " + SpokenCell(record, form) +
            SpokenValue(record, form, free);
+}
+
+std::string SpokenChange(const std::string& before, const std::string& after)
+{
+    const std::vector<std::string> old = Parts(before);
+    const std::vector<std::string> parts = Parts(after);
+    if (old.size() != parts.size() || old[0] != parts[0])
+        return after;
+    std::string change;
+    for (std::size_t i = 1; i < parts.size(); ++i)
+        if (parts[i] != old[i])
+            change += (change.empty() ? "" : ", ") + parts[i];
+    return change;
 }
 
 }  // namespace quillon

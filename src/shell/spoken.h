@@ -16,4 +16,8 @@ const char* ValueName(int button);
 /// quarter note". A column that is still to be entered is "new column 5". Any state gives a text.
 std::string SpokenCursor(const Tune& tune, const MainForm& form);
 
+/// What of a text of SpokenCursor is new after another one: "column 3 of 4, fret 5". All of it in
+/// another measure and where the texts are of different kinds; "" if nothing is.
+std::string SpokenChange(const std::string& before, const std::string& after);
+
 }  // namespace quillon

@@ -32,6 +32,29 @@ TEST_F(Spoken, ColumnOfTheMeasureTellsWhatStandsThere)
     EXPECT_EQ(Cursor(), "Measure 1, column 1 of 2, string 5, no fret, quarter note");
 }
 
+TEST_F(Spoken, AChangeIsSaidByItsPartsAlone)
+{
+    const auto change = [this](const std::function<void()>& act) {
+        const std::string before = Cursor();
+        act();
+        return SpokenChange(before, Cursor());
+    };
+    const auto type = [&](const char* text) { return change([&] { Type(text); }); };
+    const auto key = [&](int code) { return change([&] { win.editor.StaffBoxKeyDown(code); }); };
+    EXPECT_EQ(type("1"), "column 1 of 1, fret 1");
+    EXPECT_EQ(type("2"), "fret 12");
+    EXPECT_EQ(type("\r"), "new column 2, no fret");
+    EXPECT_EQ(type("+"), "sixteenth note");
+    EXPECT_EQ(key(kKeyUp), "string 5");
+    EXPECT_EQ(key(kKeyLeft), "column 1 of 1, string 6, fret 12, quarter note");
+    EXPECT_EQ(key(kKeyLeft), "");
+    EXPECT_EQ(change([&] { win.editor.mnuChord(); }),
+              "Measure 1, column 1 of 1, no chord, quarter note");
+    EXPECT_EQ(type("A"), "chord A");
+    EXPECT_EQ(SpokenChange("Measure 1, string 6", "Measure 2, string 6"), "Measure 2, string 6");
+    EXPECT_EQ(SpokenChange("", "Measure 2"), "Measure 2");
+}
+
 TEST_F(Spoken, RestIsARest)
 {
     win.editor.mnuHalfRest();
