@@ -13,6 +13,7 @@ import errno
 import os
 import pathlib
 import re
+import resource
 import shutil
 import signal
 import stat
@@ -72,8 +73,8 @@ class Disk:
         self.path.rmdir()
 
 
-def long_tune():
-    """The bytes of a tune of 120 measures of four quarters, several pages long."""
+def long_tune(measures=120):
+    """The bytes of a tune of measures of four quarters, several pages long unless told otherwise."""
 
     def record(measure, code, place):
         fret = f'"{measure % 10}"' if code == 7 else '""'
@@ -83,7 +84,7 @@ def long_tune():
     header = '0,0,0\r\n0,0,0,0\r\n0,""," "," ","Long"\r\n' + '""\r\n' * 6
     return header.encode() + b"".join(
         (record(i, 999, 0) + "".join(record(i, 7, k) for k in range(4))).encode()
-        for i in range(1, 121)
+        for i in range(1, measures + 1)
     )
 
 
@@ -280,6 +281,22 @@ class Export(DiskTest):
                     self.assertEqual([run.wait() for run in runs], [0, 0])
                     self.assertIn(path.read_bytes(), expected)
                     self.assertEqual(os.listdir(folder), [path.name])
+
+    def test_the_time_for_many_tunes_grows_as_their_number(self):
+        disk = self.disk(40000)
+
+        def seconds(count):
+            tunes = [disk.path / f"{count}-{i}.gui" for i in range(count)]
+            for tune in tunes:
+                tune.write_bytes(long_tune(1))
+            before = resource.getrusage(resource.RUSAGE_CHILDREN)
+            done = self.export("--format", "mid", "-o", disk.path / f"{count}", *tunes[1:],
+                               tune=tunes[0])
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
+            self.assertEqual(done.returncode, 0)
+            return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+        self.assertLess(seconds(2400), 20 * seconds(300))  # 8 times the tunes
 
     def test_links_that_lie_in_wait_lead_nowhere(self):
         victim = self.home / "victim"

@@ -47,6 +47,11 @@ keeps_the_tune() {  # arguments that would write a page or another tune over thr
     ! "$export_program" "$@" 2> errors && grep -q " is a tune to export" errors &&
         cmp -s three.gui "$tune.whole"
 }
+with_a_title_of() {  # length
+    printf '0,0,0\r\n0,4,4,4\r\n0,""," "," ","'
+    head -c "$1" /dev/zero | tr '\0' '\351'
+    printf '"\r\n' && tail -n +4 three.gui
+}
 takes_less_than_a_second() {  # arguments; the processor's time
     local TIMEFORMAT=%U seconds
     seconds=$({ time "$export_program" "$@" 2> errors; } 2>&1) && [[ $seconds = 0.* ]]
@@ -90,13 +95,12 @@ check "no page over its own tune" keeps_the_tune three.gui --format svg -o three
 check "no tune over one that comes later" keeps_the_tune elsewhere/three.gui three.gui --format tune -o .
 echo -n > empty.gui
 check "an empty tune is a finding" test "$("$export_program" --check empty.gui)" = "empty.gui: the file is empty"
-{ printf '0,0,0\r\n0,4,4,4\r\n0,""," "," ","' && head -c 1000000 /dev/zero | tr '\0' '\351' &&
-    printf '"\r\n' && tail -n +4 three.gui; } > long.gui
+with_a_title_of 1000000 > long.gui
+with_a_title_of 67108864 > large.gui
 for form in pdf svg png mid tune page-log print-log measure-log; do
     check "$form: a title of a megabyte" takes_less_than_a_second long.gui --format $form -o long
 done
 mkfifo pipe.gui
-truncate -s 64M large.gui && echo >> large.gui
 check "a pipe is no tune" fails_at_once "File Not Found" pipe.gui
 check "a device is no tune" fails_at_once "File Not Found" /dev/zero
 check "more than 64 MB are no tune" fails_at_once "File is incompatible" large.gui
