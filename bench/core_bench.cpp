@@ -52,12 +52,12 @@ void RedrawMeasureOf16Notes(benchmark::State& state)
     Tune tune = OneMeasure(16);
     tune.CurMeas = 1;
     tune.CurNote = 2;
-    MainForm form;
-    form.MeasHead = 1;
-    form.MeasEnd = 17;
+    EditingState editing;
+    editing.MeasHead = 1;
+    editing.MeasEnd = 17;
     const PageSettings page;
     const FixedTextMetrics metrics;
-    MeasureView view(tune, form, page, metrics);
+    MeasureView view(tune, editing, page, metrics);
     for (auto _ : state) {
         view.RedrawMeasure();
         benchmark::DoNotOptimize(view.StaffBox.Picture().Revision());

@@ -40,8 +40,7 @@ void LayOut(benchmark::State& state)
     const Tune tune = MakeTune(static_cast<int>(state.range(0)));
     const PageSettings page;
     const FixedTextMetrics metrics;
-    MainForm form;
-    PageView pages(form, metrics);
+    PageView pages(metrics);
     for (auto _ : state)
         benchmark::DoNotOptimize(LayOutPages(tune, page, pages));
     state.counters["pages"] = pages.PageMax + 1;

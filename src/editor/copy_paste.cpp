@@ -47,11 +47,11 @@ void Editor::cmdCopyMeasure()
 
 void Editor::mnuPaste()
 {
-    if (form.InputMode != kFretMode)
+    if (form.InputMode != InputMode::Fret)
         return;
-    if (form.EntryState == kEditState && tune.CurMeas == tune.LastMeas)
-        form.EntryState = kAppendState;
-    if (form.EntryState == kAppendState)
+    if (form.EntryState == EntryState::Edit && tune.CurMeas == tune.LastMeas)
+        form.EntryState = EntryState::Append;
+    if (form.EntryState == EntryState::Append)
         PasteAtEnd();
     else
         PasteBehindMeasure();
@@ -84,7 +84,7 @@ void Editor::PasteAtEnd()
         standOnLastMeasure();
     }
     standOnLastMeasure();
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     view.RedrawMeasure();
 }
 

@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include "editor/main_form.h"
 #include "notation/measure_view.h"
 #include "platform/dialogs.h"
 #include "platform/system.h"
@@ -117,7 +118,6 @@ private:
     NoteRecord& Head() { return tune[form.MeasHead]; }
 
     // StaffBox
-    int StringUnderCursor() const;
     int PlayableStringUnderCursor() const;
     void Backspace();
     void Left();

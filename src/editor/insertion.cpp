@@ -20,9 +20,9 @@ void Editor::RelayoutXPos()
 
 void Editor::mnuNoteBefore()
 {
-    if (form.EntryState == kAppendState)
+    if (form.EntryState == EntryState::Append)
         return;
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     MakeRoomAtCurNote();
     for (std::string& slot : Current().Slots)
         slot.clear();
@@ -34,9 +34,9 @@ void Editor::mnuNoteBefore()
 
 void Editor::mnuInsNoteAfter()
 {
-    if (form.EntryState == kAppendState)
+    if (form.EntryState == EntryState::Append)
         return;
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     MakeRoomAtCurNote();
     ++tune.CurNote;
     for (std::string& slot : Current().Slots)
@@ -50,9 +50,9 @@ void Editor::mnuInsNoteAfter()
 
 void Editor::mnuDelNote()
 {
-    if (form.EntryState == kAppendState)
+    if (form.EntryState == EntryState::Append)
         return;
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     if (form.MeasEnd == form.MeasHead + 1) {
         mnuDelMeas();
         return;
@@ -87,7 +87,7 @@ void Editor::ParkTail(const char* scratchFile, int from)
 // last one and is typed like any other. cmdNext ("OK") and cmdPrevious ("Cancel") bring it back.
 void Editor::mnuInsMeas()
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     form.cmdNextCaption = "OK";
     form.cmdPreviousCaption = "Cancel";
     ParkTail(kInsertScratch, form.MeasHead);
@@ -98,23 +98,23 @@ void Editor::mnuInsMeas()
     tune.CurNote = form.MeasHead + 1;
     form.MeasEnd = form.MeasHead - 1;
     StartMeasure(form.MeasHead);
-    form.InputMode = kInsertMode;
-    form.EntryState = kAppendState;
+    form.InputMode = InputMode::Insert;
+    form.EntryState = EntryState::Append;
     form.cmdRefreshEnabled = false;
 }
 
 void Editor::mnuDelMeas()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
-    const bool appending = form.EntryState == kAppendState;
+    const bool appending = form.EntryState == EntryState::Append;
     if (appending && tune.CurNote == form.MeasHead + 1)
         return;  // an empty open measure
     if (Current().Measure == 1 && tune.LastMeas == 1) {
         DeleteOnlyMeasure();
         return;
     }
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     if (appending)
         DeleteOpenMeasure();
     else if (tune.CurMeas != tune.LastMeas)
@@ -138,8 +138,8 @@ void Editor::DeleteOnlyMeasure()
     form.CurValue = kQuarter;
     SetToolbarValue(kQuarter);
     form.MeasFill = 0;
-    form.EntryState = kAppendState;
-    form.InputMode = kFretMode;
+    form.EntryState = EntryState::Append;
+    form.InputMode = InputMode::Fret;
 }
 
 void Editor::DeleteMiddleMeasure()

@@ -83,7 +83,7 @@ void Editor::StartMeasure(int head)
 
 void Editor::ShowMeasure(int number)
 {
-    form.InputMode = kFretMode;
+    form.InputMode = InputMode::Fret;
     tune.CurMeas = number;
     FindMeasure();
     view.RedrawMeasure();
@@ -94,29 +94,29 @@ void Editor::cmdNext()
     form.cmdRefreshEnabled = true;
     form.cmdNextCaption = "Next";
     form.cmdPreviousCaption = "Previous";
-    if (form.InputMode == kChordMode || form.InputMode == kLeftHandMode ||
-        form.InputMode == kRightHandMode || form.InputMode == kBracketMode) {
-        form.InputMode = kFretMode;
+    if (form.InputMode == InputMode::Chord || form.InputMode == InputMode::LeftHand ||
+        form.InputMode == InputMode::RightHand || form.InputMode == InputMode::Bracket) {
+        form.InputMode = InputMode::Fret;
         view.RedrawMeasure();
     }
-    if (form.InputMode == kInsertMode) {
+    if (form.InputMode == InputMode::Insert) {
         CommitInsertedMeasure();
         return;
     }
-    if (form.EntryState == kEditState) {
+    if (form.EntryState == EntryState::Edit) {
         if (tune.CurMeas < tune.LastMeas)
             ++tune.CurMeas;
         else
-            form.EntryState = kAppendState;
+            form.EntryState = EntryState::Append;
         FindMeasure();
-        if (form.EntryState == kEditState) {
+        if (form.EntryState == EntryState::Edit) {
             form.CursorX = tune[form.MeasHead + 1].XPos;
             tune.CurNote = form.MeasHead + 1;
             if (!SetCursorToFirstNote())
                 form.CursorY = StringY(tune.NumStrings);
             view.RedrawMeasure();
             if (tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity) {
-                form.EntryState = kAppendState;
+                form.EntryState = EntryState::Append;
                 form.MeasEnd = tune.LastNote;
                 tune.CurNote = tune.LastNote + 1;
                 form.CursorX = EndOf(form.MeasEnd);
@@ -128,7 +128,7 @@ void Editor::cmdNext()
         }
         SetFocus(Control::StaffBox);
     }
-    if (form.EntryState == kReviewState) {
+    if (form.EntryState == EntryState::Review) {
         bool found = false;
         if (tune.LastMeas != 0) {
             ++tune.CurMeas;
@@ -143,7 +143,7 @@ void Editor::cmdNext()
             SetFocus(Control::StaffBox);
         }
         if (!found) {
-            form.EntryState = kAppendState;
+            form.EntryState = EntryState::Append;
             tune.LastMeas = 0;
             tune.CurMeas = 1;
             tune.CurNote = 2;
@@ -151,7 +151,7 @@ void Editor::cmdNext()
         }
     }
     // An empty open measure never opens another one.
-    if (form.EntryState == kAppendState &&
+    if (form.EntryState == EntryState::Append &&
         (tune.CurNote > form.MeasHead + 1 || form.MeasFill == form.MeasCapacity)) {
         ++tune.CurMeas;
         // A full measure leaves CurNote on its last note, otherwise it is on the free record.
@@ -166,18 +166,18 @@ void Editor::cmdNext()
 void Editor::cmdPrevious()
 {
     form.cmdRefreshEnabled = true;
-    if (form.InputMode == kChordMode || form.InputMode == kBracketMode) {
-        form.InputMode = kFretMode;
+    if (form.InputMode == InputMode::Chord || form.InputMode == InputMode::Bracket) {
+        form.InputMode = InputMode::Fret;
         view.RedrawMeasure();
     }
-    if (form.InputMode == kInsertMode) {
+    if (form.InputMode == InputMode::Insert) {
         CancelInsertedMeasure();
         return;
     }
     if (tune.LastMeas == 0)
         return;
-    if (form.EntryState == kAppendState)
-        form.EntryState = kEditState;
+    if (form.EntryState == EntryState::Append)
+        form.EntryState = EntryState::Edit;
     if (tune.CurMeas < 2)
         tune.CurMeas = tune.LastMeas;
     else
@@ -188,7 +188,7 @@ void Editor::cmdPrevious()
         form.CursorY = StringY(tune.NumStrings);
     view.RedrawMeasure();
     if (tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity) {
-        form.EntryState = kAppendState;
+        form.EntryState = EntryState::Append;
         form.CursorX = EndOf(tune.CurNote);
         ++tune.CurNote;
     } else {
@@ -218,8 +218,8 @@ void Editor::ReadBackTail(int from, int renumberBy)
 
 void Editor::CommitInsertedMeasure()
 {
-    form.InputMode = kFretMode;
-    form.EntryState = kReviewState;
+    form.InputMode = InputMode::Fret;
+    form.EntryState = EntryState::Review;
     const bool entered = form.MeasEnd > form.MeasHead;
     // With nothing entered the tail goes over the empty head, under its old numbers.
     ReadBackTail(tune.LastNote + 1, entered ? 1 : 0);
@@ -231,8 +231,8 @@ void Editor::CommitInsertedMeasure()
 
 void Editor::CancelInsertedMeasure()
 {
-    form.InputMode = kFretMode;
-    form.EntryState = kReviewState;
+    form.InputMode = InputMode::Fret;
+    form.EntryState = EntryState::Review;
     tune.Table.Clear(form.MeasHead, kLastRecord);
     ReadBackTail(form.MeasHead, 0);
     WalkMeasEnd();
@@ -244,8 +244,8 @@ void Editor::CancelInsertedMeasure()
 
 void Editor::lblMeasNum()
 {
-    if (form.EntryState == kAppendState)
-        form.EntryState = kEditState;
+    if (form.EntryState == EntryState::Append)
+        form.EntryState = EntryState::Edit;
     const std::string offered = std::to_string(tune.CurMeas);
     const double number = Val(dialogs.Prompt("Measure Number", offered).value_or(""));
     if (number > 0 && number < tune.LastMeas + 1)
@@ -259,12 +259,12 @@ void Editor::lblMeasNum()
 
 void Editor::mnuAppend()
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     tune.CurNote = tune.LastNote;
     tune.CurMeas = tune.LastMeas;
-    form.lblMeasNum = std::to_string(tune.CurMeas + 1);
-    form.EntryState = kAppendState;
-    form.InputMode = kFretMode;
+    view.lblMeasNum = std::to_string(tune.CurMeas + 1);
+    form.EntryState = EntryState::Append;
+    form.InputMode = InputMode::Fret;
     cmdNext();
 }
 

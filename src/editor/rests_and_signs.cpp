@@ -32,7 +32,7 @@ void Editor::FocusAfterLongRest()
 /// Makes record CurNote a rest. Code 0 leaves its value as it is.
 void Editor::EnterRest(int restCode)
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     NoteRecord& rest = Current();
     rest.Measure = tune.CurMeas;
     rest.Beats = form.CurBeats;
@@ -44,7 +44,7 @@ void Editor::EnterRest(int restCode)
         rest.NoteCode = restCode;
         rest.Spacing = SpacingOf(restCode);
     }
-    if (form.EntryState == kAppendState) {
+    if (form.EntryState == EntryState::Append) {
         form.MeasEnd = tune.CurNote;
         tune.LastMeas = tune.CurMeas;
         view.RedrawMeasure();
@@ -71,7 +71,7 @@ void Editor::EnterRest(int restCode)
         tune.CurNote = tune.LastNote;
     }
     if (tune.CurNote == tune.LastNote)
-        form.EntryState = kAppendState;
+        form.EntryState = EntryState::Append;
 }
 
 void Editor::mnuRptSign()
@@ -97,7 +97,7 @@ void Editor::mnuBegDoubBar()
 /// Removes whatever bar sign the measure has; sets `code` only where there was none.
 void Editor::ToggleBar(std::string_view code)
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     if (!Head().BarCode.empty()) {
         Head().BarCode.clear();
         view.RedrawMeasure();
@@ -155,7 +155,7 @@ void Editor::mnuDSfine()
 /// Sets a navigation sign in place of any other, or removes it if it is the one that stands there.
 void Editor::ToggleSign(std::string_view code)
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     std::string& sign = Head().Slot(1);
     const bool set = sign != code;
     if (set) {
@@ -171,15 +171,15 @@ void Editor::ToggleSign(std::string_view code)
 
 void Editor::mnuRepeatEnds()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     if (!Head().Slot(2).empty()) {
         Head().Slot(2).clear();
         view.RedrawMeasure();
         return;
     }
-    form.InputMode = kBracketMode;
+    form.InputMode = InputMode::Bracket;
     view.DrawBracket();
     form.txtRptBracket.Visible = true;
     form.txtRptBracket.Enabled = true;
@@ -204,7 +204,7 @@ void Editor::mnuHardBrk()
         view.RedrawMeasure();
     } else {
         lineBreak = kLineBreak;
-        form.hdbkbox = "Line Break";
+        view.hdbkbox = "Line Break";
     }
 }
 

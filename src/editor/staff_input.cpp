@@ -45,15 +45,9 @@ bool IsControl(char character)
 
 }  // namespace
 
-/// Not limited to the strings of the instrument.
-int Editor::StringUnderCursor() const
-{
-    return Round((form.CursorY - 28) / 8.0);
-}
-
 int Editor::PlayableStringUnderCursor() const
 {
-    const int s = StringUnderCursor();
+    const int s = StringAt(form.CursorY);
     return s < 1 || s > tune.NumStrings ? int{tune.NumStrings} : s;
 }
 
@@ -75,7 +69,7 @@ void Editor::HideCaret()
 void Editor::StaffBoxKeyDown(int keyCode)
 {
     HideCaret();
-    if (form.InputMode == kChordMode)
+    if (form.InputMode == InputMode::Chord)
         return;
     switch (keyCode) {
     case kKeyBackspace:
@@ -98,9 +92,9 @@ void Editor::StaffBoxKeyDown(int keyCode)
             form.CursorY = StringY(1);
         break;
     case kKeyDelete:
-        if (form.InputMode == kFretMode) {
-            form.Saved = 0;
-            Current().Slot(StringUnderCursor()).clear();
+        if (form.InputMode == InputMode::Fret) {
+            form.Saved = SavedState::Unsaved;
+            Current().Slot(StringAt(form.CursorY)).clear();
             view.RedrawMeasure();
         }
         break;
@@ -118,14 +112,14 @@ void Editor::MoveCursorBy(int dy)
 
 void Editor::Backspace()
 {
-    if (form.EntryState == kReviewState) {
-        form.Saved = 0;
-        Current().Slot(StringUnderCursor()).clear();
+    if (form.EntryState == EntryState::Review) {
+        form.Saved = SavedState::Unsaved;
+        Current().Slot(StringAt(form.CursorY)).clear();
         form.CursorX = Current().XPos;
         view.RedrawMeasure();
-    } else if (form.EntryState == kAppendState) {
+    } else if (form.EntryState == EntryState::Append) {
         if (tune.CurNote > form.MeasHead + 1 && Current().Measure == 0) {
-            form.Saved = 0;
+            form.Saved = SavedState::Unsaved;
             --tune.CurNote;
             --tune.LastNote;
         }
@@ -164,8 +158,8 @@ void Editor::Left()
 {
     if (tune.CurNote == form.MeasHead + 1)
         return;
-    if (form.EntryState == kAppendState)
-        form.EntryState = kEditState;
+    if (form.EntryState == EntryState::Append)
+        form.EntryState = EntryState::Edit;
     HideCaret();
     --tune.CurNote;
     form.CursorX = Current().XPos;
@@ -175,16 +169,16 @@ void Editor::Left()
 
 void Editor::Right()
 {
-    if (form.EntryState == kAppendState)
+    if (form.EntryState == EntryState::Append)
         return;
-    if (form.EntryState == kReviewState && tune.CurNote + 1 > form.MeasEnd)
+    if (form.EntryState == EntryState::Review && tune.CurNote + 1 > form.MeasEnd)
         return;
     HideCaret();
-    if (form.EntryState == kEditState && tune.CurNote == tune.LastNote) {
+    if (form.EntryState == EntryState::Edit && tune.CurNote == tune.LastNote) {
         if (form.MeasFill < form.MeasCapacity) {
             form.CursorX = EndOf(tune.CurNote);
             ++tune.CurNote;
-            form.EntryState = kAppendState;
+            form.EntryState = EntryState::Append;
         }
         return;
     }
@@ -197,22 +191,22 @@ void Editor::Right()
 
 void Editor::StaffBoxKeyPress(char character)
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     view.StaffBox.CurrentX = form.CursorX;
     view.StaffBox.CurrentY = form.CursorY;
     switch (form.InputMode) {
-    case kFretMode:
-    case kInsertMode:
+    case InputMode::Fret:
+    case InputMode::Insert:
         FretKey(character);
         break;
-    case kChordMode:
+    case InputMode::Chord:
         ChordKey(character);
         break;
-    case kLeftHandMode:
-    case kRightHandMode:
+    case InputMode::LeftHand:
+    case InputMode::RightHand:
         HandKey(character);
         break;
-    case kBracketMode:
+    case InputMode::Bracket:
         BracketKey(character);
         break;
     default:
@@ -239,7 +233,7 @@ void Editor::FretKey(char character)
             SelectValue(row.triplet);
         break;
     case kKeyEnter:
-        if (form.EntryState == kAppendState) {
+        if (form.EntryState == EntryState::Append) {
             CommitNote();
         } else {
             form.CursorX = Current().XPos;
@@ -266,7 +260,7 @@ void Editor::EnterFret(char character)
     note.NoteCode = form.CurValue;
     note.Beats = form.CurBeats;
     note.BeatUnit = form.CurBeatUnit;
-    if (form.EntryState == kAppendState) {
+    if (form.EntryState == EntryState::Append) {
         form.MeasEnd = tune.CurNote;
         tune.LastNote = tune.CurNote;
     }
@@ -323,7 +317,7 @@ void Editor::ChordKey(char character)
         form.CursorX = Current().XPos;
         if (form.MeasEnd < tune.CurNote)
             form.MeasEnd = tune.CurNote;
-        form.InputMode = kFretMode;
+        form.InputMode = InputMode::Fret;
         view.RedrawMeasure();
     } else if (character == kKeyBackspace) {
         NoteRecord& note = Current();
@@ -342,7 +336,7 @@ void Editor::ChordKey(char character)
 
 void Editor::HandKey(char character)
 {
-    const bool left = form.InputMode == kLeftHandMode;
+    const bool left = form.InputMode == InputMode::LeftHand;
     if (character != kKeyEnter && character != kKeyBackspace) {
         if (IsControl(character))
             return;
@@ -350,7 +344,7 @@ void Editor::HandKey(char character)
         view.StaffBox.PrintLineAt(form.CursorX, y, {&character, 1});
         (left ? Current().LeftHand : Current().RightHand) = character;
     }
-    form.InputMode = kFretMode;
+    form.InputMode = InputMode::Fret;
     form.CursorY = form.SavedCursorY;
 }
 
@@ -360,7 +354,7 @@ void Editor::BracketKey(char character)
     if (character == kKeyEnter) {
         form.CursorY = form.SavedCursorY;
         form.CursorX = Current().XPos;
-        form.InputMode = kFretMode;
+        form.InputMode = InputMode::Fret;
         view.RedrawMeasure();
     } else if (!IsControl(character)) {
         view.StaffBox.PrintLineAt(form.CursorX, 6, {&character, 1});
@@ -375,16 +369,16 @@ void Editor::txtRptBracketEnter()
     Head().Slot(2) = form.txtRptBracket.Text;
     form.txtRptBracket.Visible = false;
     SetFocus(Control::StaffBox);
-    form.InputMode = kFretMode;
+    form.InputMode = InputMode::Fret;
 }
 
 void Editor::mnuChord()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
     form.SavedCursorY = form.CursorY;
-    form.InputMode = kChordMode;
-    form.Saved = 0;
+    form.InputMode = InputMode::Chord;
+    form.Saved = SavedState::Unsaved;
     if (!Current().ChordText.empty()) {
         Current().ChordText.clear();
         view.RedrawMeasure();
@@ -395,12 +389,12 @@ void Editor::mnuChord()
 
 void Editor::mnuLHEdit()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
-    form.Saved = 0;
-    if (form.InputMode == kFretMode)
+    form.Saved = SavedState::Unsaved;
+    if (form.InputMode == InputMode::Fret)
         form.SavedCursorY = form.CursorY;
-    form.InputMode = kLeftHandMode;
+    form.InputMode = InputMode::LeftHand;
     Current().LeftHand = ' ';
     view.RedrawMeasure();
     form.CursorY = 68 + 8 * tune.NumStrings;
@@ -410,12 +404,12 @@ void Editor::mnuLHEdit()
 
 void Editor::mnuRHEdit()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
-    form.Saved = 0;
-    if (form.InputMode == kFretMode)
+    form.Saved = SavedState::Unsaved;
+    if (form.InputMode == InputMode::Fret)
         form.SavedCursorY = form.CursorY;
-    form.InputMode = kRightHandMode;
+    form.InputMode = InputMode::RightHand;
     Current().RightHand = ' ';
     view.RedrawMeasure();
     form.CursorY = 44 + 10 * tune.NumStrings;
@@ -458,17 +452,17 @@ bool Editor::ClickOnTimeSignature(double y)
 
 void Editor::StaffBoxMouseDown(double x, double y)
 {
-    if (form.InputMode == kBracketMode) {
+    if (form.InputMode == InputMode::Bracket) {
         Head().Slot(2) = form.txtRptBracket.Text;
         form.txtRptBracket.Enabled = false;
         SetFocus(Control::StaffBox);
-        form.InputMode = kFretMode;
+        form.InputMode = InputMode::Fret;
     }
     HideCaret();
     if (x < 18 && form.MeasHead > form.MeasEnd && ClickOnTimeSignature(y))
         return;
-    if (form.InputMode != kInsertMode)
-        form.InputMode = kFretMode;
+    if (form.InputMode != InputMode::Insert)
+        form.InputMode = InputMode::Fret;
     HideCaret();
     if (form.MeasEnd < form.MeasHead) {
         form.CursorX = kFirstNoteX;
@@ -476,12 +470,12 @@ void Editor::StaffBoxMouseDown(double x, double y)
         const int first = form.MeasHead + 1;
         if (x > tune[form.MeasEnd].XPos + 18) {
             if (form.MeasEnd == tune.LastNote && form.MeasFill < form.MeasCapacity) {
-                form.EntryState = kAppendState;
+                form.EntryState = EntryState::Append;
                 form.CursorX = EndOf(form.MeasEnd);
                 tune.CurNote = tune.LastNote + 1;
             } else {
-                if (form.EntryState == kAppendState)
-                    form.EntryState = kEditState;
+                if (form.EntryState == EntryState::Append)
+                    form.EntryState = EntryState::Edit;
                 form.CursorX = tune[form.MeasEnd].XPos;
                 tune.CurNote = form.MeasEnd;
             }
@@ -498,8 +492,8 @@ void Editor::StaffBoxMouseDown(double x, double y)
                     }
                 }
             }
-            if (form.EntryState == kAppendState && tune.CurNote < tune.LastNote)
-                form.EntryState = kEditState;
+            if (form.EntryState == EntryState::Append && tune.CurNote < tune.LastNote)
+                form.EntryState = EntryState::Edit;
         }
         TakeValueOfNote();
     }

@@ -61,7 +61,7 @@ ExportedTune::ExportedTune(const std::string& path, const ExportOptions& options
 {
     win.tune.NumStrings = options.Strings.value_or(StringsOf(path));
     win.tune.FileName = path;
-    win.form.Saved = 1;
+    win.form.Saved = SavedState::Saved;
     win.form.Focus = Control::StaffBox;  // so that loading shows the first measure just once
     win.form.MeasHead = 1;
     win.form.MeasCapacity = 48;

@@ -91,10 +91,10 @@ struct Cell {
 
 }  // namespace
 
-MeasureView::MeasureView(Tune& theTune, MainForm& mainForm, const PageSettings& pageSettings,
-                         const TextMetrics& textMetrics)
+MeasureView::MeasureView(Tune& theTune, EditingState& editingState,
+                         const PageSettings& pageSettings, const TextMetrics& textMetrics)
     : StaffBox(textMetrics, kPoints, kStaffBoxWidth, kStaffBoxHeight), tune(theTune),
-      form(mainForm), page(pageSettings), metrics(textMetrics)
+      state(editingState), page(pageSettings), metrics(textMetrics)
 {
     StaffBox.Font = {page.BodyFontName, kTextSize, true};
 }
@@ -103,10 +103,10 @@ void MeasureView::ClearStaff()
 {
     const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     StaffBox.Clear();
-    form.CaretOn = 0;
+    state.CaretOn = 0;
     StaffBox.Font.Size = static_cast<float>(sizes.SignatureSize);
-    StaffBox.PrintLineAt(kSignatureX, sizes.UpperFigureY, PrintedInteger(form.CurBeats));
-    StaffBox.PrintLineAt(kSignatureX, sizes.LowerFigureY, PrintedInteger(form.CurBeatUnit));
+    StaffBox.PrintLineAt(kSignatureX, sizes.UpperFigureY, PrintedInteger(state.CurBeats));
+    StaffBox.PrintLineAt(kSignatureX, sizes.LowerFigureY, PrintedInteger(state.CurBeatUnit));
     StaffBox.Font.Size = kTextSize;
     UseBodyFont();
 }
@@ -115,43 +115,43 @@ void MeasureView::RedrawMeasure()
 {
     UseBodyFont();
     const Int16 curNote = tune.CurNote;
-    NoteRecord& head = tune[form.MeasHead];
-    form.CurBeats = head.Beats;
-    form.CurBeatUnit = head.BeatUnit;
-    form.MeasCapacity = form.CurBeats * TicksPerBeat(form.CurBeatUnit);
+    NoteRecord& head = tune[state.MeasHead];
+    state.CurBeats = head.Beats;
+    state.CurBeatUnit = head.BeatUnit;
+    state.MeasCapacity = state.CurBeats * TicksPerBeat(state.CurBeatUnit);
     ClearStaff();
-    form.MeasFill = 0;
-    form.hdbkbox = head.Slot(6) == kLineBreak ? "Line Break" : "";
+    state.MeasFill = 0;
+    hdbkbox = head.Slot(6) == kLineBreak ? "Line Break" : "";
     if (head.BarCode < "1")
         head.BarCode.clear();
     DeriveSpacing();
-    form.lblMeasNum = std::to_string(tune.CurMeas);
+    lblMeasNum = std::to_string(tune.CurMeas);
     if (!head.Slot(3).empty())
         DrawRemark();
     BeamAndPlace();
     head.BeamCode = 0;
-    EndBarX = form.MeasFill >= form.MeasCapacity
-                  ? tune[form.MeasEnd].XPos + kCharWidth * tune[form.MeasEnd].Spacing
+    EndBarX = state.MeasFill >= state.MeasCapacity
+                  ? tune[state.MeasEnd].XPos + kCharWidth * tune[state.MeasEnd].Spacing
                   : kStaffEndX;
 
     tickCount = beamStartX = beam2StartX = tripletCount = 0;
-    for (tune.CurNote = form.MeasHead + 1; tune.CurNote <= form.MeasEnd; ++tune.CurNote)
+    for (tune.CurNote = state.MeasHead + 1; tune.CurNote <= state.MeasEnd; ++tune.CurNote)
         DrawNote();
 
     DrawFurniture(head);
     // A short measure inside the tune counts as full for the entry of notes:
     // docs/kept_behaviour.md, "The measure view".
-    if (form.InputMode == kFretMode && form.MeasFill < form.MeasCapacity &&
+    if (state.InputMode == InputMode::Fret && state.MeasFill < state.MeasCapacity &&
         tune.CurMeas < tune.LastMeas)
-        form.MeasFill = form.MeasCapacity;
+        state.MeasFill = state.MeasCapacity;
     tune.CurNote = curNote;
-    form.lblLastNote = std::to_string(tune.LastNote);
+    lblLastNote = std::to_string(tune.LastNote);
 }
 
 void MeasureView::DrawFurniture(const NoteRecord& head)
 {
     DrawBar(head.BarCode, true);
-    if (!head.Slot(2).empty() || form.InputMode == kBracketMode) {
+    if (!head.Slot(2).empty() || state.InputMode == InputMode::Bracket) {
         DrawBracket();
         StaffBox.PrintLineAt(kBracketTextX, kTopRowY, head.Slot(2));
     }
@@ -160,7 +160,7 @@ void MeasureView::DrawFurniture(const NoteRecord& head)
 
 void MeasureView::DeriveSpacing()
 {
-    for (int i = form.MeasHead + 1; i <= form.MeasEnd; ++i) {
+    for (int i = state.MeasHead + 1; i <= state.MeasEnd; ++i) {
         NoteRecord& note = tune[i];
         if (const int spacing = SpacingOf(note.NoteCode))
             note.Spacing = spacing;
@@ -174,7 +174,7 @@ void MeasureView::DeriveSpacing()
 
 void MeasureView::DrawRemark()
 {
-    const std::string& remark = tune[form.MeasHead].Slot(3);
+    const std::string& remark = tune[state.MeasHead].Slot(3);
     if (remark.front() != '/') {
         StaffBox.PrintLineAt(kFirstNoteX, kRemarkY, remark);
         return;
@@ -184,17 +184,17 @@ void MeasureView::DrawRemark()
     const std::string text = remark.substr(1);
     const double twips = metrics.Width(text, {page.FormFontName, kFormFontSize}) * kTwips;
     const int width = Floor(twips / kTwipsPerInch * kPointsPerInch);
-    StaffBox.PrintLineAt(tune[form.MeasEnd].XPos - width, kRemarkY, text);
+    StaffBox.PrintLineAt(tune[state.MeasEnd].XPos - width, kRemarkY, text);
 }
 
 void MeasureView::BeamAndPlace()
 {
-    BeamPass beams(tune, form.MeasCapacity);
+    BeamPass beams(tune, state.MeasCapacity);
     Int16 x = kFirstNoteX;
-    for (tune.CurNote = form.MeasHead + 1; tune.CurNote <= form.MeasEnd; ++tune.CurNote) {
+    for (tune.CurNote = state.MeasHead + 1; tune.CurNote <= state.MeasEnd; ++tune.CurNote) {
         NoteRecord& note = tune[tune.CurNote];
-        beams.Step(form.MeasFill);
-        form.MeasFill += TicksOf(note.NoteCode);
+        beams.Step(state.MeasFill);
+        state.MeasFill += TicksOf(note.NoteCode);
         note.XPos = x;
         x += kCharWidth * note.Spacing;
     }
@@ -206,7 +206,7 @@ void MeasureView::DrawNote()
     const int code = note.NoteCode;
     if (!note.ChordText.empty())
         StaffBox.PrintLineAt(note.XPos, kTopRowY, note.ChordText);
-    if (tickCount % TicksPerBeamGroup(form.CurBeatUnit) == 0 || code == kQuarterRest ||
+    if (tickCount % TicksPerBeamGroup(state.CurBeatUnit) == 0 || code == kQuarterRest ||
         code == kHalfRest || code == kWholeRest)
         beamStartX = beam2StartX = 0;
     if (code <= kDottedEighth && beamStartX == 0)

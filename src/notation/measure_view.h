@@ -8,7 +8,7 @@
 #pragma once
 
 #include "notation/draw_surface.h"
-#include "store/main_form.h"
+#include "store/editing_state.h"
 #include "store/page_settings.h"
 #include "store/tune.h"
 
@@ -17,15 +17,35 @@ namespace quillon {
 constexpr double kStaffBoxWidth = 360;
 constexpr double kStaffBoxHeight = 150;
 constexpr int kBarTopY = 36;
+constexpr int kFirstNoteX = 48;  // where the first note of a measure stands
+constexpr int kStaffEndX = 350;
 constexpr int kCharWidth = 6;  // points: a character of fret text, and the unit of Spacing
+
+/// Y of the cursor on string s, 1 is the top line.
+constexpr int StringY(int s)
+{
+    return 28 + 8 * s;
+}
+
+/// The string that a cursor at y stands on, ties to the even one. Not limited to the strings of
+/// the instrument.
+inline int StringAt(int y)
+{
+    return Round((y - StringY(0)) / 8.0);
+}
 
 class MeasureView {
 public:
-    MeasureView(Tune& theTune, MainForm& mainForm, const PageSettings& pageSettings,
+    MeasureView(Tune& theTune, EditingState& editingState, const PageSettings& pageSettings,
                 const TextMetrics& textMetrics);
 
     DrawSurface StaffBox;
     Int16 EndBarX;  // x of the closing bar
+
+    // Labels beside StaffBox
+    std::string lblMeasNum;   // the measure's number
+    std::string lblLastNote;  // the highest record in use
+    std::string hdbkbox;      // "Line Break" or ""
 
     void RedrawMeasure();
 
@@ -73,7 +93,7 @@ private:
     void UseBodyFont() { UseFont(page.BodyFontName); }
 
     Tune& tune;
-    MainForm& form;
+    EditingState& state;
     const PageSettings& page;
     const TextMetrics& metrics;
 

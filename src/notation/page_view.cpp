@@ -10,8 +10,8 @@ constexpr double kRoomBesideLargeView = 700;  // twips of the window's height
 
 }  // namespace
 
-PageView::PageView(MainForm& mainForm, const TextMetrics& metrics)
-    : picPage1(kPageCount, {DrawSurface(metrics, kTwips, kPageWidth, kPageHeight)}), form(mainForm)
+PageView::PageView(const TextMetrics& metrics)
+    : picPage1(kPageCount, {DrawSurface(metrics, kTwips, kPageWidth, kPageHeight)})
 {
 }
 
@@ -33,7 +33,6 @@ void PageView::mnuLargeview()
 {
     LargeView = true;
     PicPageHeight = VsbPageHeight = mainWinHeight - kRoomBesideLargeView;
-    form.ToolsVisible = false;
 }
 
 // The scroll bar keeps its height (docs/kept_behaviour.md, "Pages and paper"): after a large view
@@ -42,7 +41,6 @@ void PageView::mnuSmallView()
 {
     LargeView = false;
     PicPageHeight = mainWinHeight / 2;
-    form.ToolsVisible = true;
 }
 
 void PageView::mnuPgDown()

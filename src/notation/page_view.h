@@ -7,7 +7,6 @@
 
 #include "notation/draw_surface.h"
 #include "platform/clipboard.h"
-#include "store/main_form.h"
 #include "store/numbers.h"
 
 #include <vector>
@@ -28,7 +27,7 @@ struct PageSurface {
 
 class PageView {
 public:
-    PageView(MainForm& mainForm, const TextMetrics& metrics);
+    explicit PageView(const TextMetrics& metrics);
 
     std::vector<PageSurface> picPage1;  // kPageCount of them
     Int16 ShownPage;                    // in view, or touched by the mouse last
@@ -75,7 +74,6 @@ public:
 private:
     void DrawMarquee(int index);
 
-    MainForm& form;
     double mainWinHeight = 0;
 };
 

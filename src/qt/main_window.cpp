@@ -353,15 +353,15 @@ void MainWindow::ShowForm()
 
 void MainWindow::ShowTools()
 {
-    ui->work->setVisible(win.form.ToolsVisible);
+    ui->work->setVisible(!win.pages.LargeView);
     SetText(ui->cmdNext, win.form.cmdNextCaption);
     SetText(ui->cmdPrevious, win.form.cmdPreviousCaption);
-    SetText(ui->lblMeasNum, win.form.lblMeasNum);
-    SetText(ui->lblLastNote, win.form.lblLastNote);
-    SetText(ui->hdbkbox, win.form.hdbkbox);
+    SetText(ui->lblMeasNum, win.view.lblMeasNum);
+    SetText(ui->lblLastNote, win.view.lblLastNote);
+    SetText(ui->hdbkbox, win.view.hdbkbox);
     SetName(ui->lblMeasNum, "Measure " + ui->lblMeasNum->text());
     SetName(ui->lblLastNote, "Last note " + ui->lblLastNote->text());
-    SetName(ui->hdbkbox, win.form.hdbkbox.empty() ? "No line break" : "Line break");
+    SetName(ui->hdbkbox, win.view.hdbkbox.empty() ? "No line break" : "Line break");
     ui->Toolbar1->SetDown(win.form.Toolbar1);
     SetText(txtRptBracket, win.form.txtRptBracket.Text);
 }

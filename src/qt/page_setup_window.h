@@ -3,7 +3,7 @@
 #pragma once
 
 #include "qt/form_window.h"
-#include "shell/page_setup.h"
+#include "shell/main_win.h"
 
 #include <memory>
 

@@ -2,7 +2,6 @@
 
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
-#include "shell/page_setup.h"
 #include "store/tune_file.h"
 
 namespace quillon {
@@ -40,7 +39,7 @@ bool SettingIsTrue(const Settings& settings, const std::string& key)
 }  // namespace
 
 MainWin::MainWin(const Platform& thePlatform, const TextMetrics& textMetrics)
-    : platform(thePlatform), view(tune, form, page, textMetrics), pages(form, textMetrics),
+    : platform(thePlatform), view(tune, form, page, textMetrics), pages(textMetrics),
       editor(tune, form, view, platform.dialogs, platform.system),
       frmBldMidi(tune, tunings, platform),
       frmMidiSetup(page, platform.settings, platform.midiPorts), metrics(textMetrics)
@@ -63,7 +62,7 @@ bool MainWin::Load()
     pages.ResetCounters();
     if (!platform.system.HasFont("TAB")) {
         platform.dialogs.Message(Icon::Stop, "Installation Error", kFontMissing);
-        form.Saved = 1;
+        form.Saved = SavedState::Saved;
         platform.system.End();
         return false;
     }
@@ -76,7 +75,7 @@ bool MainWin::Load()
     form.CaretOn = 0;
     ResetTuneState(form.CursorY);
     tune.CurNote = 1;
-    form.Saved = 65535;
+    form.Saved = SavedState::BeforeTune;
     form.Timer1Enabled = true;
     form.FirstActivation = true;
     form.Caption = FindMode(tune.NumStrings)->Caption;
@@ -125,8 +124,8 @@ void MainWin::ResetTuneState(int cursorY)
     form.CurBeatUnit = 4;
     form.MeasCapacity = 48;
     form.MeasFill = 0;
-    form.EntryState = kAppendState;
-    form.InputMode = kFretMode;
+    form.EntryState = EntryState::Append;
+    form.InputMode = InputMode::Fret;
     form.CursorX = kFirstNoteX;
     form.CursorY = cursorY;
     form.Parked = {};
@@ -160,14 +159,14 @@ void MainWin::SplashClosed()
 
 void MainWin::Unload()
 {
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         AskToSave();
 }
 
 void MainWin::AskToSave()
 {
     if (!platform.dialogs.Ask("", kSaveQuestion)) {
-        form.Saved = 1;
+        form.Saved = SavedState::Saved;
         form.Discarded = true;
     } else if (tune.FileName > " ") {
         mnuSave();
@@ -185,13 +184,13 @@ void MainWin::mnuNew()
     form.cmdNextCaption = "Next";
     form.cmdPreviousCaption = "Previous";
     editor.HideCaret();
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         AskToSave();
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         return;
     tune.FileName.clear();
     form.mnuSaveEnabled = false;
-    form.Saved = 1;
+    form.Saved = SavedState::Saved;
     tune.Table.Clear();
     ResetTuneState(StringY(tune.NumStrings));
     view.ClearStaff();
@@ -200,8 +199,8 @@ void MainWin::mnuNew()
     tune[1].NoteCode = kHead;
     tune[1].Beats = 4;
     tune[1].BeatUnit = 4;
-    form.lblMeasNum = std::to_string(tune.CurMeas);
-    form.lblLastNote = std::to_string(tune.LastNote);
+    view.lblMeasNum = std::to_string(tune.CurMeas);
+    view.lblLastNote = std::to_string(tune.LastNote);
     editor.SetToolbarValue(kQuarter);
     editor.SetFocus(Control::StaffBox);
 }
@@ -228,11 +227,12 @@ void MainWin::OpenTune(const std::function<std::optional<std::string>()>& choose
     pages.PageMax = 0;
     form.cmdNextCaption = "Next";
     form.cmdPreviousCaption = "Previous";
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         AskToSave();
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         return;
-    form.Saved = 1;  // before the dialog: a cancelled one leaves unsaved edits marked as saved
+    form.Saved = SavedState::Saved;  // before the dialog: a cancelled one leaves unsaved edits
+                                     // marked as saved
     const auto path = choosePath();
     if (!path)
         return;
@@ -274,7 +274,7 @@ void MainWin::ShowTune(std::optional<std::string> bytes)
         IncompatibleFile();
     }
     FontsFromHeader();
-    form.EntryState = kReviewState;
+    form.EntryState = EntryState::Review;
     tune.CurMeas = 0;
     tune.CurNote = 0;
     editor.cmdNext();
@@ -320,14 +320,15 @@ void MainWin::WriteTuneFile()
 // There is no look at InputMode: during an insertion the parked tail is absent from the file.
 void MainWin::mnuSave()
 {
-    form.Saved = 0;  // the file is emptied first: a failure leaves the tune in the table alone
+    form.Saved = SavedState::Unsaved;  // the file is emptied first: a failure leaves the tune in
+                                       // the table alone
     WriteTuneFile();
-    form.Saved = 1;
+    form.Saved = SavedState::Saved;
 }
 
 void MainWin::mnuSaveAs()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
     const char* extension = FindMode(tune.NumStrings)->Extension;
     const auto path = platform.dialogs.SaveFile(tune.FileName, extension, extension);
@@ -341,15 +342,15 @@ void MainWin::mnuSaveAs()
             return;  // the tune stays unsaved, without a message
         }
     }
-    form.Saved = 1;
+    form.Saved = SavedState::Saved;
     form.mnuSaveEnabled = true;
 }
 
 void MainWin::mnuExit()
 {
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         AskToSave();
-    if (form.Saved == 1)
+    if (form.Saved == SavedState::Saved)
         platform.system.End();
 }
 
@@ -365,15 +366,15 @@ void MainWin::LoadActiveTuning(bool writeSetting)
 void MainWin::ChooseInstrument(int numStrings)
 {
     pages.mnuSmallView();
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         AskToSave();
-    if (form.Saved == 0)
+    if (form.Saved == SavedState::Unsaved)
         return;
     pages.BlankPages();
     tune.NumStrings = numStrings;
     form.Caption = FindMode(numStrings)->Caption;
     ShowStringLines();
-    form.Saved = 1;
+    form.Saved = SavedState::Saved;
     LoadActiveTuning(true);
     platform.settings.Set(kPrefs, "NumStrings", std::to_string(numStrings));
     mnuNew();
@@ -396,7 +397,7 @@ void MainWin::mnuMandolin()
 
 void MainWin::cmdRefresh()
 {
-    if (form.InputMode == kInsertMode)
+    if (form.InputMode == InputMode::Insert)
         return;
     ReportTooWide(LayOutPages(tune, page, pages));
     editor.SetFocus(Control::StaffBox);
@@ -424,7 +425,10 @@ void MainWin::mnuPageSet()
 {
     editor.HideCaret();
     form.FormEnabled = false;
-    frmPgSetup = std::make_unique<PageSetup>(*this);
+    frmPgSetup.emplace(tune, page, platform, [this] {
+        form.FormEnabled = true;
+        editor.SetFocus(Control::StaffBox);
+    });
     frmPgSetup->Activate();
     platform.system.Show(Form::frmPgSetup);
 }

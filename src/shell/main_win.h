@@ -5,13 +5,14 @@
 #pragma once
 
 #include "editor/editor.h"
+#include "editor/main_form.h"
 #include "midi/midi_form.h"
 #include "midi/midi_setup.h"
 #include "midi/tuning_form.h"
 #include "notation/measure_view.h"
 #include "notation/page_view.h"
 #include "platform/platform.h"
-#include "store/main_form.h"
+#include "shell/page_setup.h"
 #include "store/page_settings.h"
 #include "store/tune.h"
 #include "store/tunings.h"
@@ -23,10 +24,6 @@
 #include <vector>
 
 namespace quillon {
-
-inline constexpr const char* kPrefs = "Prefs";  // settings section
-
-class PageSetup;
 
 class MainWin {
 public:
@@ -45,8 +42,8 @@ public:
     // The forms that it opens. They stand beside it and work on the same tune.
     MidiForm frmBldMidi;
     MidiSetup frmMidiSetup;
-    std::vector<TuningForm> tuningForms;    // Guitar, banjo, bass
-    std::unique_ptr<PageSetup> frmPgSetup;  // null while it is not open
+    std::vector<TuningForm> tuningForms;  // Guitar, banjo, bass
+    std::optional<PageSetup> frmPgSetup;  // while it is open
 
     /// Start-up. False when the notation font is missing: the box was shown, the program ends.
     bool Load();

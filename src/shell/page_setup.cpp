@@ -1,29 +1,35 @@
 #include "shell/page_setup.h"
 
+#include "store/numbers.h"
+
+#include <utility>
+
 namespace quillon {
 
-PageSetup::PageSetup(MainWin& mainWin)
-    : txtLeft(NumberText(mainWin.page.PageLeft)), txtRight(NumberText(mainWin.page.PageRight)),
-      txtTop(NumberText(mainWin.page.PageTop)), txtStaveSpace(NumberText(mainWin.page.StaveSpace)),
-      win(mainWin)
+PageSetup::PageSetup(Tune& theTune, PageSettings& pageSettings, const Platform& thePlatform,
+                     std::function<void()> returnToMainForm)
+    : txtLeft(NumberText(pageSettings.PageLeft)), txtRight(NumberText(pageSettings.PageRight)),
+      txtTop(NumberText(pageSettings.PageTop)), txtStaveSpace(NumberText(pageSettings.StaveSpace)),
+      tune(theTune), page(pageSettings), platform(thePlatform),
+      giveBack(std::move(returnToMainForm))
 {
 }
 
 void PageSetup::Activate()
 {
-    Text1 = win.tune[0].ChordText;
-    Text2 = win.tune[0].Slot(1);
-    Text3 = win.tune[0].Slot(2);
+    Text1 = tune[0].ChordText;
+    Text2 = tune[0].Slot(1);
+    Text3 = tune[0].Slot(2);
     ShowFonts();
     Focus = Box::Text1;
 }
 
 void PageSetup::ShowFonts()
 {
-    LblBodyFontName = win.page.BodyFontName;
-    lblBodyFontSize = NumberText(win.page.BodyFontSize);
-    lblTitleFontName = win.page.TitleFontName;
-    lblTitleFontSize = NumberText(win.page.TitleFontSize);
+    LblBodyFontName = page.BodyFontName;
+    lblBodyFontSize = NumberText(page.BodyFontSize);
+    lblTitleFontName = page.TitleFontName;
+    lblTitleFontSize = NumberText(page.TitleFontSize);
 }
 
 void PageSetup::Enter()
@@ -33,53 +39,50 @@ void PageSetup::Enter()
 
 void PageSetup::chkJustifyChange()
 {
-    win.page.TitleCentered = chkJustify;
+    page.TitleCentered = chkJustify;
 }
 
 void PageSetup::cmdBodyFont()
 {
-    PageSettings& page = win.page;
-    const auto font = win.platform.dialogs.ChooseFont({page.BodyFontName, page.BodyFontSize});
+    const auto font = platform.dialogs.ChooseFont({page.BodyFontName, page.BodyFontSize});
     if (!font)
         return;
     page.BodyFontName = font->Name;
     page.BodyFontSize = font->Size;
     if (page.BodyFontSize != 8 && page.BodyFontSize != 10 && page.BodyFontSize != 12) {
         page.BodyFontSize = 10;
-        win.platform.dialogs.Message(Icon::None, "Font Size Error",
-                                     "Quillon only allows a body font size of 8, 10, or 12.\r\n"
-                                     " Defaulting to font size of 10");
+        platform.dialogs.Message(Icon::None, "Font Size Error",
+                                 "Quillon only allows a body font size of 8, 10, or 12.\r\n"
+                                 " Defaulting to font size of 10");
     }
-    win.tune[0].Slot(6) = page.BodyFontName;
-    win.tune[0].Slot(5) = NumberText(page.BodyFontSize);
+    tune[0].Slot(6) = page.BodyFontName;
+    tune[0].Slot(5) = NumberText(page.BodyFontSize);
     ShowFonts();
 }
 
 void PageSetup::cmdTitleFont()
 {
-    PageSettings& page = win.page;
-    const auto font = win.platform.dialogs.ChooseFont({page.TitleFontName, page.TitleFontSize});
+    const auto font = platform.dialogs.ChooseFont({page.TitleFontName, page.TitleFontSize});
     if (!font)
         return;
     page.TitleFontName = font->Name;
     page.TitleFontSize = font->Size;
-    win.tune[0].Slot(3) = page.TitleFontName;
-    win.tune[0].NoteCode = Round(page.TitleFontSize);
+    tune[0].Slot(3) = page.TitleFontName;
+    tune[0].NoteCode = Round(page.TitleFontSize);
     ShowFonts();
 }
 
 void PageSetup::cmdPgExit()
 {
-    NoteRecord& header = win.tune[0];
+    NoteRecord& header = tune[0];
     header.ChordText = Text1;
     header.Slot(1) = Text2;
     header.Slot(2) = Text3;
-    PageSettings& page = win.page;
     page.PageTop = Single(Val(txtTop));
     page.PageLeft = Single(Val(txtLeft));
     page.PageRight = Single(Val(txtRight));
     page.StaveSpace = Single(Val(txtStaveSpace));
-    Settings& settings = win.platform.settings;
+    Settings& settings = platform.settings;
     settings.Set(kPrefs, "StaveSpace", NumberText(page.StaveSpace));
     settings.Set(kPrefs, "PageTop", NumberText(page.PageTop));
     settings.Set(kPrefs, "PageRight", NumberText(page.PageRight));
@@ -90,8 +93,7 @@ void PageSetup::cmdPgExit()
 void PageSetup::Unload()
 {
     Loaded = false;
-    PageSettings& page = win.page;
-    Settings& settings = win.platform.settings;
+    Settings& settings = platform.settings;
     const auto store = [&](const char* key, const std::string& text, float& value) {
         settings.Set(kPrefs, key, text);
         value = Single(Val(text));
@@ -107,8 +109,7 @@ void PageSetup::Unload()
     settings.Set(kPrefs, "FontSize", NumberText(page.BodyFontSize));
     page.TitleCentered = chkJustify;
     settings.Set(kPrefs, "TitleCentered", page.TitleCentered ? "True" : "False");
-    win.form.FormEnabled = true;
-    win.editor.SetFocus(Control::StaffBox);
+    giveBack();
 }
 
 }  // namespace quillon

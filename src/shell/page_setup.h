@@ -6,7 +6,12 @@
 
 #pragma once
 
-#include "shell/main_win.h"
+#include "platform/platform.h"
+#include "store/page_settings.h"
+#include "store/tune.h"
+
+#include <functional>
+#include <string>
 
 namespace quillon {
 
@@ -15,7 +20,9 @@ class PageSetup {
 public:
     enum class Box { Text1, Text2, Text3, cmdPgExit };
 
-    explicit PageSetup(MainWin& mainWin);
+    /// All must outlive the form. `returnToMainForm` is called when it goes away.
+    PageSetup(Tune& theTune, PageSettings& pageSettings, const Platform& thePlatform,
+              std::function<void()> returnToMainForm);
 
     std::string Text1;  // title
     std::string Text2;  // credits
@@ -54,7 +61,10 @@ public:
 private:
     void ShowFonts();
 
-    MainWin& win;
+    Tune& tune;
+    PageSettings& page;
+    Platform platform;
+    std::function<void()> giveBack;
 };
 
 }  // namespace quillon

@@ -78,10 +78,10 @@ bool RescueCopy::TailWasLost() const
 {
     if (parked.empty() || win.form.Discarded)
         return false;
-    if (win.form.Saved != 0)
+    if (win.form.Saved != SavedState::Unsaved)
         return true;
     const ParkedTail& now = win.form.Parked;
-    const bool inserting = win.form.InputMode == kInsertMode;
+    const bool inserting = win.form.InputMode == InputMode::Insert;
     if (now.Bytes.empty())
         return inserting;  // read back, unless a second insertion has parked nothing in its place
     return now.Bytes != parked || (now.RecordsBack == 0 && !inserting);
@@ -120,7 +120,7 @@ void RescueCopy::Refresh()
 {
     if (TailWasLost()) {
         LeaveBehind();
-        if (win.form.InputMode != kInsertMode)
+        if (win.form.InputMode != InputMode::Insert)
             win.form.Parked = {};  // no command reads it back any more
     }
     Follow();
@@ -131,7 +131,7 @@ void RescueCopy::Follow()
 {
     parked = win.form.Parked.Bytes;
     win.form.Discarded = false;
-    if (win.form.Saved == 0) {
+    if (win.form.Saved == SavedState::Unsaved) {
         Write();
     } else if (!path.empty()) {
         std::error_code ignored;
@@ -151,14 +151,14 @@ bool RescueCopy::IsWhole() const
 
 std::string RescueCopy::Keep()
 {
-    if (win.form.Saved == 0 && !behind && IsWhole())
+    if (win.form.Saved == SavedState::Unsaved && !behind && IsWhole())
         return path;
     written.clear();
     const std::string before = path;
     if (TailWasLost())
         LeaveBehind();
     Follow();
-    if (win.form.Saved == 0 && behind) {
+    if (win.form.Saved == SavedState::Unsaved && behind) {
         std::string elsewhere = KeepElsewhere();
         if (!elsewhere.empty())
             return elsewhere;

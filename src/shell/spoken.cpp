@@ -1,7 +1,8 @@
 #include "shell/spoken.h"
 
+#include "notation/measure_view.h"
+
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <vector>
 
@@ -24,28 +25,23 @@ constexpr const char* kValueNames[] = {
 };
 static_assert(std::size(kValueNames) == kNoteValues);
 
-int StringUnder(int cursorY)
-{
-    return static_cast<int>(std::nearbyint((cursorY - StringY(0)) / 8.0));
-}
-
 /// What the cursor's line of text holds: the chord, a hand's mark, or the string and its fret.
 std::string SpokenCell(const NoteRecord& record, const MainForm& form)
 {
     const auto named = [](const std::string& name, const std::string& text) {
         return text.find_first_not_of(' ') == std::string::npos ? "no " + name : name + " " + text;
     };
-    switch (int{form.InputMode}) {
-    case kChordMode:
+    switch (form.InputMode) {
+    case InputMode::Chord:
         return named("chord", record.ChordText);
-    case kLeftHandMode:
+    case InputMode::LeftHand:
         return named("left hand mark", {record.LeftHand});
-    case kRightHandMode:
+    case InputMode::RightHand:
         return named("right hand mark", {record.RightHand});
     default:
         break;
     }
-    const int string = std::clamp(StringUnder(form.CursorY), 1, kStringSlots);
+    const int string = std::clamp(StringAt(form.CursorY), 1, kStringSlots);
     return "string " + std::to_string(string) + ", " + named("fret", record.Slot(string));
 }
 

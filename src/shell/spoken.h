@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "store/main_form.h"
+#include "editor/main_form.h"
 #include "store/tune.h"
 
 #include <string>

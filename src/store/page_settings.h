@@ -8,6 +8,8 @@
 
 namespace quillon {
 
+inline constexpr const char* kPrefs = "Prefs";  // their settings section
+
 struct PageSettings {
     std::string BodyFontName = "Arial";
     float BodyFontSize = 10;  // points

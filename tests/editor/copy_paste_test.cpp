@@ -67,7 +67,7 @@ TEST_F(CopyPaste, WritesTheRecordsOfTheRange)
     EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), RecordBytes(tune, 6, 15));
     EXPECT_TRUE(form.mnuPasteEnabled);
     EXPECT_EQ(form.Focus, Control::StaffBox);
-    EXPECT_EQ(form.Saved, 1);
+    EXPECT_EQ(form.Saved, SavedState::Saved);
 }
 
 TEST_F(CopyPaste, ARangeAboveLastMeasOrBackwardsIsRefusedSilently)
@@ -135,7 +135,7 @@ TEST_F(CopyPaste, BehindTheMeasureStandsOnTheLastPastedWithCurNoteAtTheEndAndNoR
     EXPECT_EQ(tune.LastNote, 30);
     ExpectNumbersInOrder();
     EXPECT_TRUE(std::filesystem::exists("Temp.Dat")) << "stays in place";
-    EXPECT_EQ(form.Saved, 1) << "a paste leaves it alone";
+    EXPECT_EQ(form.Saved, SavedState::Saved) << "a paste leaves it alone";
 }
 
 TEST_F(CopyPaste, ASecondPasteBehindMeasure2PutsTheNewCopyAt3AndMovesTheEarlierTo4)
@@ -164,8 +164,8 @@ TEST_F(CopyPaste, AtTheEndOfAPartlyFilledMeasureLeavesItAndStartsThePastedOneAft
     EXPECT_EQ(form.MeasHead, 8);
     EXPECT_EQ(form.MeasEnd, 12);
     EXPECT_EQ(tune.CurNote, 12);
-    EXPECT_EQ(form.EntryState, kEditState);
-    EXPECT_EQ(form.lblMeasNum, "3") << "redrawn";
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
+    EXPECT_EQ(view.lblMeasNum, "3") << "redrawn";
     ExpectNumbersInOrder();
 }
 
@@ -174,11 +174,11 @@ TEST_F(CopyPaste, InEditStateOnTheLastMeasurePastesAtTheEnd)
     ShowFullMeasures(2);
     Copy("1", "2");
     editor.cmdNext();
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     editor.mnuPaste();
     EXPECT_EQ(Frets(), "1 2 1 2");
     EXPECT_EQ(tune.CurMeas, 4);
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_FALSE(std::filesystem::exists("Temp.Dat"));
 }
 
@@ -213,11 +213,12 @@ TEST_F(CopyPaste, DoesNothingInTheOtherInputModes)
 {
     ShowFullMeasures(2);
     Copy("1", "1");
-    for (int mode : {kChordMode, kInsertMode, kLeftHandMode, kRightHandMode, kBracketMode}) {
+    for (InputMode mode : {InputMode::Chord, InputMode::Insert, InputMode::LeftHand,
+                           InputMode::RightHand, InputMode::Bracket}) {
         form.InputMode = mode;
         const std::string table = Table();
         editor.mnuPaste();
-        EXPECT_EQ(Table(), table) << mode;
+        EXPECT_EQ(Table(), table) << int(mode);
     }
 }
 

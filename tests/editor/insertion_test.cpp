@@ -27,7 +27,7 @@ TEST_F(Insertion, ANoteBeforeTheFirstOfTheLastMeasureShiftsTheRecordsAndNoNumber
     for (int i = 6; i <= 11; ++i)
         EXPECT_EQ(tune[i].Measure, 2);
     EXPECT_EQ(tune[8].XPos, 72);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(Insertion, ANoteAfterStandsBehindTheOldOneWithTheCursorOnIt)
@@ -46,7 +46,7 @@ TEST_F(Insertion, ANoteAfterStandsBehindTheOldOneWithTheCursorOnIt)
 TEST_F(Insertion, NotesAreNeitherInsertedNorDeletedInAppendState)
 {
     Type("1\r2\r");
-    form.Saved = 1;
+    form.Saved = SavedState::Saved;
     const std::string state = State(), table = Table();
     editor.mnuNoteBefore();
     editor.mnuInsNoteAfter();
@@ -76,7 +76,7 @@ TEST_F(Insertion, DelNoteMovesTheTailDown)
     EXPECT_EQ(tune.LastNote, 9);
     EXPECT_TRUE(tune[10].IsClear());
     EXPECT_EQ(form.CursorX, 72);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(Insertion, DelNoteOnTheTunesLastNoteStepsBack)
@@ -126,7 +126,7 @@ TEST_F(Insertion, DeletingMeasure3Of5NumbersTheOld4And5As3And4AndShowsTheNew3)
     EXPECT_EQ(tune[17].Measure, 4);
     EXPECT_TRUE(tune[21].IsClear());
     EXPECT_NE(Log().find("\"4\""), std::string::npos);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(Insertion, DeletingTheLastMeasureShowsTheOneBefore)
@@ -149,7 +149,7 @@ TEST_F(Insertion, DeletingThePartlyFilledOpenMeasureStaysInAppendStateWithoutARe
     Type("1\r1\r1\r1\r\r2\r");
     const std::string log = Log();
     editor.mnuDelMeas();
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.LastMeas, 1);
     EXPECT_EQ(tune.CurMeas, 1);
     EXPECT_EQ(tune.LastNote, 5);
@@ -190,8 +190,8 @@ TEST_F(Insertion, DeletingTheOnlyMeasureLeavesAnEmptyTableAndTheOldPicture)
     EXPECT_EQ(form.CurValue, kQuarter);
     EXPECT_EQ(form.Toolbar1, kQuarter);
     EXPECT_EQ(form.MeasFill, 0);
-    EXPECT_EQ(form.EntryState, kAppendState);
-    EXPECT_EQ(form.Saved, 1) << "Saved is set only where another measure stays";
+    EXPECT_EQ(form.EntryState, EntryState::Append);
+    EXPECT_EQ(form.Saved, SavedState::Saved) << "Saved is set only where another measure stays";
 }
 
 TEST_F(Insertion, ParksTheTailWhileAMeasureIsInserted)
@@ -209,10 +209,10 @@ TEST_F(Insertion, ParksTheTailWhileAMeasureIsInserted)
     EXPECT_EQ(tune.CurNote, 7);
     EXPECT_EQ(form.MeasHead, 6);
     EXPECT_EQ(form.MeasEnd, 5);
-    EXPECT_EQ(form.InputMode, kInsertMode);
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.InputMode, InputMode::Insert);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_FALSE(form.cmdRefreshEnabled);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
     EXPECT_TRUE(tune[6].IsHead());
     EXPECT_TRUE(tune[7].IsClear());
 }
@@ -239,8 +239,8 @@ TEST_F(Insertion, AfterOkTheNotesOfTheOldMeasure1CarryNumber2)
     EXPECT_EQ(tune[7].Slot(2), "1");
     EXPECT_EQ(tune[7].Measure, 2);
     EXPECT_EQ(tune[12].Measure, 3);
-    EXPECT_EQ(form.EntryState, kReviewState);
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.EntryState, EntryState::Review);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(form.cmdNextCaption, "Next");
     EXPECT_EQ(form.MeasEnd, 5);
     EXPECT_TRUE(form.cmdRefreshEnabled);
@@ -276,7 +276,7 @@ TEST_F(Insertion, CancelBringsTheTailBackInPlace)
     EXPECT_EQ(form.MeasEnd, 10);
     EXPECT_EQ(form.cmdNextCaption, "Next");
     EXPECT_EQ(form.cmdPreviousCaption, "Previous");
-    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(form.EntryState, EntryState::Review);
     EXPECT_EQ(form.Focus, Control::StaffBox);
     EXPECT_FALSE(Parked());
 }

@@ -85,7 +85,7 @@ TEST_F(Navigation, NextInReviewStatePastLastMeasGoesToMeasure1)
     EXPECT_EQ(tune.CurMeas, 3);
     editor.cmdNext();
     EXPECT_EQ(tune.CurMeas, 1);
-    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(form.EntryState, EntryState::Review);
 }
 
 TEST_F(Navigation, NextPutsTheCursorOnTheLowestStringOfTheFirstNote)
@@ -127,7 +127,7 @@ TEST_F(Navigation, NextAfterOkStepsOntoARestWithCursorYAt54)
     AddMeasure(tune);
     AddNote(tune, kWholeRest);
     Show();
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     editor.mnuInsMeas();
     Type("3\r");
     editor.cmdNext();
@@ -147,20 +147,20 @@ TEST_F(Navigation, NextInEditStateOnARestGoesToTheLowestString)
     AddMeasure(tune);
     AddNote(tune, kWholeRest);
     Show();
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     editor.cmdNext();
     EXPECT_EQ(form.CursorY, StringY(6));
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
 }
 
 TEST_F(Navigation, NextInEditStateReachesTheUnfilledEndInAppendState)
 {
     Type("1\r1\r1\r1\r\r2\r");
     editor.cmdPrevious();
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(tune.CurMeas, 1);
     editor.cmdNext();
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurMeas, 2);
     EXPECT_EQ(tune.CurNote, 8);
     EXPECT_EQ(form.CursorX, 72);
@@ -170,11 +170,11 @@ TEST_F(Navigation, NextInEditStateReachesTheUnfilledEndInAppendState)
 TEST_F(Navigation, NextInEditStateOnTheFullLastMeasureOpensANewOne)
 {
     ShowFullMeasures(2);
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     editor.cmdNext();
     EXPECT_EQ(tune.CurMeas, 2);
     editor.cmdNext();
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurMeas, 3);
     EXPECT_EQ(form.MeasHead, 11);
     EXPECT_EQ(tune.CurNote, 12);
@@ -186,7 +186,7 @@ TEST_F(Navigation, PreviousFromTheOpenMeasureGoesIntoEditState)
     EXPECT_EQ(tune.CurMeas, 2);
     editor.cmdPrevious();
     EXPECT_EQ(tune.CurMeas, 1);
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(tune.CurNote, 2);
 }
 
@@ -196,7 +196,7 @@ TEST_F(Navigation, PreviousOntoTheUnfilledLastMeasureAppends)
     editor.cmdPrevious();
     editor.cmdPrevious();  // wraps from 1 to 2
     EXPECT_EQ(tune.CurMeas, 2);
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurNote, 8);
     EXPECT_EQ(form.CursorX, 72);
 }
@@ -224,15 +224,16 @@ TEST_F(Navigation, PreviousOnAMeasureOfAHeadAloneTakesOneStepPastIt)
 
 TEST_F(Navigation, NextEndsTheTextModesAndPreviousNotTheHandModes)
 {
-    for (int mode : {kChordMode, kLeftHandMode, kRightHandMode, kBracketMode}) {
+    for (InputMode mode :
+         {InputMode::Chord, InputMode::LeftHand, InputMode::RightHand, InputMode::Bracket}) {
         ShowFullMeasures(2);
         form.InputMode = mode;
         editor.cmdNext();
-        EXPECT_EQ(form.InputMode, kFretMode) << mode;
+        EXPECT_EQ(form.InputMode, InputMode::Fret) << int(mode);
         form.InputMode = mode;
         editor.cmdPrevious();
-        const bool stays = mode == kLeftHandMode || mode == kRightHandMode;
-        EXPECT_EQ(form.InputMode, stays ? mode : kFretMode) << mode;
+        const bool stays = mode == InputMode::LeftHand || mode == InputMode::RightHand;
+        EXPECT_EQ(form.InputMode, stays ? mode : InputMode::Fret) << int(mode);
     }
 }
 
@@ -252,7 +253,7 @@ TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
 {
     EmptyTable();
     Show();
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurNote, 2);
     EXPECT_EQ(tune.LastNote, 0);
     EXPECT_EQ(tune.CurMeas, 1);
@@ -267,7 +268,7 @@ TEST_F(Navigation, GotoOffersTheMeasureAndGoesToItsFirstNote)
     EXPECT_EQ(form.MeasHead, 11);
     EXPECT_EQ(tune.CurNote, 12);
     EXPECT_EQ(form.CursorX, 48);
-    EXPECT_EQ(form.lblMeasNum, "3");
+    EXPECT_EQ(view.lblMeasNum, "3");
 }
 
 TEST_F(Navigation, GotoOutsideTheTuneOrCancelledStaysAndGoesToTheFirstNote)
@@ -316,7 +317,7 @@ TEST_F(Navigation, GotoLeavesTheUnfilledLastMeasureInEditState)
 {
     Type("1\r1\r1\r1\r\r2\r");
     Goto("2");
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(tune.CurNote, 7);
 }
 
@@ -324,8 +325,8 @@ TEST_F(Navigation, AppendGoesBehindTheTunesEnd)
 {
     ShowFullMeasures(2);
     editor.mnuAppend();
-    EXPECT_EQ(form.Saved, 0);
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurMeas, 3);
     EXPECT_EQ(form.MeasHead, 11);
     EXPECT_EQ(tune.CurNote, 12);

@@ -27,7 +27,7 @@ TEST_F(RestsAndSigns, ARestInAnUnfilledMeasureMovesOnBehindItself)
     EXPECT_EQ(tune.LastNote, 2);
     EXPECT_EQ(tune.LastMeas, 1);
     EXPECT_EQ(form.CursorX, 72);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(RestsAndSigns, TheRestOfADottedQuarterIs99With12TicksSoTheMeasureStaysShort)
@@ -125,7 +125,7 @@ TEST_F(RestsAndSigns, ARestThatOverwritesANoteClearsItsStringsAndKeepsChordAndHa
     EXPECT_EQ(tune.CurNote, 3) << "moved on by one";
     EXPECT_EQ(form.CursorX, 72);
     EXPECT_EQ(form.CursorY, StringY(2));
-    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(form.EntryState, EntryState::Review);
     EXPECT_EQ(tune.LastNote, 10);
 }
 
@@ -138,7 +138,7 @@ TEST_F(RestsAndSigns, ARestOnTheLastNoteButOneGoesToTheLastAndAppends)
     editor.mnuRest();
     EXPECT_EQ(tune.CurNote, 5);
     EXPECT_EQ(form.CursorX, tune[4].XPos + 24);
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
 }
 
 TEST_F(RestsAndSigns, ARestOnTheMeasuresLastNoteStays)
@@ -148,7 +148,7 @@ TEST_F(RestsAndSigns, ARestOnTheMeasuresLastNoteStays)
         Key(kKeyRight);
     editor.mnuRest();
     EXPECT_EQ(tune.CurNote, 5);
-    EXPECT_EQ(form.EntryState, kReviewState);
+    EXPECT_EQ(form.EntryState, EntryState::Review);
 }
 
 TEST_F(RestsAndSigns, DoubBarOnAMeasureWith99RemovesTheRepeatAndASecondOneSets94)
@@ -160,7 +160,7 @@ TEST_F(RestsAndSigns, DoubBarOnAMeasureWith99RemovesTheRepeatAndASecondOneSets94
     EXPECT_EQ(tune[1].BarCode, "");
     editor.mnuDoubBar();
     EXPECT_EQ(tune[1].BarCode, kDoubleBar);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(RestsAndSigns, BarsAreDrawnAtOnceWithoutARedraw)
@@ -204,7 +204,7 @@ TEST_F(RestsAndSigns, DcOnAMeasureWithTheSignReplacesIt)
     EXPECT_EQ(tune[1].Slot(1), kDc);
     editor.mnuDC();
     EXPECT_EQ(tune[1].Slot(1), "");
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(RestsAndSigns, EverySignTogglesItsOwnCode)
@@ -257,7 +257,7 @@ TEST_F(RestsAndSigns, ARepeatBracketIsTypedInItsBoxAndEnterStoresIt)
     ShowFullMeasures(2);
     const std::string plain = Log();
     editor.mnuRepeatEnds();
-    EXPECT_EQ(form.InputMode, kBracketMode);
+    EXPECT_EQ(form.InputMode, InputMode::Bracket);
     EXPECT_EQ(form.Focus, Control::txtRptBracket);
     EXPECT_TRUE(form.txtRptBracket.Visible && form.txtRptBracket.Enabled);
     EXPECT_EQ(form.txtRptBracket.Text, "");
@@ -267,10 +267,10 @@ TEST_F(RestsAndSigns, ARepeatBracketIsTypedInItsBoxAndEnterStoresIt)
     EXPECT_EQ(tune[1].Slot(2), "1.");
     EXPECT_FALSE(form.txtRptBracket.Visible || form.txtRptBracket.Enabled);
     EXPECT_EQ(form.Focus, Control::StaffBox);
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
     editor.mnuRepeatEnds();
     EXPECT_EQ(tune[1].Slot(2), "");
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(Log(), plain);
 }
 
@@ -286,7 +286,7 @@ TEST_F(RestsAndSigns, ACancelledRemarkWipesTheRemark)
     editor.mnuRemarks();
     EXPECT_EQ(dialogs.PromptTexts.back(), "Remarks: |Slowly");
     EXPECT_EQ(tune[1].Slot(3), "");
-    EXPECT_EQ(form.Saved, 1) << "left alone";
+    EXPECT_EQ(form.Saved, SavedState::Saved) << "left alone";
 }
 
 TEST_F(RestsAndSigns, AHardLineBreakTogglesAndLeavesSavedAlone)
@@ -294,11 +294,11 @@ TEST_F(RestsAndSigns, AHardLineBreakTogglesAndLeavesSavedAlone)
     ShowFullMeasures(2);
     editor.mnuHardBrk();
     EXPECT_EQ(tune[1].Slot(6), "NL");
-    EXPECT_EQ(form.hdbkbox, "Line Break");
+    EXPECT_EQ(view.hdbkbox, "Line Break");
     editor.mnuHardBrk();
     EXPECT_EQ(tune[1].Slot(6), "");
-    EXPECT_EQ(form.hdbkbox, "");
-    EXPECT_EQ(form.Saved, 1);
+    EXPECT_EQ(view.hdbkbox, "");
+    EXPECT_EQ(form.Saved, SavedState::Saved);
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ TEST_F(StaffInput, TwoDigitsOnOneStringMakeOneTextAndMoveTheCursorBy12)
     EXPECT_EQ(form.MeasEnd, 2);
     EXPECT_EQ(tune.LastNote, 2);
     EXPECT_EQ(tune.LastMeas, 0) << "Enter commits";
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
     Type("\r");
     EXPECT_EQ(tune[2].Spacing, 4);
     EXPECT_EQ(tune.LastMeas, 1);
@@ -84,7 +84,7 @@ TEST_F(StaffInput, SixteenthsAreBeamedAsTheyAreEntered)
 
 TEST_F(StaffInput, EnterInAnEmptyPositionLeavesEverythingAsItWas)
 {
-    form.Saved = 0;
+    form.Saved = SavedState::Unsaved;
     const std::string state = State(), table = Table(), log = Log();
     Type("\r");
     EXPECT_EQ(State(), state);
@@ -160,16 +160,16 @@ TEST_F(StaffInput, BackspaceDoesNothingInEditStateAndEmptiesTheStringInReviewSta
     ShowFullMeasures(1);
     tune.CurNote = 3;
     form.CursorX = 90;
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     const std::string table = Table();
     Key(kKeyBackspace);
     EXPECT_EQ(Table(), table);
-    EXPECT_EQ(form.Saved, 1);
-    form.EntryState = kReviewState;
+    EXPECT_EQ(form.Saved, SavedState::Saved);
+    form.EntryState = EntryState::Review;
     Key(kKeyBackspace);
     EXPECT_EQ(tune[3].Slot(2), "");
     EXPECT_EQ(form.CursorX, 72);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(StaffInput, RetypingInReviewStateReplacesTheTextOnlyWhileTheCursorIsOnTheNote)
@@ -190,12 +190,12 @@ TEST_F(StaffInput, ALeftHandLetterLeavesTheCursor6PastTheNoteSoAFretIsAppended)
 {
     ShowFullMeasures(1);
     editor.mnuLHEdit();
-    EXPECT_EQ(form.InputMode, kLeftHandMode);
+    EXPECT_EQ(form.InputMode, InputMode::LeftHand);
     EXPECT_EQ(form.CursorX, 54);
     EXPECT_EQ(form.CursorY, 68 + 48);
     Type("2");
     EXPECT_EQ(tune[2].LeftHand, '2');
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(form.CursorX, 54);
     EXPECT_EQ(form.CursorY, StringY(2));
     Type("5");
@@ -221,13 +221,13 @@ TEST_F(StaffInput, HandLettersArePrintedAtOnce)
 TEST_F(StaffInput, EnterAndBackspaceEndTheHandModesWithABlank)
 {
     ShowFullMeasures(1);
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     for (const char* key : {"\r", "\b"}) {
         tune[2].LeftHand = 'x';
         editor.mnuLHEdit();
         Type(key);
         EXPECT_EQ(tune[2].LeftHand, ' ');
-        EXPECT_EQ(form.InputMode, kFretMode);
+        EXPECT_EQ(form.InputMode, InputMode::Fret);
         EXPECT_EQ(form.CursorY, StringY(2));
         form.CursorX = 48;
     }
@@ -246,7 +246,7 @@ TEST_F(StaffInput, OtherControlCharactersAreDroppedByTheHandModes)
     ShowFullMeasures(1);
     editor.mnuLHEdit();
     Type("\x1b\t");
-    EXPECT_EQ(form.InputMode, kLeftHandMode);
+    EXPECT_EQ(form.InputMode, InputMode::LeftHand);
     Type("\xE9");
     EXPECT_EQ(tune[2].LeftHand, '\xE9');
 }
@@ -357,19 +357,19 @@ TEST_F(StaffInput, UpAndDownWrapAndGoToTheNote)
     EXPECT_EQ(form.CursorX, 54);
     Key(kKeyDown);
     EXPECT_EQ(form.CursorX, 48);
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(StaffInput, DeleteEmptiesTheStringInFretModeAlone)
 {
     ShowFullMeasures(1);
-    form.InputMode = kLeftHandMode;
+    form.InputMode = InputMode::LeftHand;
     Key(kKeyDelete);
     EXPECT_EQ(tune[2].Slot(2), "1");
-    form.InputMode = kFretMode;
+    form.InputMode = InputMode::Fret;
     Key(kKeyDelete);
     EXPECT_EQ(tune[2].Slot(2), "");
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(StaffInput, DeleteWithTheCursorWhereDelMeasLeavesItIsASubscriptFault)
@@ -433,11 +433,11 @@ TEST_F(StaffInput, LeftFromTheFreeEndEditsAndRightComesBack)
 {
     Type("1\r2\r");
     Key(kKeyLeft);
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(tune.CurNote, 3);
     EXPECT_EQ(form.CursorX, 72);
     Key(kKeyRight);
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurNote, 4);
     EXPECT_EQ(form.CursorX, 96);
     const std::string state = State();
@@ -449,10 +449,10 @@ TEST_F(StaffInput, RightOnTheLastNoteOfAFullTuneStays)
 {
     ShowFullMeasures(1);
     tune.CurNote = 5;
-    form.EntryState = kEditState;
+    form.EntryState = EntryState::Edit;
     Key(kKeyRight);
     EXPECT_EQ(tune.CurNote, 5);
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
 }
 
 TEST_F(StaffInput, UnknownKeysOnlyHideTheCaret)
@@ -462,13 +462,13 @@ TEST_F(StaffInput, UnknownKeysOnlyHideTheCaret)
     Key(112);
     EXPECT_EQ(form.CaretOn, 0);
     EXPECT_EQ(Table(), table);
-    EXPECT_EQ(form.Saved, 1);
+    EXPECT_EQ(form.Saved, SavedState::Saved);
 }
 
 TEST_F(StaffInput, AKeyPressMarksTheTuneAsUnsavedWhateverTheCharacter)
 {
     Type("q");
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(StaffInput, TheTimerBlinksTheCaretByAnXorLine)
@@ -489,10 +489,10 @@ TEST_F(StaffInput, AChordTextIsTypedAboveTheNoteAndEnterEndsIt)
 {
     ShowFullMeasures(1);
     editor.mnuChord();
-    EXPECT_EQ(form.InputMode, kChordMode);
+    EXPECT_EQ(form.InputMode, InputMode::Chord);
     EXPECT_EQ(form.CursorY, 18);
     EXPECT_EQ(form.SavedCursorY, StringY(2));
-    EXPECT_EQ(form.Saved, 0);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
     const std::string before = Log();
     Type("Am");
     EXPECT_EQ(tune[2].ChordText, "Am");
@@ -504,17 +504,17 @@ TEST_F(StaffInput, AChordTextIsTypedAboveTheNoteAndEnterEndsIt)
     EXPECT_EQ(form.CursorX, 58);
     Type("7\x1b\t\x7f\xE9\r");
     EXPECT_EQ(tune[2].ChordText, "A7");
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(form.CursorX, 48);
     EXPECT_EQ(form.CursorY, StringY(2));
 }
 
 TEST_F(StaffInput, ControlCharactersOfAChordAskForNoRecord)
 {
-    form.InputMode = kChordMode;
+    form.InputMode = InputMode::Chord;
     tune.CurNote = kLastRecord + 1;
     Type("\x1b\t\x7f\xE9");
-    EXPECT_EQ(form.InputMode, kChordMode);
+    EXPECT_EQ(form.InputMode, InputMode::Chord);
     EXPECT_FAULT(Type("A"), SubscriptOutOfRange);
     EXPECT_FAULT(Type("\b"), SubscriptOutOfRange);
 }
@@ -548,7 +548,7 @@ TEST_F(StaffInput, KeysAreNotForTheStaffWhileAChordIsTyped)
 TEST_F(StaffInput, ABracketTypedOnStaffBoxIsStoredCharacterByCharacter)
 {
     ShowFullMeasures(1);
-    form.InputMode = kBracketMode;
+    form.InputMode = InputMode::Bracket;
     form.SavedCursorY = StringY(3);
     const std::string before = Log();
     Type("1.");
@@ -557,7 +557,7 @@ TEST_F(StaffInput, ABracketTypedOnStaffBoxIsStoredCharacterByCharacter)
     EXPECT_EQ(Drawn(before), "text 48 6 size=10 font=\"Arial\" bold=1 \"1\"\n"
                              "text 56 6 size=10 font=\"Arial\" bold=1 \".\"\n");
     Type("\r");
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(form.CursorX, 48);
     EXPECT_EQ(form.CursorY, StringY(3));
 }
@@ -571,7 +571,7 @@ TEST_F(StaffInput, AClickStoresTheBracketAndEndsItsBoxWithoutHidingIt)
     EXPECT_EQ(tune[1].Slot(2), "2.");
     EXPECT_FALSE(form.txtRptBracket.Enabled);
     EXPECT_TRUE(form.txtRptBracket.Visible);
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
 }
 
 TEST_F(StaffInput, AClickTakesTheLastNoteLeftOfItAndExactlyOnANoteTheOneBefore)
@@ -599,12 +599,12 @@ TEST_F(StaffInput, AClickRightOfTheUnfilledEndAppends)
 {
     Type("1\r2\r");
     Click(60, 44);
-    EXPECT_EQ(form.EntryState, kEditState);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(tune.CurNote, 2);
     Click(90, 44);
     EXPECT_EQ(tune.CurNote, 3) << "up to 18 right of the last note is the last note";
     Click(91, 44);
-    EXPECT_EQ(form.EntryState, kAppendState);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurNote, 4);
     EXPECT_EQ(form.CursorX, 96);
 }
@@ -722,10 +722,10 @@ TEST_F(StaffInput, AClickInAnInsertedMeasureKeepsItsMode)
     ShowFullMeasures(1);
     editor.mnuInsMeas();
     Click(100, 44);
-    EXPECT_EQ(form.InputMode, kInsertMode);
-    form.InputMode = kLeftHandMode;
+    EXPECT_EQ(form.InputMode, InputMode::Insert);
+    form.InputMode = InputMode::LeftHand;
     Click(100, 44);
-    EXPECT_EQ(form.InputMode, kFretMode);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
 }
 
 TEST_F(StaffInput, ANotePastTheTableIsASubscriptFault)

@@ -48,9 +48,8 @@ protected:
     Lines Pages()
     {
         PageSettings page;
-        MainForm form;
         FixedTextMetrics metrics;
-        PageView pages(form, metrics);
+        PageView pages(metrics);
         return Texts(CheckPages(tune, page, pages, metrics));
     }
 

@@ -156,14 +156,14 @@ TEST_F(FreshRescueCopy, ThatIsDamagedOrGoneIsWrittenAnewAtAFault)
 
 TEST_F(FreshRescueCopy, IsMadeAtAFaultInTheFirstEvent)
 {
-    scenario.Window().form.Saved = 0;
+    scenario.Window().form.Saved = SavedState::Unsaved;
     EXPECT_EQ(ReadFileBytes(copy.Keep()), TuneBytes(scenario.Window().tune));
 }
 
 TEST_F(FreshRescueCopy, IsNotKeptAtAFaultOnceTheTuneIsSavedOrDiscarded)
 {
     Play("type 3");
-    scenario.Window().form.Saved = 1;
+    scenario.Window().form.Saved = SavedState::Saved;
     EXPECT_EQ(copy.Keep(), "");
     EXPECT_EQ(Copies(), 0U);
 }
@@ -173,7 +173,7 @@ TEST_F(FreshRescueCopy, OfALostTailIsNamedAtAFault)
     TypeTwoMeasures();
     Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7");
     const std::string first = copy.Path();
-    scenario.Window().form.Saved = 1;
+    scenario.Window().form.Saved = SavedState::Saved;
     EXPECT_EQ(copy.Keep(), first);
     EXPECT_EQ(Copies(), 1U);
 }

@@ -2,6 +2,7 @@
 
 #include "store/signs.h"
 #include "store/tune_file.h"
+#include "support/state_text.h"
 #include "support/temporary_directory.h"
 #include "support/tunes.h"
 
@@ -33,7 +34,7 @@ protected:
         Play({"dialog tune.gui", "menu mnuOpen"});
     }
 
-    std::string State() { return StateText(Win().tune, Win().form); }
+    std::string State() { return StateText(Win().tune, Win().form, Win().view); }
     MainWin& Win() { return scenario.Window(); }
     MainForm& Form() { return scenario.Window().form; }
 
@@ -261,7 +262,7 @@ TEST_F(ScenarioTest, EscapeClosesTheCopyBoxWithoutCopying)
     EXPECT_FALSE(Form().mnuPasteEnabled);
     EXPECT_NE(Win().view.StaffBox.Picture().Revision(), before) << "the main form is active again";
     Play({"menu mnuCopy", "key Escape", "type 7"});
-    EXPECT_EQ(Form().Saved, 0) << "keys go to the staff again";
+    EXPECT_EQ(Form().Saved, SavedState::Unsaved) << "keys go to the staff again";
 }
 
 TEST_F(ScenarioTest, TheCopyBoxsButtonCutsNothing)

@@ -15,10 +15,10 @@ protected:
     /// Shows the measure whose records start at `head` and end before the next head.
     void Show(int head = 1)
     {
-        form.MeasHead = head;
-        form.MeasEnd = head;
-        while (form.MeasEnd < tune.LastNote && !tune[form.MeasEnd + 1].IsHead())
-            ++form.MeasEnd;
+        state.MeasHead = head;
+        state.MeasEnd = head;
+        while (state.MeasEnd < tune.LastNote && !tune[state.MeasEnd + 1].IsHead())
+            ++state.MeasEnd;
         tune.CurMeas = tune[head].Measure;
         tune.CurNote = head + 1;
         view.RedrawMeasure();
@@ -57,10 +57,10 @@ protected:
     }
 
     Tune tune;
-    MainForm form;
+    EditingState state;
     PageSettings page;
     FixedTextMetrics metrics;
-    MeasureView view{tune, form, page, metrics};
+    MeasureView view{tune, state, page, metrics};
 };
 
 TEST_F(MeasureViewTest, AnEmptyMeasureHasTheTimeSignatureTheBarAt350AndNothingElse)
@@ -94,10 +94,10 @@ TEST_F(MeasureViewTest, AMeasureNotYetFullEndsAt350AndAFullOneBehindItsLastNote)
         AddNote(tune, kQuarter, 1, "1");
     Show();
     EXPECT_EQ(view.EndBarX, 350);
-    EXPECT_EQ(form.MeasFill, 36);
+    EXPECT_EQ(state.MeasFill, 36);
     AddNote(tune, kQuarter, 1, "1");
     Show();
-    EXPECT_EQ(form.MeasFill, 48);
+    EXPECT_EQ(state.MeasFill, 48);
     EXPECT_EQ(view.EndBarX, 48 + 4 * 24);
     EXPECT_TRUE(Has("line 144 36 144 76 w=1"));
 }
@@ -106,22 +106,22 @@ TEST_F(MeasureViewTest, ACapacityOf32Is18TicksSinceAnyLowerNumberBut4CountsAs8)
 {
     AddMeasure(tune, 3, 2);
     Show();
-    EXPECT_EQ(form.MeasCapacity, 18);
+    EXPECT_EQ(state.MeasCapacity, 18);
     tune[1].BeatUnit = 16;
     Show();
-    EXPECT_EQ(form.MeasCapacity, 18);
+    EXPECT_EQ(state.MeasCapacity, 18);
     tune[1].BeatUnit = 4;
     Show();
-    EXPECT_EQ(form.MeasCapacity, 36);
+    EXPECT_EQ(state.MeasCapacity, 36);
 }
 
 TEST_F(MeasureViewTest, TakesTheSignatureForNewMeasuresFromTheHead)
 {
     AddMeasure(tune, 9, 8);
     Show();
-    EXPECT_EQ(form.CurBeats, 9);
-    EXPECT_EQ(form.CurBeatUnit, 8);
-    EXPECT_EQ(form.MeasCapacity, 54);
+    EXPECT_EQ(state.CurBeats, 9);
+    EXPECT_EQ(state.CurBeatUnit, 8);
+    EXPECT_EQ(state.MeasCapacity, 54);
 }
 
 TEST_F(MeasureViewTest, ANoteOfButton1WithThreeCharactersGrowsFromSpacing2To4AndMovesTheNext)
@@ -471,7 +471,7 @@ TEST_F(MeasureViewTest, TheBracketIsDrawnForItsTextOrWhileItIsTyped)
     EXPECT_TRUE(Has("line 6 6 350 6 w=1"));
     EXPECT_TRUE(Has(Text("12 12", "1.")));
     tune[1].Slot(2).clear();
-    form.InputMode = kBracketMode;
+    state.InputMode = InputMode::Bracket;
     Show();
     EXPECT_TRUE(Has("line 6 6 350 6 w=1"));
 }
@@ -521,10 +521,10 @@ TEST_F(MeasureViewTest, ALineBreakShowsInHdbkbox)
 {
     AddMeasure(tune).Slot(6) = "NL";
     Show();
-    EXPECT_EQ(form.hdbkbox, "Line Break");
+    EXPECT_EQ(view.hdbkbox, "Line Break");
     tune[1].Slot(6) = "nl";
     Show();
-    EXPECT_EQ(form.hdbkbox, "");
+    EXPECT_EQ(view.hdbkbox, "");
 }
 
 TEST_F(MeasureViewTest, AShortMeasureInsideTheTuneCountsAsFullInFretModeAlone)
@@ -534,22 +534,22 @@ TEST_F(MeasureViewTest, AShortMeasureInsideTheTuneCountsAsFullInFretModeAlone)
     AddMeasure(tune);
     AddNote(tune, kQuarter, 1, "1");
     Show(1);
-    EXPECT_EQ(form.MeasFill, 48);
+    EXPECT_EQ(state.MeasFill, 48);
     EXPECT_EQ(view.EndBarX, 350) << "drawn as the short measure it is";
-    form.InputMode = kChordMode;
+    state.InputMode = InputMode::Chord;
     Show(1);
-    EXPECT_EQ(form.MeasFill, 12);
-    form.InputMode = kFretMode;
+    EXPECT_EQ(state.MeasFill, 12);
+    state.InputMode = InputMode::Fret;
     Show(3);
-    EXPECT_EQ(form.MeasFill, 12) << "the last one is unfilled";
+    EXPECT_EQ(state.MeasFill, 12) << "the last one is unfilled";
 }
 
 TEST_F(MeasureViewTest, LabelsShowTheMeasureAndTheLastNote)
 {
     AddFullMeasures(tune, 2);
     Show(6);
-    EXPECT_EQ(form.lblMeasNum, "2");
-    EXPECT_EQ(form.lblLastNote, "10");
+    EXPECT_EQ(view.lblMeasNum, "2");
+    EXPECT_EQ(view.lblLastNote, "10");
 }
 
 TEST_F(MeasureViewTest, CurNoteIsKeptThoughTheRedrawWalksWithIt)
@@ -564,9 +564,9 @@ TEST_F(MeasureViewTest, CurNoteIsKeptThoughTheRedrawWalksWithIt)
 TEST_F(MeasureViewTest, TheCaretIsOffAfterARedraw)
 {
     AddMeasure(tune);
-    form.CaretOn = -1;
+    state.CaretOn = -1;
     Show();
-    EXPECT_EQ(form.CaretOn, 0);
+    EXPECT_EQ(state.CaretOn, 0);
 }
 
 TEST_F(MeasureViewTest, SolidFillOnceSetStaysSet)

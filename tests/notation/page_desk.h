@@ -80,10 +80,9 @@ protected:
     }
 
     Tune tune;
-    MainForm form;
     PageSettings page;
     FixedTextMetrics metrics;
-    PageView pages{form, metrics};
+    PageView pages{metrics};
     std::optional<int> tooWide;
     std::size_t paperPages = 0;
 };

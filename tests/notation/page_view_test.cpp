@@ -80,13 +80,13 @@ TEST_F(PageViewTest, TheScrollBarKeepsItsHeightAfterALargeView)
 {
     pages.SizePages(12000);
     pages.mnuLargeview();
+    EXPECT_TRUE(pages.LargeView);
     EXPECT_EQ(pages.PicPageHeight, 11300);
     EXPECT_EQ(pages.VsbPageHeight, 11300);
-    EXPECT_FALSE(form.ToolsVisible);
     pages.mnuSmallView();
+    EXPECT_FALSE(pages.LargeView);
     EXPECT_EQ(pages.PicPageHeight, 6000);
     EXPECT_EQ(pages.VsbPageHeight, 11300);
-    EXPECT_TRUE(form.ToolsVisible);
 }
 
 TEST_F(PageViewTest, AMouseDownOnAPageMakesItTheShownPage)

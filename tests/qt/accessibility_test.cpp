@@ -273,9 +273,9 @@ private slots:
             QApplication::setPalette(QPalette(Qt::white, Qt::black, Qt::white, Qt::black, Qt::white,
                                               Qt::white, Qt::black));
         Begin();
-        Core().form.lblMeasNum = "300";
-        Core().form.lblLastNote = "1500";
-        Core().form.hdbkbox = "Line Break";
+        Core().view.lblMeasNum = "300";
+        Core().view.lblLastNote = "1500";
+        Core().view.hdbkbox = "Line Break";
         for (const char* caption : {"Next", "Cancel"}) {
             Core().form.cmdPreviousCaption = caption;
             program->runner.ShowForm();

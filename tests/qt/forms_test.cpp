@@ -105,7 +105,7 @@ private slots:
 
     void cleanup()
     {
-        Core().form.Saved = 1;
+        Core().form.Saved = SavedState::Saved;
         program.reset();
     }
 

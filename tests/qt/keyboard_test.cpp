@@ -174,7 +174,7 @@ private slots:
         QFETCH(int, key);
         QFETCH(int, code);
         const auto prepare = [&] {
-            Core().form.Saved = 1;
+            Core().form.Saved = SavedState::Saved;
             Core().mnuNew();
             for (const char* fret : {"12", "7"}) {
                 QTest::keyClicks(Staff(), fret);

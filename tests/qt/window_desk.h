@@ -39,7 +39,7 @@ struct WindowDesk {
     {
         if (!program)
             return;
-        Core().form.Saved = 1;
+        Core().form.Saved = SavedState::Saved;
         program->runner.KeepWork();  // no copy is left to the next test
         program.reset();
     }

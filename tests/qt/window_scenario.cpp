@@ -510,9 +510,9 @@ void WindowScript::Check(const std::string& line) const
            std::string(NameOf(form.Focus)));
     expect("cmdNext", text("cmdNext"), form.cmdNextCaption);
     expect("cmdPrevious", text("cmdPrevious"), form.cmdPreviousCaption);
-    expect("lblMeasNum", text("lblMeasNum"), form.lblMeasNum);
-    expect("lblLastNote", text("lblLastNote"), form.lblLastNote);
-    expect("hdbkbox", text("hdbkbox"), form.hdbkbox);
+    expect("lblMeasNum", text("lblMeasNum"), desk.win.view.lblMeasNum);
+    expect("lblLastNote", text("lblLastNote"), desk.win.view.lblLastNote);
+    expect("hdbkbox", text("hdbkbox"), desk.win.view.hdbkbox);
     const auto* bracket = desk.window->findChild<QLineEdit*>("txtRptBracket");
     expect("txtRptBracket", FromUnicode(bracket->text()), form.txtRptBracket.Text);
     expect("txtRptBracket's visibility", std::to_string(bracket->isVisible()),

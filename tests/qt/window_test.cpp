@@ -277,8 +277,8 @@ private slots:
     {
         const QRect before = Staff()->geometry();
         const QRect next = Button("cmdNext")->geometry();
-        Core().form.lblMeasNum = "1234";
-        Core().form.hdbkbox = "Line Break";
+        Core().view.lblMeasNum = "1234";
+        Core().view.hdbkbox = "Line Break";
         Core().form.cmdNextCaption = "OK";
         program->runner.ShowForm();
         QCoreApplication::processEvents();
@@ -424,7 +424,7 @@ private slots:
             box->button(QMessageBox::No)->click();
         });
         Window().findChild<QAction*>("mnuNew")->trigger();
-        QCOMPARE(int{Core().form.Saved}, 1);
+        QVERIFY(Core().form.Saved == SavedState::Saved);
     }
 
     void DroppedTuneIsOpened()

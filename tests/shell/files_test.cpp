@@ -84,8 +84,8 @@ TEST_F(Files, OpenShowsMeasure1AndLaysThePagesOut)
     EXPECT_EQ(win.tune.LastMeas, 3);
     EXPECT_EQ(win.tune.CurMeas, 1);
     EXPECT_EQ(win.tune.CurNote, 2);
-    EXPECT_EQ(win.form.EntryState, kReviewState);
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.EntryState, EntryState::Review);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_TRUE(win.form.mnuSaveEnabled);
     EXPECT_FALSE(system.WaitCursor);
     EXPECT_TRUE(win.pages.Page(0).Visible);
@@ -189,7 +189,7 @@ TEST_F(Files, ATitleWithAQuoteSavesWithoutComplaintAndComesBackShortened)
     win.tune[0].ChordText = "The \"old\" tune";
     SaveAs(folder.Path("tune.gui"));
     EXPECT_TRUE(dialogs.Shown.empty());
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     Open(folder.Path("tune.gui"));
     EXPECT_EQ(win.tune[0].ChordText, "The ");
 }
@@ -199,7 +199,7 @@ TEST_F(Files, ATitleWithAQuoteAndACommaSavesWithoutComplaintAndFailsOnLoading)
     Type("1\r");
     win.tune[0].ChordText = "The \"old, tune";
     SaveAs(folder.Path("tune.gui"));
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     ExpectIncompatible(ReadFileBytes(folder.Path("tune.gui")));
 }
 
@@ -290,7 +290,7 @@ TEST_F(Files, EveryTruncationOpensOrIsIncompatible)
     for (std::size_t length = 0; length < bytes.size(); ++length) {
         const std::string path = folder.Path("cut" + std::to_string(length));
         WriteFileBytes(path, bytes.substr(0, length));
-        win.form.Saved = 1;
+        win.form.Saved = SavedState::Saved;
         dialogs.Shown.clear();
         try {
             Open(path);
@@ -325,7 +325,7 @@ TEST_F(Files, ANumberPast16BitsIsIncompatible)
 TEST_F(Files, AnIncompatibleFileLeavesThisState)
 {
     Type("1\r1\r");
-    win.form.Saved = 1;
+    win.form.Saved = SavedState::Saved;
     win.form.CurValue = kEighth;
     const std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1));
     ExpectIncompatible(bytes.substr(0, bytes.size() - 10));
@@ -339,8 +339,8 @@ TEST_F(Files, AnIncompatibleFileLeavesThisState)
     EXPECT_EQ(win.form.Toolbar1, kQuarter);
     EXPECT_EQ(win.form.MeasCapacity, 48);
     EXPECT_EQ(win.form.MeasFill, 0);
-    EXPECT_EQ(win.form.EntryState, kAppendState);
-    EXPECT_EQ(win.form.InputMode, kFretMode);
+    EXPECT_EQ(win.form.EntryState, EntryState::Append);
+    EXPECT_EQ(win.form.InputMode, InputMode::Fret);
     EXPECT_EQ(win.form.CursorX, 48);
     EXPECT_EQ(win.form.CursorY, 84) << "not 76";
     EXPECT_EQ(win.tune[2].Slot(2), "1") << "what was read stays";
@@ -375,26 +375,26 @@ TEST_F(Files, AMissingFileLeavesTheTuneInPlaceButMarkedAsSaved)
     const std::string table = Table();
     Open(folder.Path("missing.gui"));
     EXPECT_EQ(Table(), table);
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
 }
 
 TEST_F(Files, ACancelledOpenLeavesTableAndNameAndUnsavedEditsMarkedAsSaved)
 {
     SaveAs(folder.Path("a.gui"));
     Type("1\r");
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
     const std::string table = Table();
     win.mnuOpen();  // No to the question, then cancel
     EXPECT_EQ(Table(), table);
     EXPECT_EQ(win.tune.FileName, folder.Path("a.gui"));
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
 }
 
 TEST_F(Files, OpenEndsTheInsertedMeasuresCaptions)
 {
     Type("1\r");
     win.editor.mnuInsMeas();
-    win.form.Saved = 1;
+    win.form.Saved = SavedState::Saved;
     win.mnuOpen();
     EXPECT_EQ(win.form.cmdNextCaption, "Next");
     EXPECT_EQ(win.form.cmdPreviousCaption, "Previous");
@@ -406,7 +406,7 @@ TEST_F(Files, AnEmptyFileOpensAsATuneWithoutMeasures)
     Open(folder.Path("empty.gui"));
     EXPECT_EQ(win.tune.LastNote, 0);
     EXPECT_EQ(win.tune.CurNote, 2);
-    EXPECT_EQ(win.form.EntryState, kAppendState);
+    EXPECT_EQ(win.form.EntryState, EntryState::Append);
     EXPECT_TRUE(dialogs.Shown.empty());
 }
 
@@ -467,7 +467,7 @@ TEST_F(Files, SaveDuringAnInsertionWritesOnlyTheRecordsInTheTable)
     win.editor.cmdNext();
     win.editor.mnuInsMeas();
     win.mnuSave();
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     const std::string bytes = ReadFileBytes(path);
     EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\n'), (1 + 5) * 9);
 }
@@ -486,10 +486,10 @@ TEST_F(Files, SaveAsDoesNothingAtAllWhileAMeasureIsInserted)
 TEST_F(Files, SaveThatFailsIsARunTimeError)
 {
     Open(WriteTune("tune.gui", 1));
-    win.form.Saved = 0;
+    win.form.Saved = SavedState::Unsaved;
     win.tune.FileName = folder.Path("missing/tune.gui");
     EXPECT_FAULT(win.mnuSave(), PathFileAccess);
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(Files, SaveThatFailsLeavesATuneWithoutChangesUnsavedToo)
@@ -497,14 +497,14 @@ TEST_F(Files, SaveThatFailsLeavesATuneWithoutChangesUnsavedToo)
     Open(WriteTune("tune.gui", 1));
     win.tune.FileName = "/dev/full";
     EXPECT_FAULT(win.mnuSave(), PathFileAccess);
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(Files, SaveAsThatFailsEndsSilently)
 {
     Type("1\r");
     SaveAs(folder.Path("missing/tune.gui"));
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
     EXPECT_FALSE(win.form.mnuSaveEnabled);
     EXPECT_TRUE(dialogs.Shown.empty());
     EXPECT_EQ(win.tune.FileName, folder.Path("missing/tune.gui"));
@@ -523,7 +523,7 @@ TEST_F(Files, SaveAsUnderNoNameWritesNoFileAndCountsAsSaved)
 {
     Type("1\r");
     SaveAs("");
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_TRUE(win.form.mnuSaveEnabled);
 }
 
@@ -542,7 +542,7 @@ TEST_F(Files, AppendIsNoFileOperation)
     Open(WriteTune("tune.gui", 2));
     win.editor.mnuAppend();
     EXPECT_EQ(win.tune.CurMeas, 3);
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
     EXPECT_EQ(dialogs.FileDialogs.size(), 1U);
 }
 

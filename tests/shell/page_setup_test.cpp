@@ -8,12 +8,10 @@ namespace {
 class PageSetupTest : public Desk {
 protected:
     /// The form, opened from the main form.
-    PageSetup OpenForm()
+    PageSetup& OpenForm()
     {
         win.mnuPageSet();
-        PageSetup setup(win);
-        setup.Activate();
-        return setup;
+        return *win.frmPgSetup;
     }
 
     void SetUp() override { Start(); }
@@ -21,7 +19,7 @@ protected:
 
 TEST_F(PageSetupTest, ABodyFontOfSize9GivesTheMessageAndIsStoredAs10WithItsName)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     dialogs.Fonts.push_back(FontChoice{"Courier", 9});
     setup.cmdBodyFont();
     ASSERT_EQ(dialogs.Shown.size(), 1U);
@@ -39,7 +37,7 @@ TEST_F(PageSetupTest, ABodyFontOfSize9GivesTheMessageAndIsStoredAs10WithItsName)
 
 TEST_F(PageSetupTest, BodyFontsOf8And10And12GiveNoMessage)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     for (int size : {8, 10, 12}) {
         dialogs.Fonts.push_back(FontChoice{"Courier", static_cast<float>(size)});
         setup.cmdBodyFont();
@@ -50,7 +48,7 @@ TEST_F(PageSetupTest, BodyFontsOf8And10And12GiveNoMessage)
 
 TEST_F(PageSetupTest, ATitleFontOfSize14AndAHalfStaysWhileTheHeaderHasAWholeNumber)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     dialogs.Fonts.push_back(FontChoice{"Serif", 14.5F});
     setup.cmdTitleFont();
     EXPECT_EQ(win.page.TitleFontSize, 14.5F);
@@ -63,7 +61,7 @@ TEST_F(PageSetupTest, ATitleFontOfSize14AndAHalfStaysWhileTheHeaderHasAWholeNumb
 TEST_F(PageSetupTest, ATitleFontOfSize14AndAHalfComesBackAs14)
 {
     Type("3\r");
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     dialogs.Fonts.push_back(FontChoice{"Serif", 14.5F});
     setup.cmdTitleFont();
     setup.cmdPgExit();
@@ -76,7 +74,7 @@ TEST_F(PageSetupTest, ATitleFontOfSize14AndAHalfComesBackAs14)
 
 TEST_F(PageSetupTest, ACancelledFontDialogChangesNothing)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     const std::string before = Table();
     setup.cmdBodyFont();
     setup.cmdTitleFont();
@@ -91,7 +89,7 @@ TEST_F(PageSetupTest, ACancelledFontDialogChangesNothing)
 TEST_F(PageSetupTest, TheExitButtonOnAnUnchangedFormRewritesEverythingButUncentresTheTitle)
 {
     ASSERT_TRUE(win.page.TitleCentered);
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     settings.Written.clear();
     setup.cmdPgExit();
     const std::vector<std::string> expected = {
@@ -108,7 +106,7 @@ TEST_F(PageSetupTest, TheExitButtonOnAnUnchangedFormRewritesEverythingButUncentr
 TEST_F(PageSetupTest, ADoubleQuoteInTheTitleIsTakenAndBreaksTheNextLoad)
 {
     Type("3\r");
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     setup.Text1 = "The \"Red\" Reel, with 1";
     setup.cmdPgExit();
     EXPECT_EQ(win.tune[0].ChordText, "The \"Red\" Reel, with 1");
@@ -119,7 +117,7 @@ TEST_F(PageSetupTest, ADoubleQuoteInTheTitleIsTakenAndBreaksTheNextLoad)
 
 TEST_F(PageSetupTest, TheSystemsCloseKeepsFontsAndMarginsAndDropsTheTexts)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     setup.Text1 = "Air";
     setup.txtLeft = "1.5";
     setup.Unload();
@@ -130,7 +128,7 @@ TEST_F(PageSetupTest, TheSystemsCloseKeepsFontsAndMarginsAndDropsTheTexts)
 
 TEST_F(PageSetupTest, TheBoxToCentreTheTitleNeverShowsTheSettingAndActsAtOnce)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     EXPECT_FALSE(setup.chkJustify);
     EXPECT_TRUE(win.page.TitleCentered);
     setup.chkJustify = true;
@@ -146,7 +144,7 @@ TEST_F(PageSetupTest, TheBoxToCentreTheTitleNeverShowsTheSettingAndActsAtOnce)
 
 TEST_F(PageSetupTest, AMarginThatIsNoNumberIsZeroAndItsTextGoesIntoTheSettings)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     setup.txtTop = "one";
     setup.txtRight = "-.5 in";
     setup.cmdPgExit();
@@ -161,7 +159,7 @@ TEST_F(PageSetupTest, TheFormShowsWhatIsInForce)
     win.tune[0].Slot(1) = "Trad.";
     win.tune[0].Slot(2) = "arr.";
     win.page.PageTop = .7F;
-    const PageSetup setup = OpenForm();
+    const PageSetup& setup = OpenForm();
     EXPECT_EQ(setup.Text1 + setup.Text2 + setup.Text3, "AirTrad.arr.");
     EXPECT_EQ(setup.txtTop, "0.7");
     EXPECT_EQ(setup.txtStaveSpace, "0.75");
@@ -170,7 +168,7 @@ TEST_F(PageSetupTest, TheFormShowsWhatIsInForce)
 
 TEST_F(PageSetupTest, EnterGoesFromTextToTextAndToTheExitButton)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     EXPECT_EQ(setup.Focus, PageSetup::Box::Text1);
     setup.Enter();
     EXPECT_EQ(setup.Focus, PageSetup::Box::Text2);
@@ -182,13 +180,13 @@ TEST_F(PageSetupTest, EnterGoesFromTextToTextAndToTheExitButton)
 
 TEST_F(PageSetupTest, TheMainFormIsDisabledWhileItIsOpenAndSavedStays)
 {
-    PageSetup setup = OpenForm();
+    PageSetup& setup = OpenForm();
     EXPECT_FALSE(win.form.FormEnabled);
     setup.Text1 = "Air";
     setup.cmdPgExit();
     EXPECT_TRUE(win.form.FormEnabled);
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
 }
 
 }  // namespace

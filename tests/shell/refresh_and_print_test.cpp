@@ -60,7 +60,7 @@ TEST_F(RefreshAndPrint, PrintDoesNotLookAtInputMode)
     ASSERT_EQ(printer.Jobs.size(), 1U);
     EXPECT_NE(printer.Jobs[0].at(0).Log().find("\"3\""), std::string::npos);
     EXPECT_NE(Revision(), before);
-    EXPECT_EQ(win.form.InputMode, kInsertMode);
+    EXPECT_EQ(win.form.InputMode, InputMode::Insert);
     EXPECT_TRUE(PagesAreEmpty());
 }
 

@@ -36,11 +36,11 @@ TEST_F(SaveQuestion, IsAskedByAllItsCallersWhenThereAreUnsavedChangesAndNotOther
         &MainWin::mnuMandolin, &MainWin::mnuExit, &MainWin::Unload,
     };
     for (const auto caller : callers) {
-        for (const int saved : {0, 1}) {
+        for (const SavedState saved : {SavedState::Unsaved, SavedState::Saved}) {
             win.form.Saved = saved;
             dialogs.Shown.clear();
             (win.*caller)();
-            EXPECT_EQ(dialogs.Shown.size(), saved ? 0U : 1U);
+            EXPECT_EQ(dialogs.Shown.size(), saved == SavedState::Saved ? 0U : 1U);
         }
     }
 }
@@ -48,7 +48,7 @@ TEST_F(SaveQuestion, IsAskedByAllItsCallersWhenThereAreUnsavedChangesAndNotOther
 TEST_F(SaveQuestion, AnsweredNoThrowsTheWorkAway)
 {
     win.mnuNew();
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_EQ(win.tune.LastNote, 0);
 }
 
@@ -87,7 +87,7 @@ TEST_F(SaveQuestion, AnsweredYesWithACancelledSaveAsStopsNewWithThePageBlankAlre
     const std::string table = Table();
     win.mnuNew();
     EXPECT_EQ(Table(), table);
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
     EXPECT_TRUE(win.pages.Page(0).Surface.Picture().Operations().empty());
 }
 
@@ -96,7 +96,7 @@ TEST_F(SaveQuestion, AnsweredYesWithACancelledSaveAsStopsOpen)
     YesThenCancel();
     win.mnuOpen();
     EXPECT_EQ(dialogs.FileDialogs.size(), 1U) << "no open dialog";
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(SaveQuestion, ExitAfterYesAndACancelledSaveAsKeepsTheProgramRunning)
@@ -104,7 +104,7 @@ TEST_F(SaveQuestion, ExitAfterYesAndACancelledSaveAsKeepsTheProgramRunning)
     YesThenCancel();
     win.mnuExit();
     EXPECT_EQ(system.Ends, 0);
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
 }
 
 TEST_F(SaveQuestion, ClosingTheFormAfterYesAndACancelledSaveAsGoesOnWithTheWorkUnsaved)
@@ -112,14 +112,14 @@ TEST_F(SaveQuestion, ClosingTheFormAfterYesAndACancelledSaveAsGoesOnWithTheWorkU
     YesThenCancel();
     win.Unload();  // does not refuse
     EXPECT_EQ(dialogs.Shown.size(), 1U);
-    EXPECT_EQ(win.form.Saved, 0);
+    EXPECT_EQ(win.form.Saved, SavedState::Unsaved);
     EXPECT_EQ(system.Ends, 0) << "without the explicit end";
 }
 
 TEST_F(SaveQuestion, ExitAfterNoEnds)
 {
     win.mnuExit();
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_EQ(system.Ends, 1);
 }
 

@@ -71,7 +71,7 @@ TEST_F(Spoken, TextModesTellTheirText)
     Type("Am");
     EXPECT_EQ(Cursor(), "Measure 1, column 2 of 2, chord Am, quarter note");
     Type("\r");
-    win.form.InputMode = kRightHandMode;
+    win.form.InputMode = InputMode::RightHand;
     win.tune[win.tune.CurNote].RightHand = 'i';
     EXPECT_NE(Cursor().find("right hand mark i"), std::string::npos);
 }

@@ -91,9 +91,9 @@ TEST_F(StartUp, SetsTheTuneState)
     EXPECT_EQ(win.form.CurBeatUnit, 4);
     EXPECT_EQ(win.form.MeasCapacity, 48);
     EXPECT_EQ(win.form.MeasFill, 0);
-    EXPECT_EQ(win.form.EntryState, 1);
-    EXPECT_EQ(win.form.InputMode, 1);
-    EXPECT_EQ(win.form.Saved, 65535);
+    EXPECT_EQ(win.form.EntryState, EntryState::Append);
+    EXPECT_EQ(win.form.InputMode, InputMode::Fret);
+    EXPECT_EQ(win.form.Saved, SavedState::BeforeTune);
     EXPECT_TRUE(win.form.Timer1Enabled);
     EXPECT_TRUE(win.form.FirstActivation);
     EXPECT_FALSE(win.form.mnuSaveEnabled);
@@ -128,7 +128,7 @@ TEST_F(StartUp, WithoutTheNotationFontShowsTheBoxAndEnds)
               "You have not properly installed the font\r\n TAB.TTF.  Please refer to the manual "
               "and install  this font before proceding.\r\n\r\nYou will now be aborted from the "
               "program");
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_EQ(system.Ends, 1);
 }
 
@@ -146,7 +146,7 @@ TEST_F(StartUp, WithNoCommandLineRunsNewAndShowsTheSplashSoThatExitAsksNothing)
     StartWith("");
     EXPECT_EQ(system.Forms, std::vector{Form::Splash});
     EXPECT_FALSE(win.form.FirstActivation);
-    EXPECT_EQ(win.form.Saved, 1);
+    EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_EQ(win.tune.CurNote, 2);
     EXPECT_TRUE(win.tune[1].IsHead());
     win.SplashClosed();
@@ -167,8 +167,8 @@ TEST_F(StartUp, ANewTuneHasItsFreshState)
     EXPECT_EQ(win.form.MeasEnd, 0);
     EXPECT_EQ(win.form.CursorX, 48);
     EXPECT_EQ(win.form.CursorY, 76);
-    EXPECT_EQ(win.form.lblMeasNum, "1");
-    EXPECT_EQ(win.form.lblLastNote, "0");
+    EXPECT_EQ(win.view.lblMeasNum, "1");
+    EXPECT_EQ(win.view.lblLastNote, "0");
     EXPECT_EQ(win.form.Toolbar1, kQuarter);
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
     EXPECT_EQ(Table(),

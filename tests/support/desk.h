@@ -6,6 +6,7 @@
 #include "shell/main_win.h"
 #include "support/fakes.h"
 #include "support/faults.h"
+#include "support/state_text.h"
 #include "support/temporary_directory.h"
 #include "support/tunes.h"
 
@@ -51,7 +52,7 @@ protected:
         }
     }
 
-    std::string State() const { return StateText(win.tune, win.form); }
+    std::string State() const { return StateText(win.tune, win.form, win.view); }
     std::string Table() const { return TableText(win.tune); }
 
     TemporaryDirectory folder;

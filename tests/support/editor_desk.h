@@ -5,6 +5,7 @@
 #include "editor/editor.h"
 #include "support/fakes.h"
 #include "support/faults.h"
+#include "support/state_text.h"
 #include "support/temporary_directory.h"
 #include "support/tunes.h"
 
@@ -30,7 +31,7 @@ protected:
         form.CursorX = kFirstNoteX;
         form.CursorY = StringY(numStrings);
         form.MeasCapacity = 48;
-        form.Saved = 1;
+        form.Saved = SavedState::Saved;
         form.Toolbar1 = kQuarter;
         editor.SetFocus(Control::StaffBox);
     }
@@ -45,10 +46,10 @@ protected:
     /// Shows measure 1 of the table as a tune that was opened.
     void Show()
     {
-        form.EntryState = kReviewState;
+        form.EntryState = EntryState::Review;
         tune.CurMeas = tune.CurNote = 0;
         editor.cmdNext();
-        form.Saved = 1;
+        form.Saved = SavedState::Saved;
     }
 
     /// Opens a tune of full measures in 4/4.
@@ -89,7 +90,7 @@ protected:
         editor.lblMeasNum();
     }
 
-    std::string State() const { return StateText(tune, form); }
+    std::string State() const { return StateText(tune, form, view); }
     std::string Table() const { return TableText(tune); }
     std::string Log() const { return view.StaffBox.Picture().Log(); }
     std::string Drawn(const std::string& logBefore) const { return Log().substr(logBefore.size()); }

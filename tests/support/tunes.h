@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "store/main_form.h"
 #include "store/tune.h"
 
 #include <random>
@@ -116,39 +115,6 @@ inline std::string TableText(const Tune& tune)
     for (int i = 0; i <= kLastRecord; ++i)
         if (!tune[i].IsClear())
             text << i << ": " << RecordText(tune[i]) << '\n';
-    return text.str();
-}
-
-/// The tune state and the editing state, for "nothing has changed".
-inline std::string StateText(const Tune& tune, const MainForm& form)
-{
-    std::ostringstream text;
-    for (int value : {int{tune.NumStrings},
-                      int{tune.LastNote},
-                      int{tune.LastMeas},
-                      int{tune.CurNote},
-                      int{tune.CurMeas},
-                      int{form.MeasHead},
-                      int{form.MeasEnd},
-                      int{form.CursorX},
-                      int{form.CursorY},
-                      int{form.SavedCursorY},
-                      int{form.CurBeats},
-                      int{form.CurBeatUnit},
-                      int{form.CurValue},
-                      int{form.MeasCapacity},
-                      int{form.MeasFill},
-                      int{form.EntryState},
-                      int{form.InputMode},
-                      int{form.CaretOn},
-                      form.Saved,
-                      form.Toolbar1,
-                      static_cast<int>(form.Focus),
-                      static_cast<int>(form.Timer1Enabled),
-                      static_cast<int>(form.cmdRefreshEnabled)})
-        text << value << ' ';
-    text << tune.FileName << '|' << form.cmdNextCaption << '|' << form.cmdPreviousCaption << '|'
-         << form.lblMeasNum << '|' << form.lblLastNote << '|' << form.hdbkbox;
     return text.str();
 }
 
