@@ -2,11 +2,12 @@
 # The real window plays what play-scenario plays: the stories of tests/scenarios, and random scripts,
 # which play-scenario and the model play alike. Half of the scripts at a time.
 #
-#   tests/window_scenarios_test.sh PROGRAMS COUNT     PROGRAMS is a folder, such as build/dev/bin
+#   tests/window_scenarios_test.sh PROGRAMS COUNT [SEED]     PROGRAMS is a folder, such as build/dev/bin
 set -u
 here=$(cd -- "$(dirname -- "$0")" && pwd)
 player=$(realpath -- "$1")/window_scenario
 count=$2
+seed=${3:-1}
 export PYTHONDONTWRITEBYTECODE=1
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -16,8 +17,8 @@ random_scripts() {  # first seed, number of scripts
         --from "$1" --count "$2"
 }
 
-random_scripts 1 $((count / 2)) > "$scratch/first" &
-random_scripts $((count / 2 + 1)) $((count - count / 2)) > "$scratch/second"
+random_scripts "$seed" $((count / 2)) > "$scratch/first" &
+random_scripts $((seed + count / 2)) $((count - count / 2)) > "$scratch/second"
 second=$?
 wait $!
 first=$?

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Runs the fuzzers, as many at a time as there are processors:
+# Runs the fuzzers side by side:
 #
 #   tests/fuzz/fuzz.sh FOLDER [SECONDS [NAME...]]
 #
@@ -37,7 +37,7 @@ names=("${@:3}")
 [ -f build/fuzz/build.ninja ] || cmake --preset fuzz
 ninja -C build/fuzz "${names[@]}"
 tests/fuzz/full_tables.py "$folder"
-if ! printf '%s\n' "${names[@]}" | xargs -P "$(nproc)" -I {} bash -c 'run {}'; then
+if ! printf '%s\n' "${names[@]}" | xargs -P "${#names[@]}" -I {} bash -c 'run {}'; then
     echo "To see a fault again: build/fuzz/bin/NAME FILE. The files:"
     ls -d "$folder"/faults/*
     exit 1
