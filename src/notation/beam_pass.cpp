@@ -232,7 +232,8 @@ void BeamPass::TakeShortNote()
         ++BeamHalves;
 }
 
-/// A sixteenth that begins an eighth of its own, or comes after a rest, has a stub of its own.
+/// The second beam begins anew with a triplet's sixteenth on an eighth, and in compound time with a
+/// sixteenth after a rest or a long note.
 int BeamPass::ShapeInGroup() const
 {
     const int c = tune.CurNote;
