@@ -3,7 +3,7 @@
 
 #include "editor/editor.h"
 
-#include "notation/signs.h"
+#include "notation/symbols.h"
 
 namespace quillon {
 

@@ -3,7 +3,7 @@
 #include "midi/performance.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,6 @@
 #include "headless/export.h"
 
-#include "midi/sound.h"
+#include "midi/sound_settings.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
 #include "store/tune_file.h"

@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "midi/sound.h"
+#include "midi/sound_settings.h"
 #include "platform/platform.h"
 
 #include <functional>

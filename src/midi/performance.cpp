@@ -1,6 +1,6 @@
 #include "midi/performance.h"
 
-#include "store/signs.h"
+#include "store/sign_codes.h"
 
 #include <algorithm>
 #include <iterator>

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "midi/midi_file_writer.h"
-#include "midi/sound.h"
+#include "midi/sound_settings.h"
 #include "store/tune.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #include "notation/line_furniture.h"
 
-#include "notation/signs.h"
 #include "notation/staff_sizes.h"
+#include "notation/symbols.h"
 
 #include <utility>
 

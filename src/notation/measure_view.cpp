@@ -1,8 +1,8 @@
 #include "notation/measure_view.h"
 
 #include "notation/beam_pass.h"
-#include "notation/signs.h"
 #include "notation/staff_sizes.h"
+#include "notation/symbols.h"
 
 #include <algorithm>
 

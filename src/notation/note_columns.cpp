@@ -1,7 +1,7 @@
 #include "notation/note_columns.h"
 
-#include "notation/signs.h"
 #include "notation/staff_sizes.h"
+#include "notation/symbols.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "notation/line_furniture.h"
 #include "notation/staff_sizes.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 
 #include <algorithm>
 #include <utility>

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "notation/draw_surface.h"
-#include "notation/signs.h"
+#include "notation/symbols.h"
 #include "store/page_settings.h"
 #include "store/tune.h"
 

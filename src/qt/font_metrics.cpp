@@ -1,6 +1,6 @@
 #include "qt/font_metrics.h"
 
-#include "notation/signs.h"
+#include "notation/symbols.h"
 #include "qt/text.h"
 
 #include <QCoreApplication>

@@ -9,7 +9,7 @@
 #include "qt/printer.h"
 #include "qt/runner.h"
 #include "qt/settings.h"
-#include "qt/sound.h"
+#include "qt/sound_loader.h"
 #include "qt/system.h"
 #include "shell/rescue.h"
 

@@ -1,7 +1,7 @@
 #include "qt/svg.h"
 
 #include "notation/page_view.h"
-#include "notation/signs.h"
+#include "notation/symbols.h"
 #include "qt/font_metrics.h"
 #include "qt/text.h"
 

@@ -1,4 +1,4 @@
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "support/editor_desk.h"
 
 namespace quillon {

@@ -2,7 +2,7 @@
 
 #include "headless/export.h"
 #include "midi/performance.h"
-#include "notation/signs.h"
+#include "notation/symbols.h"
 #include "store/tune_file.h"
 #include "support/faults.h"
 #include "support/tunes.h"

@@ -1,6 +1,6 @@
 #include "headless/scenario.h"
 
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "store/tune_file.h"
 #include "support/state_text.h"
 #include "support/temporary_directory.h"

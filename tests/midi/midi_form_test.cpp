@@ -1,7 +1,7 @@
 #include "midi/midi_form.h"
 
 #include "midi/midi_text.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "support/fakes.h"
 #include "support/faults.h"
 #include "support/temporary_directory.h"

@@ -1,7 +1,7 @@
 #include "midi/performance.h"
 
 #include "midi/midi_text.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "support/faults.h"
 #include "support/tunes.h"
 

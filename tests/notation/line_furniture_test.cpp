@@ -1,5 +1,5 @@
 #include "page_desk.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 
 namespace quillon {
 namespace {

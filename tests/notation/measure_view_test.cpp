@@ -1,6 +1,6 @@
 #include "notation/measure_view.h"
 
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "support/faults.h"
 #include "support/tunes.h"
 

@@ -1,5 +1,5 @@
 #include "page_desk.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "support/fakes.h"
 
 namespace quillon {

@@ -5,7 +5,7 @@
 #include "qt/small_forms.h"
 #include "qt/staff_view.h"
 #include "qt/text.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 #include "store/tune_file.h"
 #include "window_desk.h"
 

@@ -1,6 +1,6 @@
 #include "store/note_codes.h"
 
-#include "store/signs.h"
+#include "store/sign_codes.h"
 
 #include <gtest/gtest.h>
 

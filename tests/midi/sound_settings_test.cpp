@@ -1,4 +1,4 @@
-#include "midi/sound.h"
+#include "midi/sound_settings.h"
 
 #include "midi/midi_text.h"
 #include "support/faults.h"

@@ -1,4 +1,4 @@
-#include "midi/sound.h"
+#include "midi/sound_settings.h"
 
 #include "midi/midi_file_writer.h"
 #include "midi/performance.h"

@@ -1,4 +1,4 @@
-#include "qt/sound.h"
+#include "qt/sound_loader.h"
 
 #include "store/fault.h"
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "store/note_codes.h"
-#include "store/signs.h"
+#include "store/sign_codes.h"
 
 namespace quillon {
 
