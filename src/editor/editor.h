@@ -25,6 +25,13 @@ enum Key {
     kKeyDelete = 46,
 };
 
+/// Where some commands leave the cursor: below the strings, on none of them
+/// (docs/kept_behaviour.md, "Files" and "Editing").
+constexpr int OffStringsY(int numStrings)
+{
+    return 24 + 10 * numStrings;
+}
+
 class Editor {
 public:
     Editor(Tune& theTune, MainForm& mainForm, MeasureView& measureView, Dialogs& theDialogs,
@@ -107,7 +114,12 @@ public:
 private:
     // Navigation
     bool FindMeasure(int leastSteps = 0);
-    bool SetCursorToFirstNote();
+    void CursorToFirstNoteOr(int otherwise);
+    void StandOnFirstNote();
+    void ShowButtonOfNote();
+    bool NextWhileEditing();
+    void NextInReview();
+    void OpenMeasureAtEnd();
     void StartMeasure(int head);
     void CommitInsertedMeasure();
     void CancelInsertedMeasure();
@@ -132,7 +144,10 @@ private:
     void ChordKey(char character);
     void HandKey(char character);
     void BracketKey(char character);
+    bool EnterHandMode(InputMode mode, char NoteRecord::*mark, int cursorY);
     bool ClickOnTimeSignature(double y);
+    void ClickBehindLastNote();
+    void ClickOnNote(double x);
     void Paint();
     void TakeValueOfNote();
 
@@ -142,6 +157,7 @@ private:
     void RelayoutXPos();
     void DeleteOnlyMeasure();
     void DeleteMiddleMeasure();
+    void DropLastMeasure();
     void DeleteLastMeasure();
     void DeleteOpenMeasure();
 

@@ -128,7 +128,7 @@ void Editor::DeleteOnlyMeasure()
 {
     tune.Table.Clear(1, kLastRecord);
     form.CursorX = kFirstNoteX;
-    form.CursorY = 24 + 10 * tune.NumStrings;  // off the strings
+    form.CursorY = OffStringsY(tune.NumStrings);
     tune.CurMeas = 1;
     tune.LastMeas = 0;
     tune.CurNote = 2;
@@ -157,35 +157,33 @@ void Editor::DeleteMiddleMeasure()
     view.RedrawMeasure();
 }
 
-void Editor::DeleteLastMeasure()
+/// The tune ends before the measure in view, and the last record left is the one in view.
+void Editor::DropLastMeasure()
 {
     tune.Table.Clear(form.MeasHead, form.MeasEnd);
     tune.LastNote = form.MeasHead - 1;
     --tune.LastMeas;
     tune.CurMeas = tune.LastMeas;
-    form.MeasEnd = tune.LastNote;
-    form.MeasHead = tune.LastNote;
+    form.MeasEnd = form.MeasHead = tune.LastNote;
+}
+
+void Editor::DeleteLastMeasure()
+{
+    DropLastMeasure();
     while (tune[form.MeasHead - 1].Measure == tune[form.MeasEnd].Measure)
         --form.MeasHead;
-    tune.CurNote = form.MeasHead + 1;
-    form.CursorX = Current().XPos;
+    StandOnFirstNote();
     view.RedrawMeasure();
 }
 
 void Editor::DeleteOpenMeasure()
 {
-    tune.Table.Clear(form.MeasHead, form.MeasEnd);
-    tune.LastNote = form.MeasHead - 1;
+    DropLastMeasure();
     tune.CurNote = tune.LastNote;
-    --tune.LastMeas;
-    tune.CurMeas = tune.LastMeas;
-    form.MeasEnd = tune.LastNote;
-    form.MeasHead = tune.LastNote;
     while (tune[form.MeasHead - 1].Measure == tune.CurMeas)
         --form.MeasHead;
-    tune.CurNote = form.MeasEnd;
     form.CursorX = Current().XPos;
-    form.CursorY = 24 + 10 * tune.NumStrings;  // off the strings
+    form.CursorY = OffStringsY(tune.NumStrings);
     SetFocus(Control::StaffBox);
 }
 

@@ -5,6 +5,14 @@
 
 namespace quillon {
 
+namespace {
+
+/// Where review puts the cursor in a measure that begins with a rest: between two strings
+/// (docs/kept_behaviour.md, "Editing").
+constexpr int kReviewRestY = 54;
+
+}  // namespace
+
 void Editor::SetFocus(Control control)
 {
     if (form.Focus == control)
@@ -51,13 +59,11 @@ void Editor::WalkMeasEnd()
         ++form.MeasEnd;
 }
 
-/// Puts the cursor on the lowest string that the measure's first note plays, if any.
-bool Editor::SetCursorToFirstNote()
+/// Puts the cursor on the lowest string that the measure's first note plays, or to `otherwise`.
+void Editor::CursorToFirstNoteOr(int otherwise)
 {
     const int s = tune[form.MeasHead + 1].HighestFilledSlot();
-    if (s > 0)
-        form.CursorY = StringY(s);
-    return s > 0;
+    form.CursorY = s > 0 ? StringY(s) : otherwise;
 }
 
 /// X of the position behind a note.
@@ -94,8 +100,7 @@ void Editor::cmdNext()
     form.cmdRefreshEnabled = true;
     form.cmdNextCaption = "Next";
     form.cmdPreviousCaption = "Previous";
-    if (form.InputMode == InputMode::Chord || form.InputMode == InputMode::LeftHand ||
-        form.InputMode == InputMode::RightHand || form.InputMode == InputMode::Bracket) {
+    if (form.InputMode != InputMode::Fret && form.InputMode != InputMode::Insert) {
         form.InputMode = InputMode::Fret;
         view.RedrawMeasure();
     }
@@ -103,64 +108,89 @@ void Editor::cmdNext()
         CommitInsertedMeasure();
         return;
     }
-    if (form.EntryState == EntryState::Edit) {
-        if (tune.CurMeas < tune.LastMeas)
-            ++tune.CurMeas;
-        else
-            form.EntryState = EntryState::Append;
-        FindMeasure();
-        if (form.EntryState == EntryState::Edit) {
-            form.CursorX = tune[form.MeasHead + 1].XPos;
-            tune.CurNote = form.MeasHead + 1;
-            if (!SetCursorToFirstNote())
-                form.CursorY = StringY(tune.NumStrings);
-            view.RedrawMeasure();
-            if (tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity) {
-                form.EntryState = EntryState::Append;
-                form.MeasEnd = tune.LastNote;
-                tune.CurNote = tune.LastNote + 1;
-                form.CursorX = EndOf(form.MeasEnd);
-                SetFocus(Control::StaffBox);
-                return;
-            }
-        } else {
-            tune.CurNote = form.MeasEnd;
-        }
-        SetFocus(Control::StaffBox);
-    }
-    if (form.EntryState == EntryState::Review) {
-        bool found = false;
-        if (tune.LastMeas != 0) {
-            ++tune.CurMeas;
-            if (tune.CurMeas > tune.LastMeas)
-                tune.CurMeas = 1;
-            found = FindMeasure();
-            view.RedrawMeasure();
-            tune.CurNote = form.MeasHead + 1;
-            form.CursorX = Current().XPos;
-            if (!SetCursorToFirstNote())
-                form.CursorY = 54;  // between the strings
-            SetFocus(Control::StaffBox);
-        }
-        if (!found) {
-            form.EntryState = EntryState::Append;
-            tune.LastMeas = 0;
-            tune.CurMeas = 1;
-            tune.CurNote = 2;
-            tune.LastNote = 0;
-        }
-    }
+    if (form.EntryState == EntryState::Edit && NextWhileEditing())
+        return;
+    if (form.EntryState == EntryState::Review)
+        NextInReview();
     // An empty open measure never opens another one.
     if (form.EntryState == EntryState::Append &&
-        (tune.CurNote > form.MeasHead + 1 || form.MeasFill == form.MeasCapacity)) {
+        (tune.CurNote > form.MeasHead + 1 || form.MeasFill == form.MeasCapacity))
+        OpenMeasureAtEnd();
+    ShowButtonOfNote();
+    SetFocus(Control::StaffBox);
+}
+
+/// On to the next measure, or from the last one to the tune's end. True when the last measure has
+/// room left: the cursor goes to its free end, and cmdNext is done.
+bool Editor::NextWhileEditing()
+{
+    if (tune.CurMeas < tune.LastMeas)
         ++tune.CurMeas;
-        // A full measure leaves CurNote on its last note, otherwise it is on the free record.
-        tune.CurNote += form.MeasFill < form.MeasCapacity ? 1 : 2;
-        StartMeasure(tune.CurNote - 1);
+    else
+        form.EntryState = EntryState::Append;
+    FindMeasure();
+    if (form.EntryState == EntryState::Append) {
+        tune.CurNote = form.MeasEnd;
+        SetFocus(Control::StaffBox);
+        return false;
     }
+    StandOnFirstNote();
+    CursorToFirstNoteOr(StringY(tune.NumStrings));
+    view.RedrawMeasure();
+    const bool hasRoom = tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity;
+    if (hasRoom) {
+        form.EntryState = EntryState::Append;
+        form.MeasEnd = tune.LastNote;
+        tune.CurNote = tune.LastNote + 1;
+        form.CursorX = EndOf(form.MeasEnd);
+    }
+    SetFocus(Control::StaffBox);
+    return hasRoom;
+}
+
+/// On to the next measure, from the last one to the first. Where no measure is found, the tune
+/// counts as empty from now on.
+void Editor::NextInReview()
+{
+    bool found = false;
+    if (tune.LastMeas != 0) {
+        ++tune.CurMeas;
+        if (tune.CurMeas > tune.LastMeas)
+            tune.CurMeas = 1;
+        found = FindMeasure();
+        view.RedrawMeasure();
+        StandOnFirstNote();
+        CursorToFirstNoteOr(kReviewRestY);
+        SetFocus(Control::StaffBox);
+    }
+    if (!found) {
+        form.EntryState = EntryState::Append;
+        tune.LastMeas = 0;
+        tune.CurMeas = 1;
+        tune.CurNote = 2;
+        tune.LastNote = 0;
+    }
+}
+
+void Editor::OpenMeasureAtEnd()
+{
+    ++tune.CurMeas;
+    // A full measure leaves CurNote on its last note, otherwise it is on the free record.
+    tune.CurNote += form.MeasFill < form.MeasCapacity ? 1 : 2;
+    StartMeasure(tune.CurNote - 1);
+}
+
+void Editor::StandOnFirstNote()
+{
+    tune.CurNote = form.MeasHead + 1;
+    form.CursorX = Current().XPos;
+}
+
+/// Presses the button of the note under the cursor; a rest, a head or a free record leaves it.
+void Editor::ShowButtonOfNote()
+{
     if (Current().NoteCode > 0 && Current().NoteCode < kEndOfNotes)
         SetToolbarValue(Current().NoteCode);
-    SetFocus(Control::StaffBox);
 }
 
 void Editor::cmdPrevious()
@@ -184,19 +214,16 @@ void Editor::cmdPrevious()
         --tune.CurMeas;
     if (FindMeasure(1))
         tune.CurNote = form.MeasEnd;
-    if (!SetCursorToFirstNote())
-        form.CursorY = StringY(tune.NumStrings);
+    CursorToFirstNoteOr(StringY(tune.NumStrings));
     view.RedrawMeasure();
     if (tune.CurMeas == tune.LastMeas && form.MeasFill < form.MeasCapacity) {
         form.EntryState = EntryState::Append;
         form.CursorX = EndOf(tune.CurNote);
         ++tune.CurNote;
     } else {
-        form.CursorX = tune[form.MeasHead + 1].XPos;
-        tune.CurNote = form.MeasHead + 1;
+        StandOnFirstNote();
     }
-    if (Current().NoteCode > 0 && Current().NoteCode < kEndOfNotes)
-        SetToolbarValue(Current().NoteCode);
+    ShowButtonOfNote();
     SetFocus(Control::StaffBox);
 }
 
@@ -251,8 +278,7 @@ void Editor::lblMeasNum()
     if (number > 0 && number < tune.LastMeas + 1)
         tune.CurMeas = Round(number);
     FindMeasure();
-    tune.CurNote = form.MeasHead + 1;
-    form.CursorX = Current().XPos;
+    StandOnFirstNote();
     SetFocus(Control::StaffBox);
     view.RedrawMeasure();
 }

@@ -11,6 +11,10 @@ namespace quillon {
 
 namespace {
 
+// Clicks, in points
+constexpr int kSignatureEndX = 18;  // the figures of the time signature stand left of it
+constexpr int kEndOfNoteX = 18;     // a note reaches so far to the right of its XPos
+
 /// The characters that go into a string's slot.
 constexpr std::string_view kFretCharacters = "0123456789-><xX^/()=";
 
@@ -387,34 +391,33 @@ void Editor::mnuChord()
     Current().XPos = form.CursorX;
 }
 
-void Editor::mnuLHEdit()
+/// A letter for a hand is asked for: the old one is gone at once. False while a measure is
+/// inserted.
+bool Editor::EnterHandMode(InputMode mode, char NoteRecord::*mark, int cursorY)
 {
     if (form.InputMode == InputMode::Insert)
-        return;
+        return false;
     form.Saved = SavedState::Unsaved;
     if (form.InputMode == InputMode::Fret)
         form.SavedCursorY = form.CursorY;
-    form.InputMode = InputMode::LeftHand;
-    Current().LeftHand = ' ';
+    form.InputMode = mode;
+    Current().*mark = ' ';
     view.RedrawMeasure();
-    form.CursorY = 68 + 8 * tune.NumStrings;
+    form.CursorY = cursorY;
     Current().XPos = form.CursorX;
     form.CursorX = Current().XPos + 6;
+    return true;
+}
+
+void Editor::mnuLHEdit()
+{
+    EnterHandMode(InputMode::LeftHand, &NoteRecord::LeftHand, 68 + 8 * tune.NumStrings);
 }
 
 void Editor::mnuRHEdit()
 {
-    if (form.InputMode == InputMode::Insert)
+    if (!EnterHandMode(InputMode::RightHand, &NoteRecord::RightHand, 44 + 10 * tune.NumStrings))
         return;
-    form.Saved = SavedState::Unsaved;
-    if (form.InputMode == InputMode::Fret)
-        form.SavedCursorY = form.CursorY;
-    form.InputMode = InputMode::RightHand;
-    Current().RightHand = ' ';
-    view.RedrawMeasure();
-    form.CursorY = 44 + 10 * tune.NumStrings;
-    Current().XPos = form.CursorX;
-    form.CursorX = Current().XPos + 6;
     view.StaffBox.CurrentX = form.CursorX;
     view.StaffBox.CurrentY = form.CursorY;
 }
@@ -459,7 +462,7 @@ void Editor::StaffBoxMouseDown(double x, double y)
         form.InputMode = InputMode::Fret;
     }
     HideCaret();
-    if (x < 18 && form.MeasHead > form.MeasEnd && ClickOnTimeSignature(y))
+    if (x < kSignatureEndX && form.MeasHead > form.MeasEnd && ClickOnTimeSignature(y))
         return;
     if (form.InputMode != InputMode::Insert)
         form.InputMode = InputMode::Fret;
@@ -467,40 +470,51 @@ void Editor::StaffBoxMouseDown(double x, double y)
     if (form.MeasEnd < form.MeasHead) {
         form.CursorX = kFirstNoteX;
     } else {
-        const int first = form.MeasHead + 1;
-        if (x > tune[form.MeasEnd].XPos + 18) {
-            if (form.MeasEnd == tune.LastNote && form.MeasFill < form.MeasCapacity) {
-                form.EntryState = EntryState::Append;
-                form.CursorX = EndOf(form.MeasEnd);
-                tune.CurNote = tune.LastNote + 1;
-            } else {
-                if (form.EntryState == EntryState::Append)
-                    form.EntryState = EntryState::Edit;
-                form.CursorX = tune[form.MeasEnd].XPos;
-                tune.CurNote = form.MeasEnd;
-            }
-        } else {
-            tune.CurNote = first;
-            if (x < tune[first].XPos) {
-                form.CursorX = kFirstNoteX;
-            } else {
-                form.CursorX = tune[first].XPos;
-                for (int i = first; i < form.MeasEnd; ++i) {
-                    if (x > tune[i + 1].XPos) {
-                        tune.CurNote = i + 1;
-                        form.CursorX = tune[i + 1].XPos;
-                    }
-                }
-            }
-            if (form.EntryState == EntryState::Append && tune.CurNote < tune.LastNote)
-                form.EntryState = EntryState::Edit;
-        }
+        if (x > tune[form.MeasEnd].XPos + kEndOfNoteX)
+            ClickBehindLastNote();
+        else
+            ClickOnNote(x);
         TakeValueOfNote();
     }
     int lineY = StringY(1);
     while (lineY < StringY(kStringSlots) && y > lineY)
         lineY += 8;
     form.CursorY = std::min(lineY, StringY(tune.NumStrings));
+}
+
+/// To the free end of the tune if the measure is its last and has room, else to the last note.
+void Editor::ClickBehindLastNote()
+{
+    if (form.MeasEnd == tune.LastNote && form.MeasFill < form.MeasCapacity) {
+        form.EntryState = EntryState::Append;
+        form.CursorX = EndOf(form.MeasEnd);
+        tune.CurNote = tune.LastNote + 1;
+        return;
+    }
+    if (form.EntryState == EntryState::Append)
+        form.EntryState = EntryState::Edit;
+    form.CursorX = tune[form.MeasEnd].XPos;
+    tune.CurNote = form.MeasEnd;
+}
+
+/// To the last note that begins left of the click; a click before the first goes to it.
+void Editor::ClickOnNote(double x)
+{
+    const int first = form.MeasHead + 1;
+    tune.CurNote = first;
+    if (x < tune[first].XPos) {
+        form.CursorX = kFirstNoteX;
+    } else {
+        form.CursorX = tune[first].XPos;
+        for (int i = first; i < form.MeasEnd; ++i) {
+            if (x > tune[i + 1].XPos) {
+                tune.CurNote = i + 1;
+                form.CursorX = tune[i + 1].XPos;
+            }
+        }
+    }
+    if (form.EntryState == EntryState::Append && tune.CurNote < tune.LastNote)
+        form.EntryState = EntryState::Edit;
 }
 
 void Editor::TakeValueOfNote()

@@ -143,9 +143,12 @@ void MainWin::FirstActivate(const std::string& commandLine)
     tune.FileName = commandLine;
     if (commandLine.front() == '"')
         tune.FileName = commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
-    for (const InstrumentMode& mode : kInstrumentModes)
-        if (tune.FileName.size() >= 3 && tune.FileName.ends_with(mode.Extension))
-            tune.NumStrings = mode.NumStrings;
+    // A dot before them is not asked for.
+    constexpr std::size_t length = 3;
+    if (tune.FileName.size() >= length)
+        if (const auto* mode = FindModeOfExtension(
+                std::string_view(tune.FileName).substr(tune.FileName.size() - length)))
+            tune.NumStrings = mode->NumStrings;
     ShowStringLines();
     form.Caption = FindMode(tune.NumStrings)->FileCaption;
     mnuOpen();
@@ -307,7 +310,7 @@ void MainWin::IncompatibleFile()
     platform.system.SetWaitCursor(false);
     platform.dialogs.Message(Icon::Stop, "", kIncompatible);
     view.ClearStaff();
-    ResetTuneState(tune.NumStrings * 10 + 24);
+    ResetTuneState(OffStringsY(tune.NumStrings));
     editor.SetToolbarValue(kQuarter);
     throw Fault(Error::ObjectRequired);
 }
