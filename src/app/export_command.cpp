@@ -114,9 +114,8 @@ std::string FormatOf(const std::string& output)
     const std::size_t dot = output.find_last_of("./");
     std::string extension =
         dot == std::string::npos || output[dot] == '/' ? "" : output.substr(dot + 1);
-    for (const InstrumentMode& mode : kInstrumentModes)
-        if (extension == mode.Extension)
-            return "tune";
+    if (FindModeOfExtension(extension))
+        return "tune";
     if (std::find(std::begin(kFormats), std::begin(kFormats) + 5, extension) !=
         std::begin(kFormats) + 5)
         return extension;

@@ -27,10 +27,8 @@ std::string OneLine(const std::string& text)
 
 int StringsOf(const std::string& path)
 {
-    for (const InstrumentMode& mode : kInstrumentModes)
-        if (path.ends_with(std::string(".") + mode.Extension))
-            return mode.NumStrings;
-    return 6;
+    const InstrumentMode* mode = FindModeOfExtension(path.substr(path.find_last_of('.') + 1));
+    return mode ? mode->NumStrings : 6;
 }
 
 void RefuseTooWide(std::optional<int> measure)

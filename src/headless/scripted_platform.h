@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "notation/page_view.h"
 #include "platform/platform.h"
 
 #include <deque>
@@ -79,8 +80,8 @@ class NoPrinter : public Printer {
 public:
     std::optional<int> ShowDialog(const std::string&) override { return std::nullopt; }
     void SetCopies(int) override {}
-    double Width() const override { return 12240; }
-    double Height() const override { return 15840; }
+    double Width() const override { return kPageWidth; }
+    double Height() const override { return kPageHeight; }
     void Print(const std::vector<Drawing>&) override {}
 };
 

@@ -1,5 +1,6 @@
 #include "midi/performance.h"
 
+#include "store/fret_text.h"
 #include "store/sign_codes.h"
 
 #include <algorithm>
@@ -15,44 +16,6 @@ constexpr int kProgramChange = 192;  // plus the channel, which is the number of
 constexpr int kNoteOn = 144;
 constexpr int kMicrosecondsPerMinute = 60000000;
 constexpr int kLastNoteCode = 90;  // codes above are rests, or nothing that sounds
-
-/// A note or rest lasts quarter note / Divisor * Factor, cut to whole ticks.
-struct Length {
-    int NoteCode;
-    int Divisor;
-    int Factor;
-};
-
-constexpr Length kLengths[] = {
-    {kTripletSixteenth,     6, 1},
-    {kSixteenth,            4, 1},
-    {kTripletEighth,        3, 1},
-    {kEighth,               2, 1},
-    {kDottedEighth,         4, 3},
-    {kTripletQuarter,       3, 2},
-    {kQuarter,              1, 1},
-    {kDottedQuarter,        2, 3},
-    {kHalf,                 1, 2},
-    {kDottedHalf,           1, 3},
-    {kWhole,                1, 4},
-    {kHalfRest,             1, 2},
-    {kWholeRest,            1, 4},
-    {kTripletSixteenthRest, 6, 1},
-    {kSixteenthRest,        4, 1},
-    {kTripletEighthRest,    3, 1},
-    {kEighthRest,           2, 1},
-    {kTripletQuarterRest,   3, 2},
-    {kQuarterRest,          1, 1},
-};
-static_assert(std::size(kLengths) == kNoteValues + kRests);
-
-int LengthOf(int noteCode, int beatTicks)
-{
-    for (const Length& length : kLengths)
-        if (length.NoteCode == noteCode)
-            return Floor(1.0 * beatTicks / length.Divisor * length.Factor);
-    return 0;
-}
 
 void AddTicks(int& sum, int ticks)
 {
@@ -257,7 +220,7 @@ void Performance::TakeRecord()
 {
     const int code = Record().NoteCode;
     if (code > kLastNoteCode || Cell(tune.CurNote).empty())
-        AddTicks(RestTicks, LengthOf(code, sound.Tempo));
+        AddTicks(RestTicks, TicksAt(sound.Tempo, code));
     else
         PlayCell();
 }
@@ -267,14 +230,12 @@ void Performance::PlayCell()
     const std::string& cell = Cell(tune.CurNote);
     bool tied = false;
     bool slurNext = false;
-    if (cell.find('^') != std::string::npos) {
+    if (HasTie(cell)) {
         // The next record is asked whatever it is, a head too: over a bar line most ties are slurs.
         tied = ValUnsigned(Cell(tune.CurNote + 1)) == ValUnsigned(cell);
         slurNext = !tied;
     }
-    std::size_t separator = cell.find('-');
-    if (separator == std::string::npos)
-        separator = cell.find('=');
+    const std::size_t separator = FindConnection(cell);
     const bool twoNotes = separator != std::string::npos && separator + 1 < cell.size();
 
     Int16 pitch = PitchOf(cell);
@@ -285,7 +246,7 @@ void Performance::PlayCell()
         WriteNote(pitch, Velocity, RestTicks);
         RestTicks = 0;
     }
-    AddTicks(NoteTicks, LengthOf(Record().NoteCode, sound.Tempo));
+    AddTicks(NoteTicks, TicksAt(sound.Tempo, Record().NoteCode));
     if (twoNotes) {
         NoteTicks = Round(NoteTicks / 2.0);
         WriteNote(pitch, 0, NoteTicks);

@@ -18,6 +18,13 @@
 
 namespace quillon {
 
+/// Ticks of a note or rest where a quarter note has `quarter`, cut to whole ones; 0 for any other
+/// code.
+inline int TicksAt(int quarter, int noteCode)
+{
+    return quarter * TicksOf(noteCode) / kTicksPerQuarter;
+}
+
 /// The repeats and signs lead the walk round in a circle.
 class NeverEnding : public std::runtime_error {
 public:

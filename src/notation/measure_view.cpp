@@ -3,6 +3,7 @@
 #include "notation/beam_pass.h"
 #include "notation/staff_sizes.h"
 #include "notation/symbols.h"
+#include "store/fret_text.h"
 
 #include <algorithm>
 
@@ -68,13 +69,11 @@ std::string Trimmed(const std::string& text)
 /// A cell's text with its marks set apart. A mark is expected last: wherever it stands, the last
 /// character goes (docs/kept_behaviour.md, "The measure view").
 struct Cell {
-    explicit Cell(const std::string& slot) : Text(Trimmed(slot)), BendPlace(slot.find('<'))
+    explicit Cell(const std::string& slot)
+        : Text(Trimmed(slot)), Tie(HasTie(slot)), BendPlace(FindBend(slot))
     {
-        Tie = Text.find('^') != std::string::npos;
         if (Tie)
             Text.pop_back();
-        if (BendPlace == std::string::npos)
-            BendPlace = slot.find('>');
         if (HasBend()) {
             BendMark = Text.back();
             Text.pop_back();
@@ -84,7 +83,7 @@ struct Cell {
     bool HasBend() const { return BendPlace != std::string::npos; }
 
     std::string Text;
-    bool Tie = false;
+    bool Tie;
     std::size_t BendPlace;  // counted in the slot
     char BendMark = 0;
 };
@@ -232,9 +231,9 @@ void MeasureView::DrawNote()
 void MeasureView::MoveSlash(NoteRecord& note)
 {
     for (std::string& slot : note.Slots) {
-        if (slot == "/") {
+        if (slot == kRhythmSlash) {
             slot.clear();
-            note.Slot(3) = "/";
+            note.Slot(3) = kRhythmSlash;
         }
     }
 }
@@ -245,7 +244,7 @@ void MeasureView::DrawCell(int s)
     Cell cell(note.Slot(s));
     StaffBox.CurrentX = note.XPos;
     StaffBox.CurrentY = StringTextY(s);
-    if (cell.Text == "/") {
+    if (cell.Text == kRhythmSlash) {
         DrawSlash();
     } else {
         if (note.NoteCode >= kHalf && note.NoteCode <= kWhole)
@@ -272,7 +271,7 @@ int MeasureView::EndOf(const std::string& text) const
 void MeasureView::DrawSlash()
 {
     UseFont("tab");
-    StaffBox.PrintLine("/");
+    StaffBox.PrintLine(kRhythmSlash);
     UseBodyFont();
 }
 
@@ -288,7 +287,7 @@ void MeasureView::DrawBend(char mark, int place, double y)
     UseFont(kTabFont);
     StaffBox.Font.Size = kBendSize;
     StaffBox.PrintLineAt(tune[tune.CurNote].XPos + kCharWidth * place,
-                         mark == '>' ? y - kLineGap : y, {&mark, 1});
+                         mark == kBendMark ? y - kLineGap : y, {&mark, 1});
     UseBodyFont();
     StaffBox.Font.Size = kTextSize;
     StaffBox.Font.Bold = true;
@@ -296,12 +295,11 @@ void MeasureView::DrawBend(char mark, int place, double y)
 
 void MeasureView::DrawCellText(const std::string& text, double y)
 {
-    if (const std::size_t dash = text.find('-'); dash != std::string::npos)
-        DrawConnected(text, dash, y - 2);
-    else if (const std::size_t equals = text.find('='); equals != std::string::npos)
-        DrawConnected(text, equals, y - 3);
-    else
+    const std::size_t mark = FindConnection(text);
+    if (mark == std::string::npos)
         StaffBox.PrintLine(text);
+    else
+        DrawConnected(text, mark, text[mark] == kHammerMark ? y - 2 : y - 3);
 }
 
 /// Two frets with a connection mark between them, its top at `markY`.

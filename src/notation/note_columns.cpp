@@ -2,6 +2,7 @@
 
 #include "notation/staff_sizes.h"
 #include "notation/symbols.h"
+#include "store/fret_text.h"
 
 #include <algorithm>
 
@@ -25,7 +26,7 @@ constexpr int kSlashRise = 100;
 constexpr int kSmallSlashRise = 40;
 constexpr int kDashRise = 70;  // "-"
 constexpr int kBowRise = 80;   // "="
-constexpr int kSlideRise = 200;
+constexpr int kBendRise = 200;
 
 // Under the end of the stems
 constexpr int kBracketTop = 10;  // of a triplet
@@ -102,7 +103,7 @@ void NoteColumns::DrawCell(int n, int s)
     if (text.empty())
         return;
     StemString = s;
-    if (text == "/")
+    if (text == kRhythmSlash)
         DrawSlash(s);
     else
         DrawFret(n, s);
@@ -115,7 +116,7 @@ void NoteColumns::DrawSlash(int s)
     Surface().Font.Name = kTabFont;
     const bool small = Surface().Font.Size == line.page.BodyFontSize - 2;
     Surface().CurrentY = FretY(s) - (small ? kSmallSlashRise : kSlashRise);
-    line.PrintSymbol("/");
+    line.PrintSymbol(kRhythmSlash);
 }
 
 void NoteColumns::DrawFret(int n, int s)
@@ -125,16 +126,15 @@ void NoteColumns::DrawFret(int n, int s)
     bool& carry = TieCarry[static_cast<std::size_t>(s)];
     if (carry)
         DrawTieIn(n, s);
-    const bool tie = text.find('^') != std::string::npos;
+    const bool tie = HasTie(text);
     carry = tie && n == line.k;
-    const char mark = text.find('<') != std::string::npos ? '<' : '>';
-    const std::size_t slide = text.find(mark);
-    const bool isSlide = slide != std::string::npos;
+    const std::size_t bend = FindBend(text);
+    const bool isBent = bend != std::string::npos;
 
     // The mark is expected last: wherever it stands, the last character goes
     // (docs/kept_behaviour.md, "Pages and paper").
     std::string shown = text;
-    if (tie || isSlide)
+    if (tie || isBent)
         shown.pop_back();
     const bool isLong = column.NoteCode >= kHalf;
     if (isLong)
@@ -142,8 +142,8 @@ void NoteColumns::DrawFret(int n, int s)
     PrintFret(shown, !isLong);
     if (HasDot(column.BeamCode) || column.NoteCode == kDottedHalf)
         DrawDot(n, shown);
-    if (isSlide)
-        PrintSlide(n, s, mark, slide);
+    if (isBent)
+        PrintBend(n, s, text[bend], bend);
     if (tie)
         DrawTie(n, s, shown);
 }
@@ -161,14 +161,12 @@ void NoteColumns::DrawTieIn(int n, int s)
 /// A connection between two frets is a glyph, raised above the line; in brackets it stays text.
 void NoteColumns::PrintFret(const std::string& text, bool connected)
 {
-    std::size_t mark = text.find('-');
-    const int raise = mark != std::string::npos ? kDashRise : kBowRise;
-    if (mark == std::string::npos)
-        mark = text.find('=');
+    const std::size_t mark = FindConnection(text);
     if (!connected || mark == std::string::npos) {
         Surface().PrintLine(text);
         return;
     }
+    const int raise = text[mark] == kHammerMark ? kDashRise : kBowRise;
     Surface().Print(text.substr(0, mark));
     Surface().Font.Name = kTabFont;
     const double y = Surface().CurrentY;
@@ -188,11 +186,11 @@ void NoteColumns::DrawDot(int n, const std::string& text)
     Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), kDotRadius);
 }
 
-void NoteColumns::PrintSlide(int n, int s, char mark, std::size_t place)
+void NoteColumns::PrintBend(int n, int s, char mark, std::size_t place)
 {
     Surface().CurrentX = columns[n].XPos + values.CharUnit * static_cast<int>(place);
     Surface().Font.Size = line.page.BodyFontSize - 2;
-    Surface().CurrentY = mark == '<' ? FretY(s) : FretY(s) - kSlideRise;
+    Surface().CurrentY = mark == kReleaseMark ? FretY(s) : FretY(s) - kBendRise;
     line.PrintSymbol({&mark, 1});
     UseBodyFont();
 }

@@ -29,7 +29,7 @@ private:
     void DrawFret(int n, int s);
     void DrawTieIn(int n, int s);
     void PrintFret(const std::string& text, bool connected);
-    void PrintSlide(int n, int s, char mark, std::size_t place);
+    void PrintBend(int n, int s, char mark, std::size_t place);
     void DrawDot(int n, const std::string& text);
     void DrawTie(int n, int s, const std::string& text);
     void DrawBlockRest(const NoteRecord& column);

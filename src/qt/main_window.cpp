@@ -57,11 +57,8 @@ std::string DroppedTune(const QDropEvent& event)
     if (urls.size() != 1 || !urls[0].isLocalFile())
         return {};
     const QString path = urls[0].toLocalFile();
-    const QString extension = QFileInfo(path).suffix().toLower();
-    for (const InstrumentMode& mode : kInstrumentModes)
-        if (extension == mode.Extension)
-            return PathToBytes(path);
-    return {};
+    const std::string extension = QFileInfo(path).suffix().toLower().toStdString();
+    return FindModeOfExtension(extension) ? PathToBytes(path) : std::string();
 }
 
 bool IsShortcut(const QKeyEvent& key)

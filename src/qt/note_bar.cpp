@@ -1,5 +1,6 @@
 #include "qt/note_bar.h"
 
+#include "shell/spoken.h"
 #include "store/note_table.h"
 
 #include <QAccessible>
@@ -18,8 +19,7 @@ namespace {
 
 /// How a note value looks: its head, stem and flags, a dot, the 3 of a triplet.
 struct NoteSign {
-    const char* name;
-    const char* keys;
+    const char* keys;  // that lead to it
     int flags;
     bool stem;
     bool filled;
@@ -28,17 +28,17 @@ struct NoteSign {
 };
 
 constexpr NoteSign kNoteSigns[] = {
-    {"Sixteenth triplet", "* from a sixteenth", 2, true,  true,  false, true },
-    {"Sixteenth",         "+ goes there",       2, true,  true,  false, false},
-    {"Eighth triplet",    "* from an eighth",   1, true,  true,  false, true },
-    {"Eighth",            "+ goes there",       1, true,  true,  false, false},
-    {"Dotted eighth",     ". from an eighth",   1, true,  true,  true,  false},
-    {"Quarter triplet",   "* from a quarter",   0, true,  true,  false, true },
-    {"Quarter",           "+ goes there",       0, true,  true,  false, false},
-    {"Dotted quarter",    ". from a quarter",   0, true,  true,  true,  false},
-    {"Half",              nullptr,              0, true,  false, false, false},
-    {"Dotted half",       nullptr,              0, true,  false, true,  false},
-    {"Whole",             nullptr,              0, false, false, false, false},
+    {"* from a sixteenth", 2, true,  true,  false, true },
+    {"+ goes there",       2, true,  true,  false, false},
+    {"* from an eighth",   1, true,  true,  false, true },
+    {"+ goes there",       1, true,  true,  false, false},
+    {". from an eighth",   1, true,  true,  true,  false},
+    {"* from a quarter",   0, true,  true,  false, true },
+    {"+ goes there",       0, true,  true,  false, false},
+    {". from a quarter",   0, true,  true,  true,  false},
+    {nullptr,              0, true,  false, false, false},
+    {nullptr,              0, true,  false, true,  false},
+    {nullptr,              0, false, false, false, false},
 };
 static_assert(std::size(kNoteSigns) == kNoteValues);
 
@@ -85,13 +85,16 @@ void PaintSign(QPainter& painter, const NoteSign& sign, const QColor& color)
 
 class NoteButton : public QToolButton {
 public:
-    NoteButton(const NoteSign& noteSign, QWidget* parent) : QToolButton(parent), sign(noteSign)
+    NoteButton(int value, const NoteSign& noteSign, QWidget* parent)
+        : QToolButton(parent), sign(noteSign)
     {
         setAutoRaise(true);
         setCheckable(true);
         setFocusPolicy(Qt::NoFocus);
-        setAccessibleName(sign.name);
-        setToolTip(sign.keys ? QString("%1 (%2)").arg(sign.name, sign.keys) : QString(sign.name));
+        QString name = ValueName(value);
+        name.front() = name.front().toUpper();
+        setAccessibleName(name);
+        setToolTip(sign.keys ? QString("%1 (%2)").arg(name, sign.keys) : name);
     }
 
     QSize sizeHint() const override { return {34, 40}; }
@@ -125,9 +128,9 @@ NoteBar::NoteBar(QWidget* parent) : QWidget(parent)
     row->setContentsMargins(2, 2, 2, 2);
     row->setSpacing(2);
     for (const NoteSign& sign : kNoteSigns) {
-        auto* button = new NoteButton(sign, this);
+        const int number = static_cast<int>(buttons.size()) + 1;
+        auto* button = new NoteButton(number, sign, this);
         buttons.push_back(button);
-        const int number = static_cast<int>(buttons.size());
         button->setObjectName(QString("Toolbar1_%1").arg(number));
         connect(button, &QToolButton::clicked, this, [this, number] { emit Clicked(number); });
         row->addWidget(button);

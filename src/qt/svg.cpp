@@ -3,6 +3,7 @@
 #include "notation/page_view.h"
 #include "notation/symbols.h"
 #include "qt/font_metrics.h"
+#include "qt/paint.h"
 #include "qt/text.h"
 
 #include <QFontMetricsF>
@@ -15,7 +16,6 @@ namespace quillon {
 
 namespace {
 
-constexpr double kDot = 15;        // a pen's dot in twips, that of a 96 dpi screen
 constexpr double kGlyphEm = 1000;  // size at which the notation glyphs are given
 
 std::string Number(double value)
@@ -66,9 +66,13 @@ public:
         for (const Operation& op : page.Operations())
             if (op.Mode == PenMode::Plain && std::isfinite(op.X1) && std::isfinite(op.Y1))
                 Add(op);
-        std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"8.5in\" "
-                          "height=\"11in\" viewBox=\"0 0 12240 15840\">\n"
-                          "<rect width=\"12240\" height=\"15840\" fill=\"#fff\"/>\n";
+        const std::string width = NumberText(kPageWidth);
+        const std::string height = NumberText(kPageHeight);
+        std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
+                          NumberText(kPageWidth / kTwipsPerInch) + "in\" height=\"" +
+                          NumberText(kPageHeight / kTwipsPerInch) + "in\" viewBox=\"0 0 " + width +
+                          " " + height + "\">\n<rect width=\"" + width + "\" height=\"" + height +
+                          "\" fill=\"#fff\"/>\n";
         if (!glyphs.empty()) {
             svg += "<defs>\n";
             for (const auto& [name, outline] : glyphs)
@@ -114,7 +118,7 @@ private:
 
     static std::string Pen(const Operation& op)
     {
-        return Attribute("stroke-width", op.Width * kDot);
+        return Attribute("stroke-width", op.Width * kScreenDot);
     }
 
     void AddArc(const Operation& op)

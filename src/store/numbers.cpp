@@ -113,11 +113,6 @@ int Floor(double value)
     return ToInt(std::floor(value));
 }
 
-int Truncate(double value)
-{
-    return ToInt(std::trunc(value));
-}
-
 float Single(double value)
 {
     if (!(std::abs(value) <= std::numeric_limits<float>::max()))

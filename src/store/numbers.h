@@ -47,9 +47,6 @@ int Round(double value);
 /// The largest integer not above `value`. Outside the range of int: an overflow Fault.
 int Floor(double value);
 
-/// `value` with its fraction cut off. Outside the range of int: an overflow Fault.
-int Truncate(double value);
-
 /// The nearest single-precision number. Outside their range: an overflow Fault.
 float Single(double value);
 

@@ -7,6 +7,7 @@
 #include "store/note_table.h"
 
 #include <string>
+#include <string_view>
 
 namespace quillon {
 
@@ -55,6 +56,16 @@ inline constexpr InstrumentMode kInstrumentModes[] = {
      "Strings4.tun", "Bass", 25, 130},
 };
 // clang-format on
+
+/// The mode of tunes with this extension, which has no dot; null for any other text. Capitals do
+/// not match.
+constexpr const InstrumentMode* FindModeOfExtension(std::string_view extension)
+{
+    for (const InstrumentMode& mode : kInstrumentModes)
+        if (extension == mode.Extension)
+            return &mode;
+    return nullptr;
+}
 
 /// The mode of 6, 5 or 4 strings; null for any other number.
 constexpr const InstrumentMode* FindMode(int numStrings)

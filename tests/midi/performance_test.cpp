@@ -712,5 +712,43 @@ TEST_F(PerformanceTest, ATempoOf0CannotBeDividedBy)
     EXPECT_FAULT(Build(), DivisionByZero);
 }
 
+// A length is told as a fraction of a quarter note: a dotted eighth as Int(n / 4 * 3).
+TEST(TicksAt, AreTheFloorOfEachFractionOfAQuarterForEveryTempo)
+{
+    struct Fraction {
+        int NoteCode;
+        int Divisor;
+        int Factor;
+    };
+    constexpr Fraction kFractions[] = {
+        {kTripletSixteenth,     6, 1},
+        {kSixteenth,            4, 1},
+        {kTripletEighth,        3, 1},
+        {kEighth,               2, 1},
+        {kDottedEighth,         4, 3},
+        {kTripletQuarter,       3, 2},
+        {kQuarter,              1, 1},
+        {kDottedQuarter,        2, 3},
+        {kHalf,                 1, 2},
+        {kDottedHalf,           1, 3},
+        {kWhole,                1, 4},
+        {kTripletSixteenthRest, 6, 1},
+        {kSixteenthRest,        4, 1},
+        {kTripletEighthRest,    3, 1},
+        {kEighthRest,           2, 1},
+        {kTripletQuarterRest,   3, 2},
+        {kQuarterRest,          1, 1},
+        {kHalfRest,             1, 2},
+        {kWholeRest,            1, 4},
+    };
+    for (int quarter = 0; quarter <= 32767; ++quarter)
+        for (const Fraction& note : kFractions)
+            ASSERT_EQ(TicksAt(quarter, note.NoteCode),
+                      Floor(1.0 * quarter / note.Divisor * note.Factor))
+                << quarter << " ticks, code " << note.NoteCode;
+    EXPECT_EQ(TicksAt(120, kHead), 0);
+    EXPECT_EQ(TicksAt(120, 50), 0);
+}
+
 }  // namespace
 }  // namespace quillon

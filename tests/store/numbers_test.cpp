@@ -38,14 +38,11 @@ TEST(Rounding, PastAnIntIsAnOverflow)
     EXPECT_FAULT(Round(std::numeric_limits<double>::quiet_NaN()), Overflow);
 }
 
-TEST(Rounding, FloorGoesDownAndTruncateToZero)
+TEST(Rounding, FloorGoesDown)
 {
     EXPECT_EQ(Floor(2.9), 2);
     EXPECT_EQ(Floor(-2.1), -3);
-    EXPECT_EQ(Truncate(2.9), 2);
-    EXPECT_EQ(Truncate(-2.9), -2);
     EXPECT_FAULT(Floor(2147483648.0), Overflow);
-    EXPECT_FAULT(Truncate(-2147483649.0), Overflow);
 }
 
 TEST(IntegerDivision, RoundsBothOperandsFirstAndCutsTheQuotient)
