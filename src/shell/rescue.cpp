@@ -54,8 +54,9 @@ std::string NewPath(const MainWin& win, const std::string& folder)
 std::string RescueBytes(const MainWin& win)
 {
     std::string bytes = TuneBytes(win.tune);
+    const int last = std::max(int{win.tune.LastNote}, 0);  // edits can count an empty table below 0
     if (!win.form.Parked.Bytes.empty())
-        AppendParkedTail(bytes, win.form.Parked, win.tune[win.tune.LastNote].Measure);
+        AppendParkedTail(bytes, win.form.Parked, win.tune[last].Measure);
     return bytes;
 }
 

@@ -136,6 +136,14 @@ TEST_F(Rescue, CopyHoldsNoTailOnceItIsBack)
     EXPECT_EQ(RescueBytes(win), TuneBytes(win.tune));
 }
 
+TEST_F(Rescue, CopyHoldsTheTailThoughEditsCountedTheTableBelowNothing)
+{
+    OpenFullMeasures(1);
+    win.editor.mnuInsMeas();
+    win.tune.LastNote = -1;
+    EXPECT_NE(RescueBytes(win).find("\r\n1,7,48\r\n"), std::string::npos);
+}
+
 TEST_F(Rescue, AnAppendThatThrowsTheTailAwayLeavesOneCopyBehind)
 {
     OpenFullMeasures(3);
