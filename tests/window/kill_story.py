@@ -125,8 +125,15 @@ class Typist(ScriptWriter):
         if self.named:
             self.editor.focus = ""  # nothing has it yet
         for line in self.lines:
-            self.player.play_line(line)
+            self._play_line(line)
         self.answers = []
+
+    def _play_line(self, line):
+        """No answer that was not wanted waits for another command."""
+        self.player.play_line(line)
+        if line.partition(" ")[0] not in ANSWERS:
+            for queue in (self.editor.dialogs, self.editor.prompts, self.editor.questions):
+                queue.clear()
 
     # Lines of a scenario
 
@@ -164,13 +171,11 @@ class Typist(ScriptWriter):
         self.answers = []
         try:
             for each in lines:
-                self.player.play_line(each)
+                self._play_line(each)
         except RunTimeFault:
             self.replay()
             return
         self.lines += lines
-        for queue in (editor.dialogs, editor.prompts, editor.questions):
-            queue.clear()
         self._follow(line, tail)
         self.actions.append(Action(line, tokens + self._answer_tokens(), self.disk, between))
 
@@ -200,7 +205,7 @@ class Typist(ScriptWriter):
     def _work(self):
         """The tune as a file that holds the parked tail too, whose measures count on."""
         table, last = self.editor.table, self.editor.LastNote
-        measure = table[last].Measure if self.tail else 0
+        measure = table[max(last, 0)].Measure
         tail = [self._copied(record) for record in self.tail]
         for record in tail:
             measure += record.NoteCode == HEAD

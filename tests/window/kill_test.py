@@ -187,7 +187,7 @@ def live(home, given, seed, named):
         raise Loss(f"after {life.done} actions (... {story}): {loss}") from None
     finally:
         life.kill()
-    home.look_after_kill(actions[life.done - 1], actions[life.done])
+    home.look_after_kill(actions[life.done - 1], actions[: life.done + 1][-1])
     home.earlier = home.copies()
 
 
