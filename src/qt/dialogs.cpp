@@ -1,5 +1,6 @@
 #include "qt/dialogs.h"
 
+#include "qt/font_metrics.h"
 #include "qt/text.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontDialog>
+#include <QFontInfo>
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QMessageBox>
@@ -175,13 +177,21 @@ std::optional<FontChoice> QtDialogs::ChooseFont(const FontChoice& current)
     const Owner owner;
     QFont font(ToUnicode(current.Name));
     font.setPointSizeF(current.Size > 0 ? double{current.Size} : 1.0);
-    bool accepted = false;
+    font.setFamily(QFontInfo(font).family());  // the list holds no name that another font shows
+    QFontDialog dialog(owner);
     // Some desktops' own dialogs lose the font and the size that they are given.
-    font =
-        QFontDialog::getFont(&accepted, font, owner, QString(), QFontDialog::DontUseNativeDialog);
-    if (!accepted)
+    dialog.setOption(QFontDialog::DontUseNativeDialog);
+    dialog.setCurrentFont(font);
+    const QFont offered = dialog.currentFont();  // its size is a whole number
+    if (dialog.exec() != QDialog::Accepted)
         return {};
-    return FontChoice{FromUnicode(font.family()), static_cast<float>(font.pointSizeF())};
+    const QFont chosen = dialog.selectedFont();
+    FontChoice choice = current;
+    if (chosen.family() != offered.family())
+        choice.Name = FromUnicode(NameOfFont(chosen.family()));
+    if (chosen.pointSizeF() != offered.pointSizeF())
+        choice.Size = static_cast<float>(chosen.pointSizeF());
+    return choice;
 }
 
 }  // namespace quillon

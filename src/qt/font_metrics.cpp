@@ -16,6 +16,8 @@ namespace quillon {
 
 namespace {
 
+constexpr const char* kArial = "Arial";
+constexpr const char* kServesForArial = "Liberation Sans";
 constexpr std::size_t kLongText = 2000;  // characters, more than stand on any line
 
 /// The widths of single characters in twips, measured when they are first asked for.
@@ -52,8 +54,13 @@ bool FontAvailable(const QString& name)
 {
     if (QFontDatabase::hasFamily(name))
         return true;
-    return name.compare("Arial", Qt::CaseInsensitive) == 0 &&
-           QFontDatabase::hasFamily("Liberation Sans");
+    return name.compare(kArial, Qt::CaseInsensitive) == 0 &&
+           QFontDatabase::hasFamily(kServesForArial);
+}
+
+QString NameOfFont(const QString& family)
+{
+    return family == kServesForArial && !QFontDatabase::hasFamily(kArial) ? kArial : family;
 }
 
 QFont FontInTwips(const Typeface& typeface)

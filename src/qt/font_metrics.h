@@ -21,6 +21,9 @@ void LoadNotationFont();
 /// serves for Arial.
 bool FontAvailable(const QString& name);
 
+/// The name by which a tune keeps a font of the list: "Arial" for the one that serves for it.
+QString NameOfFont(const QString& family);
+
 /// The font for painting and measuring in twips. Sizes are held to 1..20000 twips.
 QFont FontInTwips(const Typeface& typeface);
 
