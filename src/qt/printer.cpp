@@ -17,6 +17,15 @@ namespace {
 
 constexpr int kResolution = 600;  // fixed, so that a PDF file is the same on every machine
 
+/// A job is the whole tune in its order. The toolkit offers a range of pages, the odd or even ones
+/// and the reverse order all the same.
+void OfferWholeTuneOnly(const QPrintDialog& dialog)
+{
+    for (const char* name : {"gbPrintRange", "reverse"})
+        if (auto* choice = dialog.findChild<QWidget*>(name))
+            choice->setEnabled(false);
+}
+
 }  // namespace
 
 QtPrinter::QtPrinter(Runner& theRunner) : runner(theRunner) {}
@@ -41,6 +50,7 @@ std::optional<int> QtPrinter::ShowDialog(const std::string& jobName)
     Device().setDocName(BoxText(jobName));  // names the file too, if it is printed to one
     QPrintDialog dialog(&Device(), QApplication::activeWindow());
     dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
+    OfferWholeTuneOnly(dialog);
     if (dialog.exec() != QDialog::Accepted)
         return {};
     copies = Device().copyCount();
