@@ -62,7 +62,7 @@ public:
             Line();
             break;
         case Shape::Box:
-            painter.drawRect(QRectF(From(), To()).normalized());
+            Box();
             break;
         case Shape::Circle:
             painter.drawEllipse(From(), Twips(op.Radius), Twips(op.Radius));
@@ -102,6 +102,14 @@ private:
         } else {
             painter.drawLine(from, to);
         }
+    }
+
+    /// On a screen the border of a box fills the dots right of and below its coordinates, so that
+    /// what lies between two of its dots is free of it at every density.
+    void Box() const
+    {
+        const double shift = style.Crisp ? PenWidth() / 2 : 0;
+        painter.drawRect(QRectF(From(), To()).normalized().translated(shift, shift));
     }
 
     void Arc() const
