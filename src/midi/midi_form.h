@@ -57,7 +57,8 @@ public:
     /// sets this back to None.
     Button Focus = Button::None;
 
-    /// Called when controls have changed without an event of the form's own.
+    /// Called when controls have changed without an event of the form's own, or must be seen before
+    /// the event has ended.
     std::function<void()> OnChange;
 
     /// Opens the form, unless it is open. On a machine without working sound a box says so, and

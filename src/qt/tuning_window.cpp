@@ -154,15 +154,16 @@ bool TuningWindow::eventFilter(QObject* watched, QEvent* event)
 void TuningWindow::ShowForm()
 {
     const auto show = [](QLineEdit* box, const std::string& text) {
-        if (box->text() != ToUnicode(text)) {
-            box->setText(ToUnicode(text));
-            box->selectAll();
-        }
+        if (box->text() == ToUnicode(text))
+            return false;
+        box->setText(ToUnicode(text));
+        return true;
     };
     ShowNames();
     for (std::size_t i = 0; i < Text1.size(); ++i)
         show(Text1[i], form.Text1[i]);
-    show(ui->AddTitle, form.AddTitle);
+    if (show(ui->AddTitle, form.AddTitle))
+        ui->AddTitle->selectAll();
     if (std::exchange(form.cmdSaveFocused, false))
         ui->cmdSave->setFocus();
 }

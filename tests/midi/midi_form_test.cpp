@@ -450,13 +450,27 @@ TEST_F(MidiFormTest, PlayAndStopTurnTheButtons)
     EXPECT_EQ(form.Focus, MidiForm::Button::cmdPlay);
 }
 
+TEST_F(MidiFormTest, TheFileIsShownBeforeItIsBuilt)
+{
+    form.Show();
+    tune[2].Slot(1) = "40000";  // cannot be played
+    std::string shown;
+    form.OnChange = [&] {
+        EXPECT_TRUE(dialogs.Shown.empty());
+        shown = controls.txtFile;
+    };
+    form.cmdCreate();
+    EXPECT_EQ(dialogs.Shown.size(), 1U);
+    EXPECT_EQ(shown, PlayFile());
+}
+
 TEST_F(MidiFormTest, ATuneThatHasPlayedToItsEndSetsTheButtonsBack)
 {
-    int changes = 0;
-    form.OnChange = [&] { ++changes; };
     form.Show();
     form.cmdCreate();
     form.cmdPlay();
+    int changes = 0;
+    form.OnChange = [&] { ++changes; };
     player.OnEnd();
     EXPECT_EQ(Buttons(), "clear play loop");
     EXPECT_EQ(changes, 1);
