@@ -7,9 +7,13 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace quillon {
 
 namespace {
+
+constexpr int kFarPixels = 100000;  // beyond any desktop
 
 struct PlaceStore : QSettings {
     PlaceStore() : QSettings(IniFormat, UserScope, "Quillon", "Window") {}
@@ -18,6 +22,12 @@ struct PlaceStore : QSettings {
 QString StoreKey(const std::string& section, const std::string& key)
 {
     return ToUnicode(section) + '/' + ToUnicode(key);
+}
+
+/// A place held to `start` and the pixels that are free behind it, if there are any.
+int Held(int place, int start, int free)
+{
+    return std::clamp(place, start, start + std::max(free, 0));
 }
 
 }  // namespace
@@ -48,16 +58,25 @@ void RememberPlace(const QWidget& window)
     store.setValue("Top", window.y());
     store.setValue("Width", window.width());
     store.setValue("Height", window.height());
+    store.setValue("Frame", window.frameGeometry().size() - window.size());
 }
 
 void RestorePlace(QWidget& window)
 {
     const PlaceStore store;
-    const auto number = [&](const char* key) { return store.value(key).toInt(); };
+    const auto number = [&](const char* key) {
+        return std::clamp(store.value(key).toInt(), -kFarPixels, kFarPixels);
+    };
     const QRect place(number("Left"), number("Top"), number("Width"), number("Height"));
-    if (!place.isEmpty() && QGuiApplication::screenAt(place.center())) {
-        window.move(place.topLeft());
-        window.resize(place.size());
+    if (!place.isEmpty()) {
+        const QScreen* screen = QGuiApplication::screenAt(place.center());
+        const QRect room = (screen ? screen : window.screen())->availableGeometry();
+        const QSize frame = store.value("Frame").toSize().expandedTo(QSize(0, 0));
+        const QSize least = window.minimumSizeHint().expandedTo(QSize(0, 0));
+        const QSize size = place.size().boundedTo(room.size() - frame).expandedTo(least);
+        window.move(Held(place.left(), room.left(), room.width() - size.width() - frame.width()),
+                    Held(place.top(), room.top(), room.height() - size.height() - frame.height()));
+        window.resize(size);
     }
     if (store.value("Maximized").toBool())
         window.setWindowState(Qt::WindowMaximized);
