@@ -28,6 +28,7 @@ constexpr QSize kFrameOfWindow(24, 60);  // room for the frame and a panel
 constexpr int kTimer1Milliseconds = 500;
 constexpr int kPlaceMilliseconds = 300;
 constexpr QRectF kBracketText(12, 9, 72, 17);  // on StaffBox, in points: below the bracket's line
+constexpr double kBracketFont = 10;            // points on StaffBox, as its texts
 
 /// Writes a text only if it differs, so that nothing is laid out anew for no reason.
 template <typename Widget> void SetText(Widget* widget, const std::string& text)
@@ -237,6 +238,9 @@ void MainWindow::FitStaff()
     ui->StaffBox->SetScale(scale);
     ui->work->layout()->activate();
     ui->central->layout()->activate();
+    QFont font = txtRptBracket->font();
+    font.setPixelSize(ui->StaffBox->PlaceOf({0, 0, 0, kBracketFont}).height());
+    txtRptBracket->setFont(font);
     txtRptBracket->setGeometry(ui->StaffBox->PlaceOf(kBracketText));
 }
 
