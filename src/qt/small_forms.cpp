@@ -10,8 +10,12 @@
 #include "ui_splash.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QPainter>
 #include <QShortcut>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -36,6 +40,16 @@ QString AboutRescueCopies()
     if (copies.size() > named)
         text += QString("\nand %1 more").arg(copies.size() - named);
     return text + "\nTo look at it, open it by File, Open.";
+}
+
+/// Where the manual lies, installed or built. "" where it has been left out.
+QString ManualFile()
+{
+    const QString bin = QCoreApplication::applicationDirPath();
+    for (const char* place : {"/../share/doc/quillon/manual.html", "/../docs/manual.html"})
+        if (QFile::exists(bin + place))
+            return QDir::cleanPath(bin + place);
+    return {};
 }
 
 }  // namespace
@@ -99,7 +113,17 @@ SplashForm::SplashForm(QWidget* mainWindow) : QWidget(mainWindow)
 AboutForm::AboutForm(QWidget* mainWindow) : QWidget(mainWindow)
 {
     MakeForm(*this);
-    Ui::frmAbout().setupUi(this);
+    Ui::frmAbout ui;
+    ui.setupUi(this);
+    const QString manual = ManualFile();
+    if (manual.isEmpty())
+        return;
+    // In the text's own colour: in many dark palettes that of links is hard to read.
+    ui.Label2->setText(QString("%1<br>The manual opens in your browser:<br>"
+                               "<a href=\"%2\" style=\"color: %3\">%4</a>")
+                           .arg(ui.Label2->text(), QUrl::fromLocalFile(manual).toString(),
+                                palette().color(QPalette::WindowText).name(),
+                                manual.toHtmlEscaped()));
 }
 
 CopyBox::CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Runner& theRunner)

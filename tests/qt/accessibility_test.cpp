@@ -63,8 +63,11 @@ QAccessibleInterface* Accessible(QObject* object)
 std::pair<QSize, QSize> RoomAndNeed(const QWidget* widget)
 {
     const QFontMetrics metrics = widget->fontMetrics();
-    if (auto* label = qobject_cast<const QLabel*>(widget))
-        return {label->contentsRect().size(), metrics.size(0, label->text())};
+    if (auto* label = qobject_cast<const QLabel*>(widget)) {
+        const bool hasLinks = Qt::mightBeRichText(label->text());
+        return {label->contentsRect().size(),
+                hasLinks ? label->sizeHint() : metrics.size(0, label->text())};
+    }
     if (auto* button = qobject_cast<const QPushButton*>(widget)) {
         QStyleOptionButton option;
         option.initFrom(button);
