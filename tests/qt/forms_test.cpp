@@ -1,18 +1,24 @@
 // The forms beside the main one: what they show, their keys, the player, and how they go away.
 
+#include "qt/font_metrics.h"
 #include "qt/program.h"
+#include "qt/small_forms.h"
 #include "scratch_user.h"
 #include "shell/page_setup.h"
+#include "store/sign_codes.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QFontDatabase>
 #include <QFontDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -88,6 +94,36 @@ private:
             }
         });
         waiting->start(10);
+    }
+
+    /// What the form's controls hold, in one line.
+    QString Held()
+    {
+        const MidiControls& c = Core().frmBldMidi.controls;
+        return QString("tuning %1 sound %2 tempo %3 %4 capo %5 %6 type %7 loop %8 speed %9 volume ")
+                   .arg(c.Combo1Index)
+                   .arg(c.Combo2Index)
+                   .arg(c.HSlider1)
+                   .arg(c.Text1.c_str())
+                   .arg(c.Capo)
+                   .arg(c.lblCapo.c_str())
+                   .arg(c.FType)
+                   .arg(c.chkLoop)
+                   .arg(c.sldTempo) +
+               QString::number(c.sldVolume);
+    }
+
+    /// Opens the font dialog of the title and answers it with OK; returns the family it began with.
+    template <typename Choose> QString ChooseTitleFont(Choose choose)
+    {
+        QString offered;
+        InDialog<QFontDialog>([&](QFontDialog* dialog) {
+            offered = dialog->findChild<QListView*>()->currentIndex().data().toString();
+            choose(dialog);
+            QTest::keyClick(dialog, Qt::Key_Return);
+        });
+        Click(Button("cmdTitleFont"));
+        return offered;
     }
 
 private slots:
@@ -166,6 +202,98 @@ private slots:
         QTest::keyClick(Box("Text1"), Qt::Key_Tab);
         QCOMPARE(Box("Text1")->text(), QString("30"));
         QCOMPARE(Slider("HSlider1")->value(), 30);
+    }
+
+    void EachMidiControlSetsItsOwnValue()
+    {
+        OpenMidi();
+        QCOMPARE(Held(), QString("tuning 0 sound 25 tempo 130 130 capo 0 0 type 1 loop 0 speed 10 "
+                                 "volume 200"));
+        QTest::keyClick(The<QComboBox>("Combo1"), Qt::Key_Down);
+        QTest::keyClick(The<QComboBox>("Combo2"), Qt::Key_Up);
+        QTest::keyClick(Slider("HSlider1"), Qt::Key_Left);
+        QTest::keyClick(Slider("Capo"), Qt::Key_PageUp);
+        QTest::keyClick(Slider("Capo"), Qt::Key_PageUp);
+        Click(The<QRadioButton>("FType_0"));
+        QTest::keyClick(The<QCheckBox>("chkLoop"), Qt::Key_Space);
+        QTest::keyClick(Slider("sldTempo"), Qt::Key_PageUp);
+        QTest::keyClick(Slider("sldVolume"), Qt::Key_PageDown);
+        QCOMPARE(Held(), QString("tuning 1 sound 24 tempo 129 129 capo 2 2 type 0 loop 1 speed 15 "
+                                 "volume -800"));
+        QCOMPARE(The<QLabel>("lblCapo")->text(), QString("2"));
+        QCOMPARE(Button("cmdCreate")->text(), QString("Create MIDI File"));
+        Click(The<QRadioButton>("FType_1"));
+        QCOMPARE(Button("cmdCreate")->text(), QString("Create Play File"));
+        QTest::keyClick(The<QComboBox>("Combo1"), Qt::Key_Up);  // settings outlast the test
+    }
+
+    void TuningChosenInTheMidiFormIsKeptWithTheTune()
+    {
+        OpenMidi();
+        QTest::keyClick(The<QComboBox>("Combo1"), Qt::Key_Down);
+        QCOMPARE(The<QComboBox>("Combo1")->currentText(), QString("Dropped D"));
+        QCOMPARE(Core().tune[0].Slot(4), std::string("1"));
+        QCOMPARE(Setting("Guitar", "Tuning"), std::string("1"));
+        QTest::keyClick(The<QComboBox>("Combo1"), Qt::Key_Up);
+    }
+
+    void SoundAndTempoOfTheMidiFormAreRememberedByExit()
+    {
+        OpenMidi();
+        QTest::keyClick(The<QComboBox>("Combo2"), Qt::Key_Up);
+        QTest::keyClick(Slider("HSlider1"), Qt::Key_Left);
+        Click(Button("cmdExit"));
+        QTRY_VERIFY(IsGone("frmBldMidi"));
+        QCOMPARE(Setting("Guitar", "Instrument"), std::string("24"));
+        QCOMPARE(Setting("Guitar", "Tempo"), std::string("129"));
+        Core().platform.settings.Set("Guitar", "Instrument", "25");
+        Core().platform.settings.Set("Guitar", "Tempo", "130");
+    }
+
+    void BuildThatFailsShowsItsFileBehindTheBox()
+    {
+        TypeTune();
+        Core().tune[1].Slot(1) = kDcAlFine;  // without a Fine it goes round for ever
+        OpenMidi();
+        QString shown;
+        QString said;
+        InDialog<QMessageBox>([&](QMessageBox* box) {
+            shown = Box("txtFile")->text();
+            said = box->text();
+            box->accept();
+        });
+        Click(Button("cmdCreate"));
+        QVERIFY(said.contains("never come to an end"));
+        QVERIFY(shown.endsWith("/Playfile.mid"));
+    }
+
+    void OpeningAFormThatIsOpenBringsItToTheFront_data()
+    {
+        QTest::addColumn<QString>("menu");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("midi") << "mnuOpnMidi"
+                              << "frmBldMidi";
+        QTest::newRow("setup") << "mnuSetup"
+                               << "frmMidiSetup";
+        QTest::newRow("tuning") << "mnuTuning"
+                                << "Guitar";
+        QTest::newRow("copy") << "mnuCopy"
+                              << "FrmCopyBox";
+        QTest::newRow("about") << "mnuAbout"
+                               << "frmAbout";
+    }
+
+    void OpeningAFormThatIsOpenBringsItToTheFront()
+    {
+        QFETCH(QString, menu);
+        QFETCH(QString, name);
+        Open(menu.toLatin1(), name.toLatin1());
+        QWidget* const first = form;
+        Window().activateWindow();
+        QTRY_VERIFY(Window().isActiveWindow());
+        Open(menu.toLatin1(), name.toLatin1());
+        QCOMPARE(form, first);
+        QCOMPARE(Window().findChildren<QWidget*>(name).size(), 1);
     }
 
     void TypedTempoCountsBeforeAMnemonic()
@@ -259,6 +387,36 @@ private slots:
         QTRY_VERIFY(IsGone("frmMidiSetup"));
         QCOMPARE(Setting("Prefs", "MIDIDEVICE"), std::string("-1"));
         QVERIFY(!Core().frmMidiSetup.Visible);
+    }
+
+    void DeviceIsChosenInTheList()
+    {
+        Open("mnuSetup", "frmMidiSetup");
+        Core().frmMidiSetup.ComboMidiOut = {"MIDI mapper", "A port", "Another port"};
+        QEvent activation(QEvent::WindowActivate);
+        QApplication::sendEvent(form, &activation);
+        QTest::keyClick(The<QComboBox>("ComboMidiOut"), Qt::Key_Down);
+        QTest::keyClick(The<QComboBox>("ComboMidiOut"), Qt::Key_Down);
+        QCOMPARE(The<QComboBox>("ComboMidiOut")->currentText(), QString("Another port"));
+        Click(Button("cmdExit"));
+        QTRY_VERIFY(IsGone("frmMidiSetup"));
+        QCOMPARE(Setting("Prefs", "MIDIDEVICE"), std::string("1"));
+        Core().platform.settings.Set("Prefs", "MIDIDEVICE", "-1");
+    }
+
+    void ChosenTuningFillsTheBoxesAndMarksNoText()
+    {
+        Open("mnuTuning", "Guitar");
+        QTest::keyClick(The<QComboBox>("Combo1"), Qt::Key_Down);
+        QCOMPARE(The<QComboBox>("Combo1")->currentText(), QString("Dropped D"));
+        QString pitches;
+        for (int i = 0; i < 6; ++i) {
+            auto* box = form->findChild<QLineEdit*>(QString("Text1_%1").arg(i));
+            pitches += box->text() + ' ';
+            QVERIFY(!box->hasSelectedText());
+        }
+        QCOMPARE(pitches, QString("64 59 55 50 45 38 "));
+        QCOMPARE(int{Core().tunings.CurTuning[5]}, 38);
     }
 
     void TuningFormsDiffer_data()
@@ -392,6 +550,72 @@ private slots:
         QTest::qWait(50);  // the form is the active one again, and keeps what was typed
         QCOMPARE(Box("Text1")->text(), QString("Typed before"));
         form->close();
+    }
+
+    void FontDialogBeginsWithTheFontInForceAndKeepsIt_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"Arial", "Liberation Sans", "Liberation Serif", "No Such Font"})
+            QTest::newRow(name) << name;
+    }
+
+    void FontDialogBeginsWithTheFontInForceAndKeepsIt()
+    {
+        QFETCH(QString, name);
+        Core().page.TitleFontName = name.toStdString();
+        Core().page.TitleFontSize = 14.5F;
+        Open("mnuPageSet", "frmPgSetup");
+        const QString offered = ChooseTitleFont([](QFontDialog*) {});
+        if (FontAvailable(name))
+            QCOMPARE(offered, QFontInfo(QFont(name)).family());
+        QCOMPARE(QString::fromStdString(Core().page.TitleFontName), name);
+        QCOMPARE(Core().page.TitleFontSize, 14.5F);
+        QCOMPARE(The<QLabel>("lblTitleFontName")->text(), name);
+        form->close();
+    }
+
+    void ArialCanBeChosenAgain()
+    {
+        Core().page.TitleFontName = "Liberation Serif";
+        Open("mnuPageSet", "frmPgSetup");
+        const bool installed = QFontDatabase::hasFamily("Arial");
+        ChooseTitleFont([&](QFontDialog* dialog) {
+            dialog->setCurrentFont(QFont(installed ? "Arial" : "Liberation Sans", 16));
+        });
+        QCOMPARE(Core().page.TitleFontName, std::string("Arial"));
+        QCOMPARE(Core().page.TitleFontSize, 16.0F);
+        form->close();
+    }
+
+    void PrintDialogOffersTheWholeTuneInItsOrderOnly()
+    {
+        QString offered = "no dialog";
+        InDialog<QPrintDialog>([&](QPrintDialog* dialog) {
+            offered.clear();
+            for (const char* name : {"copies", "printRange", "pagesRadioButton", "from", "to",
+                                     "pageSetCombo", "reverse"})
+                if (dialog->findChild<QWidget*>(name)->isEnabled())
+                    offered += QString(name) + ' ';
+            dialog->reject();
+        });
+        Window().findChild<QAction*>("mnuPrint")->trigger();
+        QCOMPARE(offered, QString("copies "));
+    }
+
+    void AboutNamesTheManualAndOpensIt()
+    {
+        Open("mnuAbout", "frmAbout");
+        auto* words = The<QLabel>("Label2");
+        const QString manual =
+            QDir::cleanPath(QCoreApplication::applicationDirPath() + "/../docs/manual.html");
+        if (!QFile::exists(manual))
+            QSKIP("The manual has not been built.");
+        QVERIFY(words->openExternalLinks());
+        QVERIFY(words->text().contains("href=\"" + QUrl::fromLocalFile(manual).toString() + '"'));
+        words->setFocus();
+        QTest::keyClick(words, Qt::Key_Tab);
+        QVERIFY(words->hasSelectedText());  // the link, which Enter follows
+        QVERIFY(SplashForm(nullptr).findChild<QLabel*>("Label2")->text().contains("Help, About"));
     }
 
     void ComingBackFromAnotherFormActivatesPageSetup()

@@ -35,11 +35,6 @@ class WindowTest : public QObject, private WindowDesk {
 private:
     static std::string RescueFolder() { return QtSystem().ProgramFolder(); }
 
-    static QSettings StoredPlace()
-    {
-        return QSettings(QSettings::IniFormat, QSettings::UserScope, "Quillon", "Window");
-    }
-
     /// Drops on the window; returns whether it was taken.
     bool Drop(const QList<QUrl>& urls)
     {
@@ -236,6 +231,74 @@ private slots:
         QCOMPARE(Core().form.Focus, Control::StaffBox);
     }
 
+    void OkOfTheCopyBoxCopies()
+    {
+        TypeMeasure();
+        QTest::keyClick(Button("cmdNext"), Qt::Key_C, Qt::ControlModifier);
+        QTRY_VERIFY(FormNamed("FrmCopyBox"));
+        QWidget* box = FormNamed("FrmCopyBox");
+        QVERIFY(QTest::qWaitForWindowActive(box));
+        for (const char* name : {"Text1", "Text2"}) {
+            auto* text = box->findChild<QLineEdit*>(name);
+            text->setFocus();
+            QTest::qWait(20);
+            QTest::keyClicks(text, "1");
+        }
+        QVERIFY(!Core().form.mnuPasteEnabled);
+        QTest::mouseClick(box->findChild<QPushButton*>("cmdCopyMeasure"), Qt::LeftButton);
+        QTRY_VERIFY(!FormNamed("FrmCopyBox"));
+        QVERIFY(Core().form.mnuPasteEnabled);
+        QCOMPARE(Core().form.Focus, Control::StaffBox);
+    }
+
+    /// It is a character like any other, so the tune counts as changed.
+    void EscapeOnTheStaffIsACharacter()
+    {
+        Core().editor.Timer1();
+        QVERIFY(Core().form.CaretOn);
+        QVERIFY(Core().form.Saved == SavedState::Saved);
+        QTest::keyClick(Staff(), Qt::Key_Escape);
+        QVERIFY(Core().form.Saved == SavedState::Unsaved);
+        QVERIFY(!Core().form.CaretOn);
+        QCOMPARE(Core().tune[2].Slot(6), std::string());
+        QVERIFY(Staff()->hasFocus());
+    }
+
+    /// The frame is three pixels of the highlight's colour, at the left edge as everywhere.
+    void FocusIsAsPlainToSeeOnAButtonAsOnTheStaff()
+    {
+        const auto frame = [&](QWidget* widget) {
+            const QImage picture = widget->grab().toImage();
+            const int row = picture.height() / 2;
+            int pixels = 0;
+            for (int x = 0; x < picture.width() / 8; ++x)
+                pixels += picture.pixelColor(x, row) == widget->palette().highlight().color();
+            return pixels / picture.devicePixelRatio();
+        };
+        for (const char* name : {"cmdNext", "cmdPrevious", "lblMeasNum", "cmdRest", "cmdRefresh"}) {
+            QVERIFY2(Staff()->hasFocus(), name);
+            QVERIFY2(frame(Staff()) >= 2, name);
+            QVERIFY2(frame(Button(name)) < 1, name);
+            Button(name)->setFocus();
+            QVERIFY2(frame(Button(name)) >= 2, name);
+            QVERIFY2(frame(Staff()) < 1, name);
+            Staff()->setFocus();
+        }
+    }
+
+    void BracketBoxIsAsLargeAsTheStaff()
+    {
+        QTest::keyClick(Staff(), Qt::Key_F7);
+        auto* bracket = Window().findChild<QLineEdit*>("txtRptBracket");
+        for (const QSize& size : {QSize(1024, 740), QSize(1600, 1000)}) {
+            Window().resize(size);
+            QCoreApplication::processEvents();
+            const double pixelsPerPoint = (Staff()->width() - 8) / 360.0;
+            QCOMPARE(bracket->font().pixelSize(), int(std::lround(10 * pixelsPerPoint)));
+            QVERIFY(bracket->fontMetrics().height() <= bracket->height());
+        }
+    }
+
     void PageKeysScrollThePage()
     {
         auto* vsbPage = Window().findChild<QScrollBar*>("vsbPage");
@@ -388,6 +451,29 @@ private slots:
         QCOMPARE(picture.pixelColor(int(50 * ratio), int(20 * ratio)), QColor(Qt::white));
     }
 
+    /// A blank page's picture is blank, wherever the marquee stands, also between two pixels.
+    void ClipboardPictureHasNothingOfTheMarquee()
+    {
+        QWidget* page = Window().findChild<QWidget*>("picPage");
+        PageView& pages = Core().pages;
+        pages.BlankPages();
+        const QImage without = page->grab().toImage();
+        for (double offset = 0; offset < kScreenDot; offset += 0.5) {
+            const double x = 1500 + offset;
+            const double y = 1200 + 2 * offset;
+            pages.picPage1MouseDown(0, x, y);
+            pages.picPage1MouseMove(0, x + 3000 + 7 * offset, y + 1500 + 5 * offset, true);
+            pages.picPage1MouseUp(0);
+            QVERIFY(page->grab().toImage() != without);
+            Window().findChild<QAction*>("mnuClipbrd")->trigger();
+            const QImage picture = QGuiApplication::clipboard()->image();
+            QVERIFY(picture.width() >= int(200 * qApp->devicePixelRatio()));
+            QImage blank(picture.size(), picture.format());
+            blank.fill(Qt::white);
+            QVERIFY2(picture == blank, QByteArray::number(offset));
+        }
+    }
+
     void SettingsAreTexts()
     {
         for (const char* value :
@@ -459,55 +545,6 @@ private slots:
         QVERIFY(!Drop({}));
         Core().form.FormEnabled = false;
         QVERIFY(!Drop({tune}));
-    }
-
-    void PlaceIsRemembered()
-    {
-        Window().move(-200, 40);  // its middle is on any screen
-        Window().resize(Window().minimumSizeHint() + QSize(10, 20));
-        QTRY_COMPARE(StoredPlace().value("Width").toInt(), Window().width());
-        const QRect place(Window().pos(), Window().size());
-        Window().close();
-        program = std::make_unique<Program>("");
-        QVERIFY(program->Start());
-        QCOMPARE(QRect(Window().pos(), Window().size()), place);
-        Window().showMaximized();
-        QTRY_VERIFY(StoredPlace().value("Maximized").toBool());
-        QCOMPARE(StoredPlace().value("Width").toInt(), place.width());
-        Window().close();
-        program = std::make_unique<Program>("");
-        QVERIFY(program->Start());
-        QVERIFY(Window().isMaximized());
-        StoredPlace().setValue("Maximized", false);
-    }
-
-    void NothingIsWrittenAtExit()
-    {
-        program->settings.Set("Prefs", "PageTop", "1");
-        const auto stores = [] {
-            return ReadFileBytes(QSettings(QSettings::IniFormat, QSettings::UserScope, "Quillon")
-                                     .fileName()
-                                     .toStdString()) +
-                   ReadFileBytes(StoredPlace().fileName().toStdString());
-        };
-        StoredPlace().setValue("Left", 77);
-        const std::string before = stores();
-        Window().close();
-        QCOMPARE(stores(), before);
-    }
-
-    void PlaceOnNoScreenIsNotRestored()
-    {
-        for (const char* left : {"-9000", "9000", "left"}) {
-            StoredPlace().setValue("Left", left);
-            StoredPlace().setValue("Top", 20);
-            StoredPlace().setValue("Width", 900);
-            StoredPlace().setValue("Height", *left == 'l' ? -5 : 700);
-            QWidget window;
-            window.setGeometry(10, 10, 500, 400);
-            RestorePlace(window);
-            QCOMPARE(window.geometry(), QRect(10, 10, 500, 400));
-        }
     }
 
     void SignalEndsTheRunWithoutAQuestionAndKeepsTheCopy()
