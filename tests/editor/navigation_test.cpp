@@ -259,6 +259,30 @@ TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
     EXPECT_EQ(tune.CurMeas, 1);
 }
 
+// A damaged tune: nothing bears the number of its second measure. The first one is gone through
+// once more, and is full, so that a fresh measure opens behind its head and note.
+TEST_F(Navigation, NextToAMeasureThatIsNotThereStartsAfreshBehindTheOneThatStood)
+{
+    EmptyTable();
+    for (int measure = 1; measure <= 3; ++measure) {
+        AddMeasure(tune);
+        AddNote(tune, kQuarter, 2, "3");
+    }
+    Show();
+    tune[3].Measure = tune[4].Measure = 7;
+    editor.SetFocus(Control::cmdNext);
+    form.CursorY = 0;
+    editor.cmdNext();
+    EXPECT_EQ(form.EntryState, EntryState::Append);
+    EXPECT_EQ(tune.LastMeas, 0);
+    EXPECT_EQ(tune.LastNote, 0);
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.MeasHead, 3);
+    EXPECT_EQ(tune.CurNote, 4);
+    EXPECT_EQ(form.CursorY, StringY(2));
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+}
+
 TEST_F(Navigation, GotoOffersTheMeasureAndGoesToItsFirstNote)
 {
     ShowFullMeasures(4);

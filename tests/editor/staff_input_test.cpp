@@ -638,6 +638,15 @@ TEST_F(StaffInput, AClickOnAFreeRecordTakesTheButtonThatIsDown)
     EXPECT_EQ(form.Toolbar1, kHalf);
 }
 
+TEST_F(StaffInput, AClickOnAFreeRecordWhileNoButtonIsDownLeavesNoValue)
+{
+    Type("1\r2\r");
+    editor.SetToolbarValue(0);
+    Click(300, 44);
+    EXPECT_EQ(form.CurValue, 0);
+    EXPECT_EQ(form.Toolbar1, 0);
+}
+
 TEST_F(StaffInput, AClickSnapsToTheNextLineDown)
 {
     for (const auto& [y, line] : {

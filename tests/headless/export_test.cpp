@@ -86,6 +86,28 @@ TEST_F(ExportTest, FailuresAreToldInTheBoxesWordsOnOneLine)
               "or remarks.");
 }
 
+TEST_F(ExportTest, AFailureBeforeTheFirstPrintedLineIsTold)
+{
+    AddFullMeasures(tune, 1);
+    options.Right = -40.0F;
+    EXPECT_FAULT(Load("a.gui").PrintLog(), Overflow);
+    EXPECT_FAULT(Load("a.gui").Print(), Overflow);
+}
+
+TEST_F(ExportTest, AMeasureThatIsNotThereIsLoggedAsTheOneBefore)
+{
+    AddFullMeasures(tune, 3);
+    for (int i = 6; i <= 10; ++i)
+        tune[i].Measure = 7;
+    const std::string log = Load("a.gui").MeasureLog();
+    const auto rest = [&](const std::string& number) {
+        const std::size_t start = log.find("measure " + number + " ") + 9 + number.size();
+        return log.substr(start, log.find("measure ", start) - start);
+    };
+    EXPECT_TRUE(rest("2").starts_with("head=1 end=5 ")) << rest("2");
+    EXPECT_TRUE(rest("3").starts_with("head=11 end=15 ")) << rest("3");
+}
+
 TEST_F(ExportTest, ABodySizeBeyondASingleIsAnOverflow)
 {
     AddFullMeasures(tune, 1);

@@ -67,6 +67,15 @@ TEST_F(Surface, LogsNoTextWithoutAVisibleCharacterButMovesTheCursor)
     EXPECT_EQ(surface.CurrentY, 12);
 }
 
+TEST_F(Surface, LogsATextOfControlCharactersThoughNothingIsSeen)
+{
+    surface.Font = {"Arial", 10, false};
+    surface.Print("\r\n");
+    surface.Print("\t");
+    EXPECT_EQ(Log(), "text 0 0 size=10 font=\"Arial\" bold=0 \"\\x0d\\x0a\"\n"
+                     "text 10 0 size=10 font=\"Arial\" bold=0 \"\\x09\"\n");
+}
+
 TEST_F(Surface, LogsModeAndStyleAtTheEndOfTheLine)
 {
     surface.DrawStyle = PenStyle::Dotted;

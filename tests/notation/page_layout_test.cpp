@@ -182,6 +182,17 @@ TEST_F(PageLayoutTest, AMeasureThatIsTooWideStopsTheRunAndWhatWasDrawnStays)
     EXPECT_EQ(tooWide, 2);
 }
 
+// The table's end cuts the measure, and the record before its first column has measure 0 too.
+TEST_F(PageLayoutTest, ALongMeasureZeroIsTooWideToo)
+{
+    for (int i = 0; i < 100; ++i)
+        AddNote(tune, kQuarter, 1, "3").Measure = 0;
+    Screen();
+    EXPECT_EQ(tooWide, 0);
+    Paper();
+    EXPECT_EQ(tooWide, 0);
+}
+
 TEST_F(PageLayoutTest, AnEmptyMeasureBeforeAHardBreakStopsTheRunToo)
 {
     AddMeasure(tune);

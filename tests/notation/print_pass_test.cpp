@@ -176,6 +176,18 @@ TEST_F(PrintPassTest, AFailureBeforeTheFirstLineEndsTheCommandSilently)
     EXPECT_FAULT(Paper(), Overflow);
 }
 
+TEST_F(PrintPassTest, ATextWiderThan32BitsIsAnOverflow)
+{
+    AddQuarters(4);
+    tune[0].ChordText = "Wide";
+    page.TitleCentered = true;
+    page.TitleFontSize = 2e8F;
+    EXPECT_FAULT(Paper(), Overflow);
+    printer.Copies = {1};
+    EXPECT_FALSE(Print());
+    EXPECT_TRUE(printer.Jobs.empty());
+}
+
 TEST_F(PrintPassTest, AFailureInALineLeavesOutThatOperation)
 {
     AddQuarters(4);

@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QClipboard>
 #include <QDropEvent>
+#include <QFileDialog>
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QInputMethodEvent>
@@ -309,6 +310,29 @@ private slots:
         QCOMPARE(vsbPage->value(), 0);
     }
 
+    void PageStandsInTheMiddleBesideAScrollBarAtTheEdge()
+    {
+        auto* page = Window().findChild<QWidget*>("picPage");
+        const auto* bar = Window().findChild<QWidget*>("vsbPage");
+        Core().pages.BlankPages();
+        for (const int width : {1100, 1600}) {
+            Window().resize(width, 900);
+            QCoreApplication::processEvents();
+            QCOMPARE(bar->mapTo(&Window(), QPoint(bar->width(), 0)).x(), width);
+            const QImage picture = page->grab().toImage();
+            const double ratio = picture.devicePixelRatio();
+            const int row = int(30 * ratio);
+            int left = 0;
+            while (picture.pixelColor(left, row) != QColor(Qt::white))
+                ++left;
+            int right = picture.width() - 1;
+            while (picture.pixelColor(right, row) != QColor(Qt::white))
+                --right;
+            QCOMPARE(int(std::lround((right + 1 - left) / ratio)), 816);
+            QVERIFY(std::abs(left - (picture.width() - 1 - right)) <= 2 * ratio);
+        }
+    }
+
     void LargeViewGivesThePageTheRoom()
     {
         Window().findChild<QAction*>("mnuLargeview")->trigger();
@@ -498,6 +522,18 @@ private slots:
         QCOMPARE(FileFilters("Guitar Files (*.gui)|*.gui|All Files (*.*)|*.*"),
                  QString("Guitar Files (*.gui);;All Files (*)"));
         QCOMPARE(FileFilters("gui"), QString("GUI Files (*.gui)"));
+    }
+
+    void OpenDialogRefusesAFileThatDoesNotExist()
+    {
+        bool asked = false;
+        InDialog<QFileDialog>([&](QFileDialog* dialog) {
+            asked = true;
+            QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFile);
+            dialog->reject();
+        });
+        Window().findChild<QAction*>("mnuOpen")->trigger();
+        QVERIFY(asked);
     }
 
     void SaveQuestionWantsAnAnswer()

@@ -109,6 +109,17 @@ TEST(ItemReader, SkipsBlanksBeforeAQuote)
     EXPECT_EQ(Texts("1, \"a\"  ,\"b\""), (std::vector<std::string>{"1", "a", "b"}));
 }
 
+TEST(ItemReader, KeepsTheBlanksRoundATextWithoutQuotes)
+{
+    EXPECT_EQ(Texts(" a ,\tb\r\n "), (std::vector<std::string>{" a ", "\tb", " "}));
+}
+
+TEST(ItemReader, EndsANumberAtTheFirstCommaAlsoWithinQuotes)
+{
+    EXPECT_EQ(Numbers("\"1,5\",6"), (std::vector{0, 5, 6}));
+    EXPECT_EQ(Numbers("3\"4,5"), (std::vector{3, 5}));
+}
+
 TEST(ItemReader, AtTheEndIsInputPastEnd)
 {
     ItemReader empty("");
