@@ -65,7 +65,7 @@ class Printing(unittest.TestCase):
             small = editor.desktop.place(dialog)
             editor.press("Alt+o")
             wait_for("the dialog's options", lambda: editor.desktop.place(dialog) != small)
-            editor.press(*["Shift+Tab"] * 5)  # from Name back to Copies
+            editor.press(*["Shift+Tab"] * 4)  # from Name back to Copies
             editor.type("2")
             editor.settle()
             editor.look("print")
