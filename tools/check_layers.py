@@ -2,7 +2,8 @@
 """Checks the includes of src/ against the rooms.
 
 A room may include itself and what its quillon_room(... USES ...) line names, never a room that
-stands above it. The core rooms include no header but the C++ standard library's and their own;
+stands above it. Inside a room, too, includes go one way: a header and its source count as one.
+The core rooms include no header but the C++ standard library's and their own;
 one file of theirs may call the system as well.
 Prints `file:line: reason` for each breach; exit status 1 if there is one.
 """
@@ -68,8 +69,50 @@ def breach(path, room, used, opening, header):
     return None
 
 
+def circle(room):
+    """Files of a room that include each other in a circle, by their stems; [] if there is none."""
+    uses = {}
+    for path in sorted((SRC / room).glob("*")):
+        if path.suffix not in (".h", ".cpp"):
+            continue
+        stems = uses.setdefault(path.stem, set())
+        for _, header in filter(None, (found(line) for line in path.read_text().splitlines())):
+            folder, _, name = header.rpartition("/")
+            if folder in (room, "") and name.endswith(".h"):
+                stems.add(name.removesuffix(".h"))
+        stems.discard(path.stem)
+    finished, way = set(), []
+
+    def visit(stem):
+        if stem in way:
+            return way[way.index(stem) :] + [stem]
+        if stem in finished:
+            return []
+        way.append(stem)
+        for other in sorted(uses.get(stem, ())):
+            if round_trip := visit(other):
+                return round_trip
+        finished.add(way.pop())
+        return []
+
+    for stem in uses:
+        if round_trip := visit(stem):
+            return round_trip
+    return []
+
+
+def found(line):
+    """The opening and the header of an #include line, None on any other."""
+    match = INCLUDE.match(line)
+    return match.groups() if match else None
+
+
 def main():
     breaches = 0
+    for room in LEVEL:
+        if round_trip := circle(room):
+            print(f"src/{room}: a circle of includes: {' - '.join(round_trip)}")
+            breaches += 1
     for room in LEVEL:
         used = rooms_used(room)
         above = sorted(name for name in used if LEVEL[name] >= LEVEL[room] and name != room)
@@ -80,8 +123,8 @@ def main():
             if path.suffix not in (".h", ".cpp"):
                 continue
             for number, line in enumerate(path.read_text(errors="replace").splitlines(), 1):
-                match = INCLUDE.match(line)
-                reason = match and breach(path, room, used, *match.groups())
+                include = found(line)
+                reason = include and breach(path, room, used, *include)
                 if reason:
                     print(f"{path.relative_to(SRC.parent)}:{number}: {reason}")
                     breaches += 1

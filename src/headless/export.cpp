@@ -1,6 +1,6 @@
 #include "headless/export.h"
 
-#include "midi/sound_settings.h"
+#include "midi/performance.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
 #include "store/tune_file.h"

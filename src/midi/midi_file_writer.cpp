@@ -1,9 +1,10 @@
 #include "midi/midi_file_writer.h"
 
-#include "store/item_file.h"
+#include "store/fault.h"
+#include "store/staged_file.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <system_error>
 
 namespace quillon {
 
@@ -95,17 +96,9 @@ std::string MidiFileWriter::Bytes() const
 
 void MidiFileWriter::CloseFile() const
 {
-    const std::string aside = FileName + ".part";
-    std::error_code failure;
     try {
-        WriteFileBytes(aside, Bytes());
-        std::filesystem::rename(aside, FileName, failure);
-    } catch (const Fault&) {
-        failure = std::make_error_code(std::errc::io_error);
-    }
-    if (failure) {
-        std::error_code ignored;
-        std::filesystem::remove(aside, ignored);
+        ReplaceFile(FileName, Bytes());
+    } catch (const std::system_error&) {
         throw Fault(Error::PathFileAccess, "The MIDI file cannot be written.");
     }
 }

@@ -273,4 +273,23 @@ void Performance::WriteNote(int pitch, int velocity, int delta)
     writer.WriteEvent(kNoteOn + TrackString, pitch, velocity, delta);
 }
 
+std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
+                          const SoundChoices& choices)
+{
+    if (tunings.empty())
+        throw Fault(Error::InvalidPropertyValue);
+    const InstrumentMode& mode = *FindMode(tune.NumStrings);
+    const std::string wanted = choices.Tuning ? std::to_string(*choices.Tuning) : tune[0].Slot(4);
+    const int row = TuningRow(wanted, static_cast<int>(tunings.size()));
+    KeepTuning(tune, row);
+
+    Sound sound;
+    sound.Tempo = HeldTempo(choices.Tempo.value_or(mode.Tempo));
+    sound.Instrument = choices.Instrument.value_or(mode.Instrument);
+    sound.OpenPitch = OpenPitches(tunings[static_cast<std::size_t>(row)], HeldCapo(choices.Capo));
+    MidiFileWriter writer;
+    BuildMidiFile(tune, sound, writer);
+    return writer.Bytes();
+}
+
 }  // namespace quillon

@@ -116,4 +116,10 @@ private:
 /// string. A Fault says in its explanation which measure is the matter.
 void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer);
 
+/// The MIDI file that the MIDI form would write of `tune`, as bytes. The tuning is kept with the
+/// tune. `tunings` has at least one row, else an invalid-property-value Fault. A tune that cannot
+/// be performed is a Fault or a NeverEnding.
+std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
+                          const SoundChoices& choices);
+
 }  // namespace quillon

@@ -49,10 +49,4 @@ struct SoundChoices {
     int Capo = 0;
 };
 
-/// The MIDI file that the MIDI form would write of `tune`, as bytes. The tuning is kept with the
-/// tune. `tunings` has at least one row, else an invalid-property-value Fault. A tune that cannot
-/// be performed is a Fault or a NeverEnding.
-std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
-                          const SoundChoices& choices);
-
 }  // namespace quillon

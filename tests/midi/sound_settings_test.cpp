@@ -1,5 +1,7 @@
 #include "midi/sound_settings.h"
 
+#include "midi/performance.h"
+
 #include "midi/midi_text.h"
 #include "support/faults.h"
 #include "support/tunes.h"
