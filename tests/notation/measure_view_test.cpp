@@ -312,6 +312,38 @@ TEST_F(MeasureViewTest, AnEighthAndTwoSixteenthsIn44EndWithTheCodes052)
     EXPECT_EQ(tune[4].BeamCode, kBothBeams);
 }
 
+TEST_F(MeasureViewTest, StubsPointForwardFromAGroupsFirstSixteenthAndBackFromItsLast)
+{
+    AddMeasure(tune);
+    for (int code : {kSixteenth, kEighth, kSixteenth})
+        AddNote(tune, code, 1, "1");
+    Show();
+    EXPECT_TRUE(Has("line 51 105 56 105 w=1"));
+    EXPECT_TRUE(Has("line 63 108 50 108 w=1"));
+    EXPECT_TRUE(Has("line 80 108 50 108 w=1") && Has("line 80 105 75 105 w=1"));
+}
+
+TEST_F(MeasureViewTest, ASixteenthBehindARestPointsForwardToAnEighthFromTheMainBeam)
+{
+    AddMeasure(tune, 9, 8);
+    for (int code : {kSixteenth, kSixteenthRest, kSixteenth, kEighth, kSixteenth})
+        AddNote(tune, code, IsNoteValue(code) ? 1 : 0, "1");
+    Show();
+    EXPECT_EQ(tune[4].BeamCode, kMainBeamForwardStub);
+    EXPECT_TRUE(Has("line 75 108 50 108 w=1") && Has("line 75 105 80 105 w=1"));
+}
+
+TEST_F(MeasureViewTest, ABackStubStartsTheSecondBeamAnew)
+{
+    AddMeasure(tune, 9, 8);
+    for (int code : {kSixteenth, kSixteenthRest, kSixteenth, kTripletSixteenth})
+        AddNote(tune, code, IsNoteValue(code) ? 1 : 0, "1");
+    Show();
+    EXPECT_EQ(tune[4].BeamCode, kBackStub);
+    EXPECT_TRUE(Has("line 86 108 50 108 w=1")) << "the main beam goes back to the first note";
+    EXPECT_TRUE(Has("line 86 105 74 105 w=1"));
+}
+
 TEST_F(MeasureViewTest, ATripletBracketIsDrawnAtTheFirstOfTheThreeNotesOnly)
 {
     AddMeasure(tune);
