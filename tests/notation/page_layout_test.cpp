@@ -145,6 +145,17 @@ TEST_F(PageLayoutTest, ALineTakesWholeMeasuresUpToItsCapacity)
               28);
 }
 
+TEST_F(PageLayoutTest, AMeasureMayFillALineToItsCapacityAndNotPassIt)
+{
+    AddQuarters(35);  // 2 units for the head, 1 for the signature, 3 for each quarter
+    tune[2].Slot(1) = "1234";
+    Screen();
+    EXPECT_EQ(tooWide, std::nullopt) << "110 units";
+    tune[2].Slot(1) = "12345";
+    Screen();
+    EXPECT_EQ(tooWide, 1) << "111 units";
+}
+
 TEST_F(PageLayoutTest, ALineThatIsFullAtColumn80GivesItsLastMeasureBackEvenIfItEndsThere)
 {
     for (int m = 0; m < 3; ++m) {

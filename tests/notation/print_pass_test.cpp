@@ -150,6 +150,27 @@ TEST_F(PrintPassTest, ALineThatEndsAtTheLimitItselfLeavesTheNextOneOnThePage)
     EXPECT_EQ(Only(Paper(0), "line 1080 ", " w=3").size(), 4U * 6);
 }
 
+TEST_F(PrintPassTest, FourAndFiveStringsLeaveLessRoomAtThePagesEnd)
+{
+    for (int m = 0; m < 4; ++m)
+        AddQuarters(4).Slot(6) = "NL";
+    const struct {
+        int strings;
+        float top;  // twips; the third line then starts at 13000
+    } rows[] = {
+        {4, 4600},
+        {5, 4270}
+    };
+    for (const auto& row : rows) {
+        tune.NumStrings = row.strings;
+        page.PageTop = row.top / 1440;
+        page.StaveSpace = 2;
+        EXPECT_EQ(Only(Paper(0), "line 1080 ", " w=3").size(), 3U * row.strings);
+        page.StaveSpace = 2881.0F / 1440;
+        EXPECT_EQ(Only(Paper(0), "line 1080 ", " w=3").size(), 2U * row.strings);
+    }
+}
+
 TEST_F(PrintPassTest, AnEmptyTuneIsOneEmptyPage)
 {
     EXPECT_TRUE(Paper().empty());
