@@ -286,6 +286,16 @@ TEST_F(PageLayoutTest, AnEndBarOnAHeadWithoutNotesIsLost)
     EXPECT_TRUE(Only(Screen(), "line", " w=3").empty());
 }
 
+TEST_F(PageLayoutTest, AnEndBarOfMeasure0MovesToTheFreeColumnsAndIsNotDrawn)
+{
+    AddQuarters(2).BarCode = kDoubleBar;
+    for (int i = 1; i <= tune.LastNote; ++i)
+        tune[i].Measure = 0;  // as the free columns to the table's end
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "text", "\"3\"").size(), 2U);
+    EXPECT_TRUE(Only(log, "line", " w=3").empty());
+}
+
 TEST_F(PageLayoutTest, ABeginBarTakesThePlaceOfThePlainBar)
 {
     AddQuarters(2);
