@@ -33,7 +33,7 @@ bool Program::Start()
     runner.Run("Start", [&] { loaded = win.Load(); });
     if (!loaded)
         return false;
-    window = std::make_unique<MainWindow>(win, system, runner, commandLine);
+    window = std::make_unique<EditorWindow>(win, system, runner, commandLine);
     endFromOutside = std::make_unique<EndFromOutside>([this] { window->EndUnasked(); });
     window->show();
     return true;

@@ -4,8 +4,8 @@
 
 #include "qt/clipboard.h"
 #include "qt/dialogs.h"
+#include "qt/editor_window.h"
 #include "qt/font_metrics.h"
-#include "qt/main_window.h"
 #include "qt/printer.h"
 #include "qt/runner.h"
 #include "qt/settings.h"
@@ -39,7 +39,7 @@ public:
         metrics
     };
     RescueCopy rescue{win, system.ProgramFolder()};
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<EditorWindow> window;
     std::unique_ptr<EndFromOutside> endFromOutside;
 
 private:

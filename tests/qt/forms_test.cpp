@@ -39,7 +39,7 @@ private:
     std::unique_ptr<Program> program;
     QWidget* form = nullptr;  // opened last
 
-    MainWindow& Window() { return *program->window; }
+    EditorWindow& Window() { return *program->window; }
     MainWin& Core() { return program->win; }
     template <typename Widget> Widget* The(const char* name)
     {

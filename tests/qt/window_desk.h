@@ -15,7 +15,7 @@ namespace quillon {
 struct WindowDesk {
     std::unique_ptr<Program> program;
 
-    MainWindow& Window() { return *program->window; }
+    EditorWindow& Window() { return *program->window; }
     MainWin& Core() { return program->win; }
     QWidget* Staff() { return Window().findChild<QWidget*>("StaffBox"); }
     QPushButton* Button(const char* name) { return Window().findChild<QPushButton*>(name); }

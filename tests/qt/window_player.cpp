@@ -43,7 +43,7 @@ public:
     }
 
     /// False when the line means nothing.
-    bool Do(MainWindow& window, const std::string& line)
+    bool Do(EditorWindow& window, const std::string& line)
     {
         const std::size_t blank = std::min(line.find(' '), line.size());
         const std::string verb = line.substr(0, blank);
@@ -68,7 +68,7 @@ public:
     }
 
 private:
-    static QWidget* Focus(MainWindow& window)
+    static QWidget* Focus(EditorWindow& window)
     {
         QWidget* focus = QApplication::focusWidget();
         return focus ? focus : &window;

@@ -14,7 +14,7 @@
 
 #include "headless/script.h"
 #include "qt/dialogs.h"
-#include "qt/main_window.h"
+#include "qt/editor_window.h"
 #include "qt/staff_view.h"
 #include "qt/text.h"
 #include "scratch_user.h"
@@ -232,7 +232,7 @@ public:
     {
         if (!win.Load())
             Fail("no start");
-        window = std::make_unique<MainWindow>(win, system, runner, "");
+        window = std::make_unique<EditorWindow>(win, system, runner, "");
         const auto open = system.OnShow;
         system.OnShow = [open](Form form) {
             if (form == Form::Splash || form == Form::FrmCopyBox)
@@ -293,7 +293,7 @@ public:
         {dialogs, settings, system, printer, clipboard, player, midiPorts},
         metrics
     };
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<EditorWindow> window;
     QTimer* timer = nullptr;  // the cursor's: it fires when the script says so
 };
 

@@ -23,14 +23,14 @@ class MainWin;
 
 namespace quillon {
 
-class MainWindow : public QMainWindow {
+class EditorWindow : public QMainWindow {
     Q_OBJECT
 
 public:
     /// All three must outlive the window. `theCommandLine` is the text after the program's name.
-    MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
-               std::string theCommandLine);
-    ~MainWindow() override;
+    EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
+                 std::string theCommandLine);
+    ~EditorWindow() override;
 
     /// The run ends from outside: nothing is asked, and the rescue copy stays.
     void EndUnasked();

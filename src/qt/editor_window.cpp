@@ -1,4 +1,4 @@
-#include "qt/main_window.h"
+#include "qt/editor_window.h"
 
 #include "qt/paint.h"
 #include "qt/settings.h"
@@ -76,8 +76,8 @@ bool IsArrow(const QKeyEvent& key)
 
 }  // namespace
 
-MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
-                       std::string theCommandLine)
+EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
+                           std::string theCommandLine)
     : win(mainWin), system(theSystem), runner(theRunner), commandLine(std::move(theCommandLine)),
       ui(std::make_unique<Ui::MainWin>()), otherForms(*this, win, runner)
 {
@@ -111,9 +111,9 @@ MainWindow::MainWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
     ShowForm();
 }
 
-MainWindow::~MainWindow() = default;
+EditorWindow::~EditorWindow() = default;
 
-void MainWindow::ConnectControls()
+void EditorWindow::ConnectControls()
 {
     Editor& editor = win.editor;
     const auto click = [this](QPushButton* button, auto handler) {
@@ -151,14 +151,14 @@ void MainWindow::ConnectControls()
             [&] { runner.Run("Cursor", [&] { editor.Timer1(); }); });
 }
 
-void MainWindow::showEvent(QShowEvent* event)
+void EditorWindow::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);
     if (!activated)
-        QTimer::singleShot(0, this, &MainWindow::FirstActivate);
+        QTimer::singleShot(0, this, &EditorWindow::FirstActivate);
 }
 
-void MainWindow::FirstActivate()
+void EditorWindow::FirstActivate()
 {
     if (std::exchange(activated, true))
         return;
@@ -167,7 +167,7 @@ void MainWindow::FirstActivate()
 }
 
 // The system closes the form: the save question is asked, but the form is not held back.
-void MainWindow::closeEvent(QCloseEvent* event)
+void EditorWindow::closeEvent(QCloseEvent* event)
 {
     if (!ended && (!win.form.FormEnabled || runner.Busy())) {
         event->ignore();
@@ -178,7 +178,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     End();
 }
 
-void MainWindow::End()
+void EditorWindow::End()
 {
     ended = true;
     Timer1.stop();
@@ -188,7 +188,7 @@ void MainWindow::End()
         qApp, [] { QApplication::exit(); }, Qt::QueuedConnection);
 }
 
-void MainWindow::EndUnasked()
+void EditorWindow::EndUnasked()
 {
     if (runner.Busy()) {
         // A handler waits in a dialog. It must not go on with an answer that nobody gave.
@@ -198,7 +198,7 @@ void MainWindow::EndUnasked()
 }
 
 // A menu bar that had the keys as the window lost them does not know whom to give them back to.
-void MainWindow::changeEvent(QEvent* event)
+void EditorWindow::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || !isActiveWindow() || !activated)
@@ -209,13 +209,13 @@ void MainWindow::changeEvent(QEvent* event)
         runner.Run("Return to the main form", [this] { win.editor.Activate(); });
 }
 
-void MainWindow::moveEvent(QMoveEvent* event)
+void EditorWindow::moveEvent(QMoveEvent* event)
 {
     QMainWindow::moveEvent(event);
     placeTimer.start();
 }
 
-void MainWindow::resizeEvent(QResizeEvent* event)
+void EditorWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
     placeTimer.start();
@@ -226,7 +226,7 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 }
 
 /// The largest scale, in quarter steps, that leaves the page half of the window's height.
-void MainWindow::FitStaff()
+void EditorWindow::FitStaff()
 {
     const QSize margins(24 + 12, 28);
     const QSize room(width() - ui->fraMeasure->sizeHint().width() - margins.width(),
@@ -245,7 +245,7 @@ void MainWindow::FitStaff()
 }
 
 // What no control takes scrolls the page.
-void MainWindow::keyPressEvent(QKeyEvent* event)
+void EditorWindow::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_PageUp)
         ui->vsbPage->triggerAction(QScrollBar::SliderPageStepSub);
@@ -255,7 +255,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         QMainWindow::keyPressEvent(event);
 }
 
-void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+void EditorWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     if (DroppedTune(*event).empty() || !win.form.FormEnabled || runner.Busy())
         return;
@@ -264,7 +264,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 }
 
 // The program that the file comes from waits for the end of the drop, not for the save question.
-void MainWindow::dropEvent(QDropEvent* event)
+void EditorWindow::dropEvent(QDropEvent* event)
 {
     event->setDropAction(Qt::CopyAction);
     event->accept();
@@ -274,7 +274,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     });
 }
 
-bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::FocusIn && !showing && activated) {
         const Control control = ControlOf(watched);
@@ -291,7 +291,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 
 /// Whether a key goes no further. A shortcut comes here while its command is off. What
 /// txtRptBracket leaves alone would go on to StaffBox, on which it lies, but is not meant for it.
-bool MainWindow::KeyIsTaken(const QObject* widget, QKeyEvent& key)
+bool EditorWindow::KeyIsTaken(const QObject* widget, QKeyEvent& key)
 {
     if (widget == txtRptBracket) {
         if (key.key() == Qt::Key_PageUp || key.key() == Qt::Key_PageDown)
@@ -304,7 +304,7 @@ bool MainWindow::KeyIsTaken(const QObject* widget, QKeyEvent& key)
     return IsShortcut(key) || (qobject_cast<const QPushButton*>(widget) && IsArrow(key));
 }
 
-QWidget* MainWindow::WidgetOf(Control control) const
+QWidget* EditorWindow::WidgetOf(Control control) const
 {
     switch (control) {
     case Control::StaffBox:
@@ -324,7 +324,7 @@ QWidget* MainWindow::WidgetOf(Control control) const
     }
 }
 
-Control MainWindow::ControlOf(const QObject* widget) const
+Control EditorWindow::ControlOf(const QObject* widget) const
 {
     for (Control control : {Control::StaffBox, Control::cmdNext, Control::cmdPrevious,
                             Control::cmdRefresh, Control::cmdRest, Control::txtRptBracket})
@@ -333,7 +333,7 @@ Control MainWindow::ControlOf(const QObject* widget) const
     return Control::None;
 }
 
-void MainWindow::ShowForm()
+void EditorWindow::ShowForm()
 {
     const QScopedValueRollback guard(showing, true);
     setWindowTitle(ToUnicode(win.form.Caption));
@@ -352,7 +352,7 @@ void MainWindow::ShowForm()
         win.form.Timer1Enabled ? Timer1.start() : Timer1.stop();
 }
 
-void MainWindow::ShowTools()
+void EditorWindow::ShowTools()
 {
     ui->work->setVisible(!win.pages.LargeView);
     SetText(ui->cmdNext, win.form.cmdNextCaption);
@@ -369,7 +369,7 @@ void MainWindow::ShowTools()
 
 /// What gets the focus must be there before, and what loses it may go only afterwards. A menu bar
 /// that is worked by keys keeps it while the cursor blinks.
-void MainWindow::ShowFocus()
+void EditorWindow::ShowFocus()
 {
     const auto& bracket = win.form.txtRptBracket;
     if (bracket.Visible && bracket.Enabled) {
@@ -382,7 +382,7 @@ void MainWindow::ShowFocus()
         widget->setFocus(Qt::OtherFocusReason);
 }
 
-void MainWindow::ShowControls()
+void EditorWindow::ShowControls()
 {
     txtRptBracket->setEnabled(win.form.txtRptBracket.Enabled);
     txtRptBracket->setVisible(win.form.txtRptBracket.Visible);
