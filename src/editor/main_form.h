@@ -37,11 +37,15 @@ struct ParkedTail {
     /// Bytes.
     std::vector<NoteRecord> Records;
     int RecordsBack = 0;  // how many of them stand in the table again
+
+    bool operator==(const ParkedTail&) const = default;
 };
 
 struct MainForm : EditingState {
     ParkedTail Parked;
     bool Discarded = false;  // No was the answer to the save question
+    int Openings = 0;        // how many tunes were begun or opened so far
+    int Writes = 0;          // how many times a tune was written to its file
 
     // Controls
     Control Focus = Control::None;
@@ -60,6 +64,7 @@ struct MainForm : EditingState {
         std::string Text1;  // first measure
         std::string Text2;  // last measure
     } FrmCopyBox;
+    int BoxCaret = 0;  // place in the text box that has the focus, kept by who shows the form
     bool Timer1Enabled = false;
     int Toolbar1 = 0;                    // the button that is down, 0 when all are up
     std::array<bool, 6> Line1Visible{};  // the staff lines

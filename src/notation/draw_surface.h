@@ -81,6 +81,9 @@ public:
     /// The drawing so far.
     const Drawing& Picture() const { return drawing; }
 
+    /// Makes it show what `picture` shows; pen, font and text cursor stay.
+    void SetPicture(const Drawing& picture) { drawing.Show(picture); }
+
     /// Hands the drawing over and starts an empty one: a printed page.
     Drawing TakePicture();
 

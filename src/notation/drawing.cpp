@@ -80,6 +80,13 @@ void Drawing::Clear()
     ++revision;
 }
 
+void Drawing::Show(const Drawing& other)
+{
+    operations = other.operations;
+    cleared = other.cleared;
+    ++revision;
+}
+
 void Drawing::Add(Operation operation)
 {
     ++revision;

@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillon {
@@ -50,8 +51,17 @@ std::string Quoted(std::string_view text);
 
 class Drawing {
 public:
+    Drawing() = default;
+    Drawing(std::vector<Operation> drawn, bool wasCleared)
+        : operations(std::move(drawn)), cleared(wasCleared)
+    {
+    }
+
     /// Forgets what was drawn. The log of a drawing that was cleared starts with a `clear` line.
     void Clear();
+
+    /// Takes over what another drawing shows.
+    void Show(const Drawing& other);
 
     /// Appends an operation. An xor or invert operation that equals one still on the list takes
     /// that one off instead: drawn twice, it is gone.
@@ -60,7 +70,8 @@ public:
     const std::vector<Operation>& Operations() const { return operations; }
     bool WasCleared() const { return cleared; }
 
-    /// Changes with every Clear and Add: tells whoever shows the drawing when to paint it anew.
+    /// Changes with every Clear, Show and Add: tells whoever shows the drawing when to paint it
+    /// anew.
     unsigned Revision() const { return revision; }
 
     /// The drawing as text, one operation a line.

@@ -191,6 +191,7 @@ void MainWin::mnuNew()
         AskToSave();
     if (form.Saved == SavedState::Unsaved)
         return;
+    ++form.Openings;
     tune.FileName.clear();
     form.mnuSaveEnabled = false;
     form.Saved = SavedState::Saved;
@@ -264,6 +265,7 @@ bool MainWin::LoadTune()
 
 void MainWin::ShowTune(std::optional<std::string> bytes)
 {
+    ++form.Openings;
     try {
         tune.Table.Clear();
         pages.BlankPages();
@@ -318,6 +320,7 @@ void MainWin::IncompatibleFile()
 void MainWin::WriteTuneFile()
 {
     WriteFileBytes(tune.FileName, TuneBytes(tune));
+    ++form.Writes;
 }
 
 // There is no look at InputMode: during an insertion the parked tail is absent from the file.

@@ -53,6 +53,8 @@ struct NoteRecord {
     std::string ChordText;
     std::array<std::string, kStringSlots> Slots;
 
+    bool operator==(const NoteRecord&) const = default;
+
     /// What is played on string s, 1 (top line) to 6. Any other s is a subscript Fault.
     std::string& Slot(int s) { return Slots[SlotIndex(s)]; }
     const std::string& Slot(int s) const { return Slots[SlotIndex(s)]; }
