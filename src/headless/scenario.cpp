@@ -1,5 +1,7 @@
 #include "headless/scenario.h"
 
+#include "shell/steps.h"
+
 #include <algorithm>
 
 namespace quillon {
@@ -35,32 +37,48 @@ constexpr KeyRow kKeys[] = {
     {"Escape",    kUnknownKey,   kEscape},
 };
 
-}  // namespace
-
-Scenario::Scenario(std::string programFolder, std::ostream& output)
-    : Script(win, platform.dialogs, output), platform(std::move(programFolder)),
-      win(platform.get(), metrics)
+MainWin& Started(MainWin& win)
 {
     win.Load();
     win.FirstActivate("");
     win.SplashClosed();
+    return win;
+}
+
+}  // namespace
+
+Scenario::Scenario(std::string programFolder, std::ostream& output)
+    : Script(win, platform.dialogs, output), platform(std::move(programFolder)),
+      win(platform.get(), metrics), history(ValuesOf(Started(win)))
+{
+}
+
+/// One event of the window: `handler` runs to its end. `name` is that of the step that it may make.
+template <typename Handler>
+void Scenario::Event(Input input, const std::string& name, const Handler& handler)
+{
+    history.Begin();
+    handler();
+    history.Observe(input, name);
 }
 
 void Scenario::Menu(const MenuEntry& entry)
 {
     if (!IsEnabled(entry, win))
         return;
-    entry.Run(win);
-    if (entry.Name == std::string_view("mnuCopy"))
-        caret = 0;
+    Event(Input::Command, StepName(entry), [&] {
+        entry.Run(win);
+        if (entry.Name == std::string_view("mnuCopy"))
+            win.form.BoxCaret = 0;
+    });
 }
 
 void Scenario::Press(std::string_view name)
 {
     if (name == "lblMeasNum")
-        win.editor.lblMeasNum();
+        Event(Input::Command, kGoToStep, [&] { win.editor.lblMeasNum(); });
     else if (name == "cmdCopyMeasure" && InCopyBox())
-        win.editor.cmdCopyMeasure();
+        Event(Input::Command, {}, [&] { win.editor.cmdCopyMeasure(); });
     else
         PressButton(ControlNamed(name));
 }
@@ -70,15 +88,17 @@ void Scenario::PressButton(Control button)
 {
     if (button == Control::None || (button == Control::cmdRefresh && !win.form.cmdRefreshEnabled))
         return;
-    win.editor.SetFocus(button);
-    if (button == Control::cmdNext)
-        win.editor.cmdNext();
-    else if (button == Control::cmdPrevious)
-        win.editor.cmdPrevious();
-    else if (button == Control::cmdRefresh)
-        win.cmdRefresh();
-    else if (button == Control::cmdRest)
-        win.editor.cmdRest();
+    Event(Input::Command, StepName(button, win.form), [&] {
+        win.editor.SetFocus(button);
+        if (button == Control::cmdNext)
+            win.editor.cmdNext();
+        else if (button == Control::cmdPrevious)
+            win.editor.cmdPrevious();
+        else if (button == Control::cmdRefresh)
+            win.cmdRefresh();
+        else if (button == Control::cmdRest)
+            win.editor.cmdRest();
+    });
 }
 
 void Scenario::Key(const std::string& name)
@@ -104,10 +124,17 @@ void Scenario::Type(const std::string& text)
         SendKey(kUnknownKey, character);
 }
 
+void Scenario::Toolbar(int button)
+{
+    Event(Input::Command, kToolbarStep, [&] { win.editor.Toolbar1(button); });
+}
+
 void Scenario::Click(double x, double y)
 {
-    win.editor.SetFocus(Control::StaffBox);
-    win.editor.StaffBoxMouseDown(x, y);
+    Event(Input::Command, kClickStep, [&] {
+        win.editor.SetFocus(Control::StaffBox);
+        win.editor.StaffBoxMouseDown(x, y);
+    });
 }
 
 void Scenario::Tick()
@@ -118,9 +145,11 @@ void Scenario::Tick()
 
 void Scenario::Copy(const std::string& from, const std::string& to)
 {
-    win.editor.mnuCopy();
-    win.form.FrmCopyBox = {from, to};
-    win.editor.cmdCopyMeasure();
+    Event(Input::Command, {}, [&] {
+        win.editor.mnuCopy();
+        win.form.FrmCopyBox = {from, to};
+        win.editor.cmdCopyMeasure();
+    });
 }
 
 /// A key down, then the key press if the key has a character, for whatever has the focus.
@@ -128,16 +157,18 @@ void Scenario::SendKey(int keyCode, char character)
 {
     switch (win.form.Focus) {
     case Control::StaffBox:
-        win.editor.StaffBoxKeyDown(keyCode);
-        if (character != 0)
-            win.editor.StaffBoxKeyPress(character);
+        Event(character == kEnter ? Input::Enter : Input::Key, {}, [&] {
+            win.editor.StaffBoxKeyDown(keyCode);
+            if (character != 0)
+                win.editor.StaffBoxKeyPress(character);
+        });
         break;
     case Control::txtRptBracket:
-        KeyInBracketBox(keyCode, character);
+        Event(Input::Key, {}, [&] { KeyInBracketBox(keyCode, character); });
         break;
     case Control::Text1:
     case Control::Text2:
-        KeyInCopyBox(keyCode, character);
+        Event(Input::Command, {}, [&] { KeyInCopyBox(keyCode, character); });
         break;
     default:
         break;
@@ -157,7 +188,7 @@ void Scenario::KeyInCopyBox(int keyCode, char character)
     auto& box = win.form.FrmCopyBox;
     if (character == kEnter) {
         win.editor.CopyBoxEnter(win.form.Focus);
-        caret = 0;
+        win.form.BoxCaret = 0;
     } else if (character == kEscape) {
         win.editor.CopyBoxClosed();
     } else {
@@ -169,7 +200,7 @@ void Scenario::KeyInCopyBox(int keyCode, char character)
 /// before the caret has its caret at the end.
 void Scenario::EditText(std::string& text, int keyCode, char character)
 {
-    caret = std::min(caret, text.size());
+    std::size_t caret = std::min(static_cast<std::size_t>(win.form.BoxCaret), text.size());
     switch (keyCode) {
     case kKeyLeft:
         caret -= caret > 0;
@@ -195,6 +226,7 @@ void Scenario::EditText(std::string& text, int keyCode, char character)
             text.insert(caret++, 1, character);
         break;
     }
+    win.form.BoxCaret = static_cast<int>(caret);
 }
 
 }  // namespace quillon

@@ -5,6 +5,7 @@
 
 #include "headless/script.h"
 #include "headless/scripted_platform.h"
+#include "history/history.h"
 
 #include <string>
 #include <string_view>
@@ -17,18 +18,20 @@ public:
     Scenario(std::string programFolder, std::ostream& output);
 
     MainWin& Window() { return win; }
+    History* Steps() override { return &history; }
 
 private:
     void Menu(const MenuEntry& entry) override;
     void Press(std::string_view name) override;
     void Key(const std::string& name) override;
     void Type(const std::string& text) override;
-    void Toolbar(int button) override { win.editor.Toolbar1(button); }
+    void Toolbar(int button) override;
     void Click(double x, double y) override;
     void Tick() override;
     void Copy(const std::string& from, const std::string& to) override;
     bool Ended() const override { return platform.system.Ended; }
-
+    template <typename Handler>
+    void Event(Input input, const std::string& name, const Handler& handler);
     void PressButton(Control button);
     void SendKey(int keyCode, char character);
     void KeyInBracketBox(int keyCode, char character);
@@ -38,7 +41,7 @@ private:
     FixedTextMetrics metrics;
     ScriptedPlatform platform;
     MainWin win;
-    std::size_t caret = 0;  // in the text box that has the focus, if one has it
+    History history;
 };
 
 }  // namespace quillon

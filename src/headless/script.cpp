@@ -35,6 +35,8 @@ constexpr ControlRow kControls[] = {
     {Control::Text2,         "Text2"        },
 };
 
+constexpr double kMostSteps = 1e6;  // of one undo or redo
+
 constexpr const char* kIconNames[] = {"none", "stop", "question", "information"};
 
 const char* OnOff(bool on)
@@ -143,7 +145,8 @@ bool Script::Run(std::string_view command, const std::string& text)
         Tick();
         return true;
     }
-    return Act(command, text) || Answer(command, text) || Print(command);
+    return Act(command, text) || GoBackOrForth(command, text) || Answer(command, text) ||
+           Print(command);
 }
 
 bool Script::Act(std::string_view command, std::string rest)
@@ -213,8 +216,25 @@ bool Script::Answer(std::string_view command, const std::string& text)
     return true;
 }
 
+bool Script::GoBackOrForth(std::string_view command, std::string rest)
+{
+    const bool undo = command == "undo";
+    if (!Steps() || (!undo && command != "redo"))
+        return false;
+    const double count = TakeNumber(rest).value_or(1);
+    if (count < 0 || count > kMostSteps)
+        return false;
+    if (undo)
+        Steps()->Undo(static_cast<int>(count));
+    else
+        Steps()->Redo(static_cast<int>(count));
+    return true;
+}
+
 bool Script::Print(std::string_view command)
 {
+    if (command == "steps")
+        return PrintSteps();
     if (command == "state")
         PrintState();
     else if (command == "table")
@@ -307,6 +327,13 @@ void Script::PrintShown()
             << ' ' << QuotedBoxText(box.Text) << '\n';
     out << '\n';
     answers.Shown.clear();
+}
+
+bool Script::PrintSteps()
+{
+    if (const History* steps = Steps())
+        out << "undo=" << steps->UndoCount() << " redo=" << steps->RedoCount() << "\n\n";
+    return Steps() != nullptr;
 }
 
 }  // namespace quillon

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "headless/scripted_platform.h"
+#include "history/history.h"
 #include "shell/main_win.h"
 #include "shell/menus.h"
 
@@ -47,15 +48,20 @@ private:
     virtual void Copy(const std::string& from, const std::string& to) = 0;
     virtual bool Ended() const = 0;  // the program has ended
 
+    /// Its steps; null where there are none to go back to.
+    virtual History* Steps() { return nullptr; }
+
     bool Run(std::string_view command, const std::string& text);
     bool Act(std::string_view command, std::string rest);
     bool Answer(std::string_view command, const std::string& text);
+    bool GoBackOrForth(std::string_view command, std::string rest);
     bool Print(std::string_view command);
     bool RunMenu(const MenuEntry* entry);
     void PrintState();
     void PrintTable();
     void PrintLog();
     void PrintShown();
+    bool PrintSteps();
 
     MainWin& win;
     ScriptedDialogs& answers;

@@ -1,0 +1,103 @@
+// Undo and redo: every moment that a step began in can be had back.
+//
+// Handlers know nothing of it. After each event, whoever runs events tells it to look: it compares
+// the program with the moment after the event before, and keeps what differs as a delta. Deltas
+// form one unbroken chain. A step holds all that happened until the next one began, so moving
+// about is put back with the step that it followed.
+//
+// What makes a step goes by the values alone. One begins when a tune is begun or opened, when a
+// text mode is entered, and when a record changes (but for XPos, Spacing and BeamCode, which a
+// redraw works out anew), the name, the instrument, fonts or margins. What is being typed goes on
+// in the step that is open: the strings of a note up to Enter or to another note, a text until its
+// mode ends, page setup until the form closes.
+
+#pragma once
+
+#include "history/delta.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillon {
+
+/// What an event came from. Key: a character or key for StaffBox, or for the bracket's box.
+enum class Input { Command, Key, Enter };
+
+class History {
+public:
+    explicit History(const Values& program);
+
+    /// Before an event: takes in what has happened between events, as the blinking caret.
+    void Begin();
+
+    /// After an event. `name` is what a step that begins with it is called.
+    void Observe(Input input, std::string_view name);
+
+    /// Go back, and forth again, by up to `count` steps. A scratch file that cannot be put back is
+    /// a path/file-access Fault, and nothing has happened.
+    void Undo(int count = 1);
+    void Redo(int count = 1);
+
+    int UndoCount() const { return position; }
+    int RedoCount() const { return static_cast<int>(steps.size()) - 1 - position; }
+
+    /// What would be undone or redone next, such as "Delete Measure 7"; "" if there is nothing.
+    std::string UndoName() const;
+    std::string RedoName() const;
+
+    /// The moment after the last event. At a fault: the one before the event that failed.
+    const Moment& Last() const { return last; }
+
+    /// Whether the table is another than its file has: as last saved, opened or begun.
+    bool Changed() const { return WorkBytes(program.Music) != written.back(); }
+
+    /// How many bytes the steps take.
+    std::size_t Size() const;
+
+private:
+    struct Step {
+        std::string Name;
+        std::string Deltas;      // up to the next step, each behind its length
+        std::string Detour;      // moving about since the steps after this one were undone
+        std::size_t Moving = 0;  // length of what of Deltas is moving about, at their end
+        bool BeginsTune = false;
+    };
+
+    /// What is being typed, and into which record.
+    enum class Typing { Note, Chord, LeftHand, RightHand, Bracket, PageSetup, Nothing };
+    struct Open {
+        Typing What = Typing::Nothing;
+        int Record = 0;
+
+        bool operator==(const Open&) const = default;
+    };
+
+    static Open TypingIn(const Values& values);
+    static bool IsText(Typing what);
+    std::string StepName(std::string_view name, Open typing, const Changes& changes,
+                         int measureBefore) const;
+    bool BelongsToOpen(const Changes& changes) const;
+    bool TakeWritten();
+    std::string TakeChanges(Changes& changes);
+    void BeginStep(std::string name, bool beginsTune);
+    void Append(std::string_view delta, bool moving);
+    void Shorten(std::string& deltas, std::size_t from);
+    void Arrive(Moment moment, int at);
+
+    Values program;
+    Moment last;
+    unsigned picture = 0;  // revision of the picture in `last`
+    std::array<ScratchFile, kScratchFiles.size()> scratchFiles;
+    int openings = 0;  // form.Openings and form.Writes at the last look
+    int writes = 0;
+    std::vector<Step> steps;  // 0 is no step: what happened before the first one
+    int position = 0;         // the step that was done last
+    Open open;
+
+    // Work as the file has it, of each tune that was begun; the last is the present one's.
+    std::vector<std::string> written;
+    std::vector<std::string> writtenUndone;
+};
+
+}  // namespace quillon

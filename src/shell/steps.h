@@ -1,0 +1,28 @@
+// What history needs to know of the main form: which values are its own, and what its commands
+// are called.
+
+#pragma once
+
+#include "history/history.h"
+#include "shell/main_win.h"
+#include "shell/menus.h"
+
+#include <string>
+
+namespace quillon {
+
+/// The values that undo and redo put back.
+Values ValuesOf(MainWin& win);
+
+/// What a step is called that a menu command makes: its caption.
+std::string StepName(const MenuEntry& entry);
+
+/// What a step is called that a button makes, by what the button says at the moment.
+std::string StepName(Control button, const MainForm& form);
+
+// Other events that may change the tune.
+inline constexpr const char* kToolbarStep = "Note Value";
+inline constexpr const char* kClickStep = "Time Signature";
+inline constexpr const char* kGoToStep = "Go to Measure";
+
+}  // namespace quillon
