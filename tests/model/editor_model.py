@@ -11,6 +11,7 @@ import sys
 from editing_model import Editing
 from editor_state import EditorState, TextBox
 from files_model import EndOfProgram, FileCommands
+from history_model import COMMAND, ENTER, KEY, History
 from input_model import StaffInput
 from navigation_model import Navigation
 from number_rules import RunTimeFault, quoted
@@ -68,6 +69,7 @@ class ScenarioPlayer:
         self.output = []
         self.marks = []
         self.editor.start()
+        self.history = History(self.editor)
 
     def play(self, lines):
         """Plays to the end and gives the exit status."""
@@ -93,6 +95,11 @@ class ScenarioPlayer:
             raise UnknownCommand(line)
         command(rest)
 
+    def event(self, kind, handler, *arguments):
+        self.history.before_event()
+        handler(*arguments)
+        self.history.after_event(kind)
+
     # Commands
 
     def do_strings(self, rest):
@@ -110,17 +117,17 @@ class ScenarioPlayer:
             return
         if name == "mnuSave" and not editor.mnuSave_on or name == "mnuPaste" and not editor.mnuPaste_on:
             return
-        getattr(editor, name)()
+        self.event(COMMAND, getattr(editor, name))
 
     def do_press(self, rest):
         name = rest.strip()
         if name == "lblMeasNum":
-            self.editor.lblMeasNum_click()
+            self.event(COMMAND, self.editor.lblMeasNum_click)
         elif name in ("lblLastNote", "hdbkbox"):
             pass
         elif name == "cmdCopyMeasure":
             if self.editor.focus in ("Text1", "Text2"):
-                self.editor.cmdCopyMeasure()
+                self.event(COMMAND, self.editor.cmdCopyMeasure)
         elif name in BUTTONS:
             self.press_button(name)
         else:
@@ -129,20 +136,25 @@ class ScenarioPlayer:
     def press_button(self, name):
         if name == "cmdRefresh" and not self.editor.cmdRefresh_on:
             return
+        self.event(COMMAND, self.press_enabled, name)
+
+    def press_enabled(self, name):
         self.editor.give_focus(name)
         getattr(self.editor, name)()
 
     def do_toolbar(self, rest):
-        self.editor.Toolbar1_click(int(rest))
+        self.event(COMMAND, self.editor.Toolbar1_click, int(rest))
 
     def do_click(self, rest):
-        x, y = map(float, rest.split())
+        self.event(COMMAND, self.click, *map(float, rest.split()))
+
+    def click(self, x, y):
         self.editor.give_focus("StaffBox")
         self.editor.StaffBox_mouse_down(x, y)
 
     def do_type(self, rest):
         for character in rest:
-            self.key_to_focus(None, character)
+            self.event(KEY, self.key_to_focus, None, character)
 
     def do_key(self, rest):
         key = rest.strip()
@@ -152,7 +164,9 @@ class ScenarioPlayer:
             if key in ("Enter", "Space"):
                 self.press_button(self.editor.focus)
         else:
-            self.key_to_focus(key, KEY_CHARACTERS.get(key))
+            typed = ENTER if key == "Enter" else KEY
+            kind = typed if self.editor.focus in ("StaffBox", "txtRptBracket") else COMMAND
+            self.event(kind, self.key_to_focus, key, KEY_CHARACTERS.get(key))
 
     def key_to_focus(self, key, character):
         """Key down, then the key press where the key has a character."""
@@ -179,12 +193,23 @@ class ScenarioPlayer:
         self.editor.questions.append(rest.strip() == "yes")
 
     def do_copy(self, rest):
-        first, last = rest.split()
+        self.event(COMMAND, self.copy, *rest.split())
+
+    def copy(self, first, last):
         self.editor.mnuCopy()
         self.editor.copy_boxes = {"Text1": TextBox(first), "Text2": TextBox(last)}
         self.editor.cmdCopyMeasure()
 
+    def do_undo(self, rest):
+        self.history.undo(int(rest or 1))
+
+    def do_redo(self, rest):
+        self.history.redo(int(rest or 1))
+
     # Prints
+
+    def do_steps(self, rest):
+        self.print([f"undo={len(self.history.steps)} redo={len(self.history.undone)}"])
 
     def do_state(self, rest):
         editor = self.editor

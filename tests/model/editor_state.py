@@ -19,6 +19,11 @@ class TextBox:
     def __init__(self, text=""):
         self.before, self.behind = "", text
 
+    def copy(self):
+        box = TextBox()
+        box.before, box.behind = self.before, self.behind
+        return box
+
     @property
     def text(self):
         return self.before + self.behind
@@ -109,6 +114,8 @@ class EditorState:
 
         self.dialogs, self.prompts, self.questions = [], [], []
         self.boxes = []
+
+        self.tunes_begun = self.tunes_written = 0  # counts: of New and Open, of files
 
     # Controls
 

@@ -29,6 +29,7 @@ class FileCommands:
         self.hide_caret()
         if not self.may_throw_away():
             return
+        self.tunes_begun += 1
         self.FileName = ""
         self.mnuSave_on = False
         self.Saved = 1
@@ -72,6 +73,7 @@ class FileCommands:
 
     def write_tune(self):
         self.files.write(self.FileName, tune_bytes(self.table, self.LastNote))
+        self.tunes_written += 1
 
     def mnuSaveAs(self):
         if self.InputMode == INSERTED_MEASURE:
@@ -106,6 +108,7 @@ class FileCommands:
         except RunTimeFault:
             self.show_box("stop", "", "File Not Found")
             return
+        self.tunes_begun += 1
         self.table.clear()
         try:
             self.read_tune(ItemReader(data))

@@ -47,7 +47,8 @@ class Finished(Exception):
 
 
 class ScriptWriter:
-    def __init__(self, seed, length, tunes):
+    def __init__(self, seed, length, tunes, undo=True):
+        self.actions = ACTIONS if undo else {action: weight for action, weight in ACTIONS.items() if action not in UNDO}
         self.rng = random.Random(f"script {seed}")
         self.length = length
         self.tunes = tunes
@@ -59,7 +60,7 @@ class ScriptWriter:
             if self.chance(0.35):
                 self.open_tune()
             while True:
-                action, = self.rng.choices(ACTIONS, WEIGHTS)
+                action, = self.rng.choices(list(self.actions), list(self.actions.values()))
                 action(self)
                 self.look()
         except Finished:
@@ -376,6 +377,20 @@ class ScriptWriter:
                 self.emit("ask yes")
                 self.emit("dialog " + self.pick("saved.gui", "cancel", "saved.bjo"))
 
+    def undo(self):
+        self.emit(self.pick("undo", "undo", "undo", "undo 2", "undo 3", f"undo {self.rng.randrange(30)}"))
+        self.after_going_back()
+
+    def redo(self):
+        self.emit(self.pick("redo", "redo", "redo 2", f"redo {self.rng.randrange(30)}"))
+        self.after_going_back()
+
+    def after_going_back(self):
+        if self.chance(0.5):
+            self.emit("steps")
+        if self.chance(0.3):
+            self.pick(self.undo, self.redo)()
+
     def refresh(self):
         self.emit("press cmdRefresh")
 
@@ -398,7 +413,7 @@ class ScriptWriter:
             self.append()
 
 
-WEIGHTED_ACTIONS = {
+ACTIONS = {
     ScriptWriter.fill_measure: 14,
     ScriptWriter.type_note: 10,
     ScriptWriter.loose_keys: 12,
@@ -437,14 +452,15 @@ WEIGHTED_ACTIONS = {
     ScriptWriter.page_view: 0.5,
     ScriptWriter.other_form: 1,
     ScriptWriter.leave_mode: 3,
+    ScriptWriter.undo: 7,
+    ScriptWriter.redo: 4,
 }
-ACTIONS = list(WEIGHTED_ACTIONS)
-WEIGHTS = list(WEIGHTED_ACTIONS.values())
+UNDO = (ScriptWriter.undo, ScriptWriter.redo)
 
 
-def script_for(seed, length, tunes):
+def script_for(seed, length, tunes, undo=True):
     """The lines of a script; it ends in a full look at what came out."""
-    return ScriptWriter(seed, length, tunes).write() + ["state", "table", "log", "shown"]
+    return ScriptWriter(seed, length, tunes, undo).write() + ["state", "table", "log", "shown"]
 
 
 def main():
