@@ -577,11 +577,11 @@ class Window(DiskTest):
         self.assertEqual(window.end(), 1)
         self.assertEqual(len(window.boxes), 1)
         lines = window.boxes[0].split(r"\n")
-        self.assertEqual(lines[:2], [BOX, f"It happened at: {doing}"])
+        self.assertEqual(lines[:2], [BOX, f"The error occurred during: {doing}"])
         if kept is None:
             self.assertEqual(len(lines), 2)
         else:
-            self.assertRegex(lines[2], f"^Your work was kept in {re.escape(str(kept))}/Rescue-")
+            self.assertRegex(lines[2], f"^Your work has been saved in {re.escape(str(kept))}/Rescue-")
             self.assertEqual(len(lines), 3)
 
     # Saving

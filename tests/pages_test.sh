@@ -44,7 +44,7 @@ refuses() {  # name that is taken, tunes...
     [ $? = 1 ] && [ "$(wc -l < errors)" = 1 ] && grep -q ": refused/$1 has been made of" errors
 }
 keeps_the_tune() {  # arguments that would write a page or another tune over three.gui
-    ! "$export_program" "$@" 2> errors && grep -q " is a tune to export" errors &&
+    ! "$export_program" "$@" 2> errors && grep -q " is one of the tunes to export" errors &&
         cmp -s three.gui "$tune.whole"
 }
 with_a_title_of() {  # length

@@ -5,8 +5,8 @@
 
 Understands what the manual uses of Markdown: headings, paragraphs, lists, tables, indented code,
 quotes, images on a line of their own, and in a line `code`, **strong**, *emphasis* and [links](#x).
-Pictures are put into the page; one that is not there yet is left out. A link to a heading that does
-not exist is an error. The same manual gives the same bytes.
+Pictures are embedded in the page; one that does not exist yet is left out. A link to a heading that does
+not exist is an error. The same manual always gives the same bytes.
 """
 
 import base64

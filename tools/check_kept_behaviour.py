@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Checks that every test that docs/kept_behaviour.md names exists: status 1 if one does not."""
+"""Checks that every test named in docs/kept_behaviour.md exists; status 1 if one does not."""
 
 import pathlib
 import re

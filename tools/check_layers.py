@@ -5,7 +5,7 @@ A room may include itself and what its quillon_room(... USES ...) line names, ne
 stands above it. Inside a room, too, includes go one way: a header and its source count as one.
 The core rooms include no header but the C++ standard library's and their own;
 one file of theirs may call the system as well.
-Prints `file:line: reason` for each breach; exit status 1 if there is one.
+Prints `file:line: reason` for each violation; exit status 1 if there is one.
 """
 
 import pathlib

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Runs clang-tidy on the core, as many files at a time as there are processors.
 
-Wants a finished build/dev: its compile commands, and which headers each file included. A file that
-was clean is not looked at again until it, one of its headers, its compile command, .clang-tidy or
+Needs a finished build/dev for its compile commands and for the headers of each file. A file that
+was clean is not checked again until it, one of its headers, its compile command, .clang-tidy or
 clang-tidy itself has changed. What was clean is remembered in the folder TIDY_CACHE,
 ~/.cache/quillon-tidy unless set.
 """

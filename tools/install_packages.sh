@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian packages that are missing from the groups named: build, test.
-# Says nothing and takes no time when all are there.
+# Prints nothing and takes no time if all are installed.
 set -eu
 
 build="build-essential ca-certificates cmake ninja-build ccache pkg-config

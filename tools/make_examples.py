@@ -3,12 +3,12 @@
 
     make_examples.py [--player PROGRAM] [--check]
 
-Each tune stands below in a short text. From it comes a scenario with every key
+Each tune is given below as a short text. It is turned into a scenario with every key
 and click of its entry (tests/scenarios/examples/NAME.scn); the player plays it
 and saves the tune, which then gets its title and credits (examples/NAME.EXT).
-With --check nothing is written: scenarios and tunes must be as they stand.
+With --check nothing is written: scenarios and tunes must already be up to date.
 
-The text has one measure a line: marks in braces, then columns.
+The text has one measure per line: marks in braces, then columns.
 
     {repeat-start} q [G]6:3,3:0'p e 2:1=3_2 r | as 4
 

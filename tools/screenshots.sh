@@ -1,5 +1,5 @@
 #!/bin/bash
-# Makes the pictures of docs/images from the real program, in a window on a screen of its own.
+# Makes the pictures in docs/images from the real program, on a virtual display.
 #
 #   tools/screenshots.sh [BIN]    BIN is the folder of the programs, build/release/bin by default
 set -eu

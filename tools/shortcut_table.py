@@ -5,8 +5,8 @@
     shortcut_table.py --check   status 1 when the manual is out of date
 
 The menus are read from src/shell/menus.cpp: the arrays of entries, and kMenus for their order.
-In the manual, a table stands between `<!-- menu NAME -->` and `<!-- /menu -->`; the table of all
-keys between `<!-- shortcuts -->` and `<!-- /shortcuts -->`. Every menu must have its place.
+In the manual, each table is between `<!-- menu NAME -->` and `<!-- /menu -->`, and the table of all
+keys is between `<!-- shortcuts -->` and `<!-- /shortcuts -->`. Every menu must be there.
 """
 
 import difflib

@@ -2,9 +2,9 @@
 
     compare.py BUILD_FOLDER FOLDER...
 
-A FOLDER, named for its number of measures, has what write_music.py wrote. Prints Markdown tables. A
-time is that of a whole process, from nothing to its end; the first run of each is not counted, and
-the programs take turns. CPU time is of all the process's threads and children.
+Each FOLDER, named after its number of measures, has the output of write_music.py. Prints Markdown tables. A
+time is that of a whole process, from start to exit; the first run of each is not counted, and
+the programs take turns. CPU time includes all the process's threads and children.
 """
 
 import collections

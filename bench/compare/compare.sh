@@ -4,7 +4,7 @@
 #
 #   bench/compare/compare.sh [BUILD_FOLDER]
 #
-# Installs the other programs (Debian), builds in release form, writes into a scratch folder.
+# Installs the other programs (Debian), makes a release build, writes to a temporary folder.
 set -eu
 here=$(cd -- "$(dirname -- "$0")" && pwd)
 root=$(cd -- "$here/../.." && pwd)

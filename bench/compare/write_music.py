@@ -4,8 +4,8 @@
 
 Makes in FOLDER: tune.gui (TUNE, its measures COPIES times), tune.abc, tune.musicxml, tune.ly (its
 pages) and sound.ly (its sound). Notes, rests, ties, measures, repeats with their endings, double
-bars, chord names and the title are carried over; fingers, remarks and line breaks stay behind. A
-tune with anything else in it is refused: what the programs are compared on must be the same.
+bars, chord names and the title are carried over; fingering, remarks and line breaks are not. A
+tune with anything else in it is refused, because all programs must get the same music.
 """
 
 import csv

@@ -2,8 +2,8 @@
 
     startup.py BUILD_FOLDER TUNE [ROUNDS]
 
-Both programs are started in turn, from nothing to the moment when the display shows what it goes on
-showing. Prints medians of ROUNDS (10) and the ratio. Runs on the display that the environment names.
+Both programs are started in turn and timed until the display shows what it goes on
+showing. Prints medians of ROUNDS (10) and the ratio. Uses the display named in the environment.
 """
 
 import pathlib

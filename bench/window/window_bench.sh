@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds and runs the measurements of the window, in release form, on a display of their own:
+# Makes a release build and measures the window on a virtual display:
 #
 #   bench/window/window_bench.sh [BUILD_FOLDER]
 set -eu

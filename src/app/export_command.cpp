@@ -15,21 +15,21 @@ const char* const kExportHelp =
     "       quillon-export [options] --check TUNE...\n"
     "       quillon-export [options] --order TUNE...\n"
     "\n"
-    "Makes something else of tunes. OUT is a file, - for standard output, or a folder\n"
-    "when there are several tunes.\n"
+    "Converts tunes to pages, MIDI files or sound. OUT is a file, - for standard output,\n"
+    "or, for several tunes, a folder.\n"
     "\n"
-    "  --check           tells what is wrong with each tune, a line each\n"
-    "  --order           tells in which order its measures are played\n"
+    "  --check           lists the problems of each tune, one per line\n"
+    "  --order           prints the order in which the measures are played\n"
     "  --format F        pdf, svg, png, mid, wav, tune, measure-log, page-log or\n"
     "                    print-log; without it, OUT's extension decides\n"
     "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"
-    "  --tempo T         beats a minute, 30 to 300\n"
-    "  --tuning INDEX    row of the tuning list, from 0\n"
+    "  --tempo T         quarter notes per minute, 30 to 300\n"
+    "  --tuning INDEX    row of the tuning list, counted from 0\n"
     "  --tuning-file F   a tuning list other than the default one\n"
     "  --capo C          fret of the capo, 0 to 12\n"
-    "  --instrument P    General MIDI program, from 0\n"
+    "  --instrument P    General MIDI program, counted from 0\n"
     "  --body-font NAME, --body-size S, --title-font NAME, --title-size S\n"
-    "  --left I, --right I, --top I, --stave-space I   inches\n"
+    "  --left I, --right I, --top I, --stave-space I   in inches\n"
     "  --center-title yes|no\n"
     "  --help            this text\n";
 
@@ -51,7 +51,7 @@ double Real(const std::string& option, const std::string& text)
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() ||
         !(std::abs(number) <= kLargestNumber))
-        Bad(option + " wants a number, not '" + text + "'");
+        Bad(option + " needs a number, not '" + text + "'");
     return number;
 }
 
@@ -60,7 +60,7 @@ int Whole(const std::string& option, const std::string& text)
     int number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size())
-        Bad(option + " wants a whole number, not '" + text + "'");
+        Bad(option + " needs a whole number, not '" + text + "'");
     return number;
 }
 
@@ -80,7 +80,7 @@ const std::map<std::string, Setter> kOptions = {
      [](auto& c, auto& name, auto& text) {
          c.Options.Strings = Whole(name, text);
          if (!FindMode(*c.Options.Strings))
-             Bad("--strings is 4, 5 or 6");
+             Bad("--strings must be 4, 5 or 6");
      }},
     {"--tempo", [](auto& c, auto& name, auto& text) { c.Options.Tempo = Real(name, text); }},
     {"--tuning", [](auto& c, auto& name, auto& text) { c.Options.Tuning = Whole(name, text); }},
@@ -102,7 +102,7 @@ const std::map<std::string, Setter> kOptions = {
     {"--center-title",
      [](auto& c, auto&, auto& text) {
          if (text != "yes" && text != "no")
-             Bad("--center-title is yes or no");
+             Bad("--center-title must be yes or no");
          c.Options.CenterTitle = text == "yes";
      }},
 };
@@ -162,30 +162,29 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
         if (option == kOptions.end())
             Bad("unknown option " + argument);
         if (!value && i + 1 == arguments.size())
-            Bad(argument + " wants a value");
+            Bad(argument + " needs a value");
         option->second(command, argument, value ? *value : arguments[++i]);
     }
     if (command.Tunes.empty())
-        Bad("no tune is named");
+        Bad("no tune given");
     if (command.Check || command.Order) {
         if (command.Check && command.Order)
-            Bad("--check and --order do not go together");
+            Bad("--check and --order cannot be combined");
         if (!command.Output.empty() || !command.Format.empty())
-            Bad("--check and --order have no output but the standard one");
+            Bad("--check and --order write to standard output only");
         return command;
     }
     if (command.Output.empty())
-        Bad("no output is named; give one with -o");
+        Bad("no output given; name one with -o");
     const std::string byExtension = FormatOf(command.Output);
     if (command.Format.empty())
         command.Format = byExtension;
     if (command.Format.empty())
-        Bad("the form of '" + command.Output + "' is not known; name it with --format");
+        Bad("cannot tell the format of '" + command.Output + "'; name it with --format");
     if (command.Tunes.size() > 1 && command.Output == "-")
         Bad("several tunes go into a folder, not to standard output");
     if (command.Tunes.size() > 1 && !byExtension.empty() && !IsFolder(command.Output))
-        Bad("several tunes go into a folder, not into a file; '" + command.Output +
-            "' is named like one");
+        Bad("several tunes go into a folder, but '" + command.Output + "' looks like a file");
     if (std::find(std::begin(kFormats), std::end(kFormats), command.Format) == std::end(kFormats))
         Bad("unknown format " + command.Format);
     return command;

@@ -14,8 +14,8 @@ struct ExportCommand {
     std::vector<std::string> Tunes;
     std::string Output;  // a file, "-" for standard output, or a folder for several tunes
     std::string Format;  // "" until told by the output's extension
-    bool Check = false;  // tell what is wrong with the tunes, Output and Format are ""
-    bool Order = false;  // tell in which order they are played, likewise
+    bool Check = false;  // list the problems of the tunes; Output and Format are ""
+    bool Order = false;  // print the order in which they are played, likewise
     bool Help = false;
 };
 

@@ -145,10 +145,10 @@ void FilesInUse::Refuse(const std::string& output, const std::string& tune, bool
         return;
     const Use& use = file->second;
     if (use.Written)
-        throw ExportError(output + " has been made of " + use.Tune +
-                          "; export this tune into another folder");
+        throw ExportError(output + " was already made from " + use.Tune +
+                          "; export this tune to another folder");
     if (!writtenBack || use.Tune != tune)
-        throw ExportError(output + " is a tune to export; name another place with -o");
+        throw ExportError(output + " is one of the tunes to export; name another place with -o");
 }
 
 void FilesInUse::Add(const std::string& output, const std::string& tune)

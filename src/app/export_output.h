@@ -15,7 +15,7 @@ namespace quillon {
 // An output is a path or "-", standard output. What fails here is an ExportError that names the
 // place and the system's reason.
 
-/// To standard output, where nothing may be lost silently.
+/// To standard output; nothing may be lost silently.
 void Say(const std::string& text);
 
 /// OUT for the first file, then -2, -3, ... before the dot.
@@ -25,11 +25,12 @@ std::vector<std::string> OutputNames(const std::string& output, std::size_t coun
 /// and pipes get theirs at once.
 void WriteFiles(const std::vector<std::string>& names, const std::vector<std::string>& files);
 
-/// Writes a file that `render` makes at the path that it is given.
+/// Writes a file that `render` creates at the path it is given.
 void WriteRendered(const std::string& output,
                    const std::function<void(const std::string& path)>& render);
 
-/// The files that the command reads and those that it has written. Keeps it from writing over them.
+/// The files that the command reads and those that it has written, so that it does not overwrite
+/// them.
 class FilesInUse {
 public:
     explicit FilesInUse(const std::vector<std::string>& tunes);
@@ -38,7 +39,7 @@ public:
     /// itself.
     void Refuse(const std::string& output, const std::string& tune, bool writtenBack) const;
 
-    /// `output` has been made of `tune`.
+    /// `output` was already made from `tune`.
     void Add(const std::string& output, const std::string& tune);
 
 private:

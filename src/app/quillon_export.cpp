@@ -1,4 +1,4 @@
-// quillon-export: makes something else of tunes, see --help.
+// quillon-export: converts tunes to other formats, see --help.
 
 #include "app/export_command.h"
 #include "app/export_output.h"
@@ -18,7 +18,7 @@ namespace {
 using namespace quillon;
 namespace fs = std::filesystem;
 
-std::unique_ptr<Renderer> renderer;  // goes before main ends, while its library still stands
+std::unique_ptr<Renderer> renderer;  // reset before main ends, while its library is loaded
 
 /// The renderer, loaded when a format first needs it.
 Renderer& TheRenderer()
@@ -42,7 +42,7 @@ bool ShowsRealFonts(const std::string& format)
     return format == "pdf" || format == "svg" || format == "png";
 }
 
-/// What `format` makes of a tune: the bytes of one file, or of one file a page.
+/// A tune in the given format: the bytes of one file, or of one file per page.
 std::vector<std::string> MakeFiles(const ExportCommand& command, const std::string& path)
 {
     const std::string& format = command.Format;
@@ -81,8 +81,8 @@ void ShowProgress(double part)
               << static_cast<int>(part * 100) << "%" << (part >= 1 ? "\r\x1b[K" : "") << std::flush;
 }
 
-// Sound takes seconds to render, with a large file under way. Who stops the command then stops the
-// rendering, so that the file is removed, and with it the command.
+// Sound takes seconds to render, with a large file in progress. Stopping the command then stops the
+// rendering first, so that the file is removed.
 
 volatile std::sig_atomic_t stopSignal = 0;
 
@@ -94,7 +94,7 @@ void HeedStopSignals()
         struct sigaction action = {};
         sigaction(signal, nullptr, &action);
         if (action.sa_handler == SIG_IGN)
-            continue;  // as nohup wants it
+            continue;  // as nohup asks for
         action.sa_handler = [](int number) { stopSignal = number; };
         sigaction(signal, &action, nullptr);
     }
@@ -129,7 +129,7 @@ void Export(const ExportCommand& command, const std::string& path, const std::st
         inUse.Add(name, path);
 }
 
-/// Runs what is done with one tune. A failure is told on standard error.
+/// Processes one tune. A failure is reported on standard error.
 template <typename Work> bool Try(const std::string& path, Work work)
 {
     try {
@@ -183,7 +183,7 @@ ExportedTune Load(const ExportCommand& command, const std::string& path)
     return ExportedTune(path, command.Options, metrics);
 }
 
-/// What the bytes of a tune's file tell; nothing if it cannot be read.
+/// What the bytes of a tune's file show; nothing if it cannot be read.
 std::vector<Finding> CheckFile(const std::string& path)
 {
     std::string bytes;
@@ -195,7 +195,7 @@ std::vector<Finding> CheckFile(const std::string& path)
     return CheckTexts(bytes);
 }
 
-/// Prints what is wrong with each tune. False when there is anything.
+/// Prints the problems of each tune. False if there are any.
 bool CheckAll(const ExportCommand& command)
 {
     bool clean = true;
@@ -215,7 +215,7 @@ bool CheckAll(const ExportCommand& command)
     return clean;
 }
 
-/// Prints in which order the measures of each tune are played, a line each.
+/// Prints the order in which the measures of each tune are played, one line per tune.
 bool OrderAll(const ExportCommand& command)
 {
     bool allDone = true;

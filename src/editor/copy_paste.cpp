@@ -1,4 +1,4 @@
-// Copying and pasting measures by way of a buffer file, which outlives the tune in the table.
+// Copying and pasting measures through a buffer file, which outlives the tune in the table.
 
 #include "editor/editor.h"
 
@@ -57,7 +57,7 @@ void Editor::mnuPaste()
         PasteBehindMeasure();
 }
 
-/// Reads the next record behind CurNote. Measures are numbered by counting head records.
+/// Reads the next record after CurNote. Measures are numbered by counting head records.
 void Editor::PasteRecord(ItemReader& reader)
 {
     ++tune.CurNote;

@@ -1,7 +1,7 @@
 // The measure editor: keys, clicks and edit commands become records of the note table.
 //
-// Each handler bears the name of its control or menu command and is the only place where its rule
-// stands. Handlers run one at a time, to their end. A handler that needs a record past the end of
+// Each handler has the name of its control or menu command and is the only place that holds its
+// rule. Handlers run one at a time, to their end. A handler that needs a record beyond the end of
 // the table ends in a subscript Fault; there is no other message for a full table.
 
 #pragma once
@@ -42,7 +42,7 @@ public:
 
     // Focus. A control that has the focus already gets no second event.
     void SetFocus(Control control);
-    void Activate();  // the main form has become the active one again
+    void Activate();  // the main form has become active again
 
     // Navigation
     void ShowMeasure(int number);  // as stepping to it in review would show it
@@ -55,7 +55,7 @@ public:
     /// Click on button 1..11.
     void Toolbar1(int button);
 
-    /// Makes button `code` the only one that is down; a code without a button puts all up.
+    /// Presses button `code` and releases all others; a code without a button releases all.
     void SetToolbarValue(int code);
 
     // StaffBox. Key down comes before key press, and both happen for Enter and Backspace.

@@ -1,8 +1,8 @@
 // The main form as a value: the editing state, and what its controls show.
 //
 // The handlers read and write these fields; whoever shows the form (the window, the scripted
-// player) copies them to the screen after each event. That is why no handler knows a toolkit. The
-// labels that a redraw writes stand in MeasureView.
+// player) copies them to the screen after each event, so no handler knows a toolkit. The
+// labels that a redraw writes are in MeasureView.
 
 #pragma once
 
@@ -36,14 +36,14 @@ struct ParkedTail {
     /// The same as they stood in the table: a text with a double quote does not come back from
     /// Bytes.
     std::vector<NoteRecord> Records;
-    int RecordsBack = 0;  // how many of them stand in the table again
+    int RecordsBack = 0;  // how many of them are back in the table
 
     bool operator==(const ParkedTail&) const = default;
 };
 
 struct MainForm : EditingState {
     ParkedTail Parked;
-    bool Discarded = false;  // No was the answer to the save question
+    bool Discarded = false;  // the answer to the save question was No
     int Openings = 0;        // how many tunes were begun or opened so far
     int Writes = 0;          // how many times a tune was written to its file
 

@@ -94,7 +94,7 @@ void Editor::mnuBegDoubBar()
     ToggleBar(kBeginDoubleBar);
 }
 
-/// Removes whatever bar sign the measure has; sets `code` only where there was none.
+/// Removes whatever bar sign the measure has; sets `code` only if there was none.
 void Editor::ToggleBar(std::string_view code)
 {
     form.Saved = SavedState::Unsaved;
@@ -152,7 +152,7 @@ void Editor::mnuDSfine()
     ToggleSign(kDsAlFine);
 }
 
-/// Sets a navigation sign in place of any other, or removes it if it is the one that stands there.
+/// Sets a navigation sign in place of any other, or removes it if the measure already has it.
 void Editor::ToggleSign(std::string_view code)
 {
     form.Saved = SavedState::Unsaved;

@@ -12,13 +12,13 @@ namespace quillon {
 namespace {
 
 // Clicks, in points
-constexpr int kSignatureEndX = 18;  // the figures of the time signature stand left of it
-constexpr int kEndOfNoteX = 18;     // a note reaches so far to the right of its XPos
+constexpr int kSignatureEndX = 18;  // the time signature is left of it
+constexpr int kEndOfNoteX = 18;     // how far a note extends to the right of its XPos
 
 /// The characters that go into a string's slot.
 constexpr std::string_view kFretCharacters = "0123456789-><xX^/()=";
 
-/// What the value keys make of CurValue, by its value; 0 leaves it.
+/// What each value key changes CurValue to, by its current value; 0 leaves it unchanged.
 struct ValueKeyRow {
     int plus;
     int dot;
@@ -55,7 +55,7 @@ int Editor::PlayableStringUnderCursor() const
     return s < 1 || s > tune.NumStrings ? int{tune.NumStrings} : s;
 }
 
-// Flips the cursor: an xor line, so that drawing it again takes it away.
+// Toggles the cursor: an xor line, so drawing it again removes it.
 void Editor::Timer1()
 {
     form.CaretOn = ~form.CaretOn;
@@ -283,7 +283,7 @@ void Editor::EnterFret(char character)
     form.Timer1Enabled = true;
 }
 
-/// Enter at the tune's end: the record under the cursor becomes a note of the measure.
+/// Enter at the end of the tune: the record under the cursor becomes a note of the measure.
 void Editor::CommitNote()
 {
     NoteRecord& note = Current();

@@ -77,11 +77,11 @@ void CheckOrder(const NoteRecord& first, int measureBefore, Findings& findings)
     if (measure == measureBefore || measure == measureBefore + 1)
         return;
     findings.push_back({measure, measureBefore == 0
-                                     ? "stands first, where measure 1 belongs"
-                                     : "stands behind measure " + std::to_string(measureBefore)});
+                                     ? "comes first instead of measure 1"
+                                     : "comes after measure " + std::to_string(measureBefore)});
 }
 
-/// Any lower figure but 4 counts as 8.
+/// Any lower number other than 4 counts as 8.
 void CheckBeats(const NoteRecord& head, int ticks, bool lastMeasure, Findings& findings)
 {
     const int ticksPerBeat = TicksPerBeat(head.BeatUnit);
@@ -165,11 +165,11 @@ void CheckDs(const Tune& tune, Findings& findings)
         const std::string& sign = head.Slot(1);
         signMet = signMet || sign == kSign;
         if (!signMet && (sign == kDs || sign == kDsAlCoda || sign == kDsAlFine))
-            findings.push_back({head.Measure, "has a D.S. but no Sign stands before it"});
+            findings.push_back({head.Measure, "has a D.S. but no Sign before it"});
     });
 }
 
-/// A walk through the tune that makes no sound.
+/// A silent walk through the tune.
 struct Rehearsal {
     explicit Rehearsal(Tune& theTune) : tune(theTune) {}
 
@@ -179,7 +179,7 @@ struct Rehearsal {
     Performance performance{tune, silence, unused};
 };
 
-/// What a head's signs come to in the performance.
+/// What a head's signs lead to in the performance.
 struct Reached {
     bool Ending = false;  // played on the pass that its bracket is for
     bool Coda = false;    // jumped to
@@ -254,9 +254,10 @@ std::vector<Finding> CheckTexts(std::string_view fileBytes)
             measure = MeasureOf(lines[i]);
         const std::size_t mostItems = wholeRecords ? kItemsOfLine[place] : std::string_view::npos;
         if (!IsFaithful(lines[i], mostItems, i + 1 == lines.size()))
-            findings.push_back({measure, i < kLinesOfRecord
-                                             ? "the title, a credit or a font holds a double quote"
-                                             : "a text holds a double quote"});
+            findings.push_back(
+                {measure, i < kLinesOfRecord
+                              ? "the title, a credit or a font contains a double quote"
+                              : "a text contains a double quote"});
     }
     return findings;
 }

@@ -1,7 +1,7 @@
 // What is wrong with a tune: what its file cannot hold, what its measures do not add up to, what
 // its repeats and signs never reach, and what fits no page.
 //
-// None of it hinders a tune from being opened. A check finds what the eye and the ear would find
+// None of it prevents a tune from being opened. A check finds what the eye and the ear would find
 // later, and changes nothing but the tune's CurNote and the pages.
 
 #pragma once
@@ -17,7 +17,7 @@
 
 namespace quillon {
 
-/// Frets above this one are taken for typing errors: the longest necks have 24.
+/// Frets above this one are assumed to be typing errors: the longest necks have 24.
 constexpr int kHighestFret = 24;
 
 struct Finding {
@@ -28,16 +28,16 @@ struct Finding {
     std::string Text() const;
 };
 
-/// What only the bytes of the tune's file tell: that there are none, and texts with a double quote.
+/// What only the bytes of the tune's file show: an empty file, and texts with a double quote.
 /// Nothing escapes those, so what was read of them is not what was written.
 std::vector<Finding> CheckTexts(std::string_view fileBytes);
 
 /// Records out of order, measures that do not add up to their time signature (the last may be
-/// short), strings and frets that the instrument has not.
+/// short), strings and frets that the instrument does not have.
 std::vector<Finding> CheckRecords(const Tune& tune);
 
 /// Repeats without a partner, D.S. without a Sign. A repeat sign before any repeat start has the
-/// tune's beginning for a partner.
+/// tune's beginning as its partner.
 std::vector<Finding> CheckSigns(const Tune& tune);
 
 /// Endings, Codas and Fines that the performance does not reach, and what stops it or keeps it from

@@ -83,7 +83,7 @@ void Scenario::Press(std::string_view name)
         PressButton(ControlNamed(name));
 }
 
-/// Clicks a button, which takes the focus first. Labels answer no click.
+/// Clicks a button, which takes the focus first. Labels ignore clicks.
 void Scenario::PressButton(Control button)
 {
     if (button == Control::None || (button == Control::cmdRefresh && !win.form.cmdRefreshEnabled))

@@ -14,7 +14,7 @@ namespace quillon {
 
 class Scenario : public Script {
 public:
-    /// The program has started without a command line. Tuning files lie in `programFolder`.
+    /// The program has started without a command line. Tuning files are in `programFolder`.
     Scenario(std::string programFolder, std::ostream& output);
 
     MainWin& Window() { return win; }

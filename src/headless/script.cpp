@@ -134,7 +134,7 @@ bool Script::Play(std::string_view line)
     return !Ended();
 }
 
-/// False for a command that means nothing.
+/// False for an unknown command.
 bool Script::Run(std::string_view command, const std::string& text)
 {
     if (command == "type") {

@@ -1,6 +1,6 @@
 // Scripts of keys, clicks and commands: reads their lines and prints what they ask for.
 //
-// On what a script is played is a derived class's: the handlers themselves, or the real window.
+// A derived class decides what a script is played on: the handlers themselves, or the real window.
 
 #pragma once
 

@@ -7,7 +7,7 @@ namespace quillon {
 
 namespace {
 
-// A real number is a whole one, twice its value, or 1 and its eight bytes.
+// A real number is stored as twice its value if it is whole, else as 1 and its eight bytes.
 constexpr std::uint64_t kEightBytes = 1;
 constexpr double kLargestWhole = 1e9;
 

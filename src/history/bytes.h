@@ -1,4 +1,4 @@
-// The bytes of deltas: numbers in as few bytes as they need, texts behind their length.
+// The bytes of deltas: numbers in as few bytes as they need, texts after their length.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-/// Bytes that are no delta, or one that does not lead from the moment at hand.
+/// Bytes that are not a delta, or a delta that does not start at the current moment.
 class DamagedDelta : public std::runtime_error {
 public:
     DamagedDelta() : std::runtime_error("damaged delta") {}
@@ -30,7 +30,7 @@ private:
     std::string bytes;
 };
 
-/// Reads what ByteWriter has written. Whatever cannot have been written by it is a DamagedDelta.
+/// Reads what ByteWriter has written. Anything that it cannot have written is a DamagedDelta.
 class ByteReader {
 public:
     explicit ByteReader(std::string_view theBytes) : bytes(theBytes) {}

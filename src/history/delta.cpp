@@ -9,7 +9,7 @@ namespace quillon {
 
 namespace {
 
-/// What a part of a delta is about. The numbers stand in journals.
+/// What a part of a delta is about. The numbers appear in journals.
 enum Part : unsigned {
     kFields = 1,
     kRecords = 2,
@@ -81,8 +81,8 @@ void ApplyFields(ByteReader& bytes, Direction direction, Moment& moment)
 
 // The table
 
-/// Whether a change of a record is somebody's work. A button that is pressed on the free record
-/// leaves its value there: that is a choice, and no note yet.
+/// Whether a change of a record is the user's work. A button that is pressed on the free record
+/// leaves its value there: that is a choice, not yet a note.
 bool IsWork(int index, const NoteRecord& before, const NoteRecord& after)
 {
     const bool used = index == 0 || before.Measure != 0 || after.Measure != 0;

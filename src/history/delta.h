@@ -1,8 +1,8 @@
 // A delta: what differs between one moment and the next, as bytes.
 //
-// It holds each changed value as it was and as it became, so it leads both ways. The same bytes
-// stand in the history and in the journal. Applied to a moment that it does not lead from, or
-// damaged, it is refused; so a wrong tune never comes of one.
+// It holds each changed value before and after, so it works in both directions. The same bytes
+// are in the history and in the journal. Applied to a moment that it does not start from, or
+// damaged, it is rejected, so it never produces a wrong tune.
 
 #pragma once
 
@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-/// What a delta changes, as far as it tells a step from moving about.
+/// What a delta changes, as far as it distinguishes a step from moving about.
 struct Changes {
     bool Work = false;      // a record's, but for what a redraw works out anew
     int Record = -1;        // the record in which it is
@@ -31,7 +31,7 @@ std::string TakeDelta(const Values& live, const Scratch& scratch, Moment& last, 
 
 enum class Direction { Forward, Backward };
 
-/// Goes along a delta. A DamagedDelta leaves the moment in between.
+/// Applies a delta. A DamagedDelta leaves the moment half changed.
 void Apply(std::string_view delta, Direction direction, Moment& moment);
 
 }  // namespace quillon

@@ -8,10 +8,10 @@ namespace quillon {
 
 namespace {
 
-/// Moving about that takes more than this is put together into one delta.
+/// Moving about that takes more than this is merged into one delta.
 constexpr std::size_t kLongMoving = 32'000;
 
-/// The deltas of a list, each of which stands behind its length.
+/// The deltas of a list, each after its length.
 std::vector<std::string_view> Split(std::string_view deltas)
 {
     std::vector<std::string_view> list;
@@ -146,7 +146,7 @@ void History::Observe(Input input, std::string_view name)
         open = {};
 }
 
-/// Looks whether a tune was begun or opened, and keeps what of its work is in its file.
+/// Checks whether a tune was begun or opened, and keeps the work that is in its file.
 bool History::TakeWritten()
 {
     const MainForm& form = program.Form;
@@ -196,7 +196,7 @@ void History::Append(std::string_view delta, bool moving)
         return;
     }
     if (position == 0)
-        return;  // nothing ever goes back there
+        return;  // nothing ever goes back to it
     const std::size_t size = step.Deltas.size();
     step.Deltas += BehindItsLength(delta);
     step.Moving = moving ? step.Moving + step.Deltas.size() - size : 0;
@@ -252,7 +252,7 @@ void History::Redo(int count)
         step->Detour.clear();
 }
 
-/// Goes to a moment at which step `at` is the one done last.
+/// Goes to a moment at which step `at` is the last one done.
 void History::Arrive(Moment moment, int at)
 {
     moment.PutBack(program);

@@ -1,13 +1,13 @@
-// Undo and redo: every moment that a step began in can be had back.
+// Undo and redo: every moment in which a step began can be restored.
 //
-// Handlers know nothing of it. After each event, whoever runs events tells it to look: it compares
-// the program with the moment after the event before, and keeps what differs as a delta. Deltas
-// form one unbroken chain. A step holds all that happened until the next one began, so moving
-// about is put back with the step that it followed.
+// Handlers know nothing about it. After each event, whoever runs events tells it to look: it
+// compares the program with the moment after the previous event, and keeps the difference as a
+// delta. Deltas form one unbroken chain. A step holds all that happened until the next one began,
+// so moving about is undone together with the step that it followed.
 //
-// What makes a step goes by the values alone. One begins when a tune is begun or opened, when a
-// text mode is entered, and when a record changes (but for XPos, Spacing and BeamCode, which a
-// redraw works out anew), the name, the instrument, fonts or margins. What is being typed goes on
+// What counts as a step depends on the values alone. One begins when a tune is begun or opened,
+// when a text mode is entered, and when a record changes (but for XPos, Spacing and BeamCode, which
+// a redraw works out anew), the name, the instrument, fonts or margins. What is being typed goes on
 // in the step that is open: the strings of a note up to Enter or to another note, a text until its
 // mode ends, page setup until the form closes.
 
@@ -28,14 +28,14 @@ class History {
 public:
     explicit History(const Values& program);
 
-    /// Before an event: takes in what has happened between events, as the blinking caret.
+    /// Before an event: takes in what has changed between events, such as the blinking caret.
     void Begin();
 
     /// After an event. `name` is what a step that begins with it is called.
     void Observe(Input input, std::string_view name);
 
-    /// Go back, and forth again, by up to `count` steps. A scratch file that cannot be put back is
-    /// a path/file-access Fault, and nothing has happened.
+    /// Go back, and forward again, by up to `count` steps. A scratch file that cannot be restored
+    /// is a path/file-access Fault, and nothing has changed.
     void Undo(int count = 1);
     void Redo(int count = 1);
 
@@ -49,7 +49,7 @@ public:
     /// The moment after the last event. At a fault: the one before the event that failed.
     const Moment& Last() const { return last; }
 
-    /// Whether the table is another than its file has: as last saved, opened or begun.
+    /// Whether the table differs from its file: as last saved, opened or begun.
     bool Changed() const { return WorkBytes(program.Music) != written.back(); }
 
     /// How many bytes the steps take.

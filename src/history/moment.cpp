@@ -33,7 +33,7 @@ const ScratchBytes& ScratchFile::Read(const char* name, bool anyway)
         if (!missing)
             bytes = ReadFileBytes(name);
     } catch (const Fault&) {
-        // what cannot be read is no tail that was parked
+        // what cannot be read is not a parked tail
     }
     return bytes;
 }

@@ -1,8 +1,8 @@
 // A moment: everything that decides what the editor does next, and what it shows, as one value.
 //
-// What stands on disk for itself is no part of it (tunes, settings, tunings, the copy buffer), nor
-// is `Saved`, which tells about the disk. The scratch files of parked tails are: they come and go
-// with the state that refers to them. Page view, marquee and the forms beside the main one look on
+// What has a file of its own is not part of it (tunes, settings, tunings, the copy buffer), nor
+// is `Saved`, which is about the disk. The scratch files of parked tails are: they come and go
+// with the state that refers to them. Page view, marquee and the other forms only look on
 // and are left alone.
 
 #pragma once
@@ -36,7 +36,7 @@ struct Values {
 };
 
 /// The fields of a moment but for the table, the picture and the parked tail. A field is known by
-/// its place in this list, also in journals: new ones go to the end.
+/// its place in this list, in journals too: new ones go at the end.
 inline auto FieldsOf(const Values& v)
 {
     Tune& tune = v.Music;
@@ -69,7 +69,7 @@ inline auto FieldsOf(const Values& v)
 
 inline constexpr std::array kScratchFiles{kInsertScratch, kPasteScratch};
 
-/// The bytes of a scratch file, nothing when it is not there.
+/// The bytes of a scratch file, nothing if it is missing.
 using ScratchBytes = std::optional<std::string>;
 using Scratch = std::array<ScratchBytes, kScratchFiles.size()>;
 
@@ -92,7 +92,7 @@ struct Moment {
         return {Music, Form, StaffBox, EndBarX, lblMeasNum, lblLastNote, hdbkbox, Page, CurTuning};
     }
 
-    /// Whether the program can go on from here: what handlers take for granted holds.
+    /// Whether the program can go on from here: the invariants that handlers rely on hold.
     bool IsSound() const;
 
     /// Brings the program to this moment, and the scratch files on disk. A path/file-access Fault
@@ -100,7 +100,7 @@ struct Moment {
     void PutBack(const quillon::Values& live);
 };
 
-/// A scratch file, read again when it has changed.
+/// A scratch file, reread when it has changed.
 class ScratchFile {
 public:
     /// `anyway`: it may have been written twice within one tick of the disk's clock.
@@ -111,8 +111,8 @@ private:
     std::filesystem::file_time_type written;
 };
 
-/// What of the table is somebody's work: all that a tune file holds but for the fields that a
-/// redraw works out anew.
+/// The part of the table that is the user's work: all that a tune file holds except the fields that
+/// a redraw works out anew.
 std::string WorkBytes(const Tune& tune);
 
 }  // namespace quillon

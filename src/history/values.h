@@ -1,4 +1,4 @@
-// The types of what a delta holds: how each is written and read, and the fields of structures.
+// The types in a delta: how each is written and read, and the fields of structures.
 
 #pragma once
 
@@ -117,7 +117,7 @@ inline bool IsIn(std::uint64_t mask, std::size_t place)
     return (mask >> place & 1) != 0;
 }
 
-/// A structure by what tells it from another one.
+/// A structure as its differences from another one.
 template <typename Structure> void PutLike(ByteWriter& bytes, Structure value, Structure like)
 {
     const std::uint64_t mask = MaskOf(FieldsOf(value), FieldsOf(like));

@@ -1,7 +1,7 @@
 // Standard MIDI Files of format 1, written track by track.
 //
 // The file grows in memory. It reaches the disk complete, by CloseFile, or not at all. Every event
-// bears its status byte: running status saves a few bytes and troubles simple readers.
+// has its status byte: running status saves a few bytes but confuses simple readers.
 
 #pragma once
 
@@ -17,16 +17,16 @@ public:
     /// Starts a new file with its first track.
     void BeginFile();
 
-    /// Adds a channel message to the track. Data bytes are held to 0..127; a message of one data
-    /// byte (program change, channel pressure) drops `data2`. `delta` is the time in ticks since
-    /// the track's previous event; one beyond 28 bits, the most a file can hold, is an overflow
-    /// Fault.
+    /// Adds a channel message to the track. Data bytes are clamped to 0..127; a message with one
+    /// data byte (program change, channel pressure) drops `data2`. `delta` is the time in ticks
+    /// since the track's previous event; one beyond 28 bits, the most a file can hold, is an
+    /// overflow Fault.
     void WriteEvent(int status, int data1, int data2, int delta);
 
-    /// Adds a Set Tempo event, in microseconds to the quarter note.
+    /// Adds a Set Tempo event, in microseconds per quarter note.
     void WriteTempo(int microseconds);
 
-    /// Ticks to the quarter note, 1..32767.
+    /// Ticks per quarter note, 1..32767.
     void SetDivision(int ticks) { division = ticks; }
 
     /// Ends the track and starts the next.
@@ -35,7 +35,7 @@ public:
     /// Ends the last track.
     void FinishTracks();
 
-    /// Puts the finished file in place of whatever stands there. A path/file-access Fault on
+    /// Puts the finished file in place of whatever is there. A path/file-access Fault on
     /// failure, which leaves nothing behind.
     void CloseFile() const;
 

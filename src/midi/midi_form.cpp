@@ -146,7 +146,7 @@ void MidiForm::CreateFile()
         Delete(path);
     }
     controls.txtFile = path;
-    Changed();  // a build that fails shows the name behind its box
+    Changed();  // if the build fails, the name is visible behind the message box
     Sound sound;
     sound.Tempo = controls.HSlider1;
     sound.Instrument = controls.Combo2Index;

@@ -1,5 +1,5 @@
 // frmBldMidi, the MIDI playback unit: tuning, instrument, tempo and capo, the file that is built
-// of the tune, and the player for it.
+// from the tune, and the player for it.
 //
 // The form as a value with its handlers, without a toolkit. Whoever shows it copies `controls` to
 // the screen after each event, and after OnChange.
@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-constexpr int kMidiFile = 0;  // FType: a file beside the tune, kept by the user
+constexpr int kMidiFile = 0;  // FType: a file next to the tune, for the user to keep
 constexpr int kPlayFile = 1;  // FType: a scratch file in the program's own folder
 
 /// The controls as they stand when the form is made. Each is what the control of that name shows.
@@ -61,7 +61,7 @@ public:
     /// the event has ended.
     std::function<void()> OnChange;
 
-    /// Opens the form, unless it is open. On a machine without working sound a box says so, and
+    /// Opens the form, unless it is open. If sound does not work, a box says so, and
     /// the program ends.
     void Show();
     void Unload();

@@ -13,7 +13,7 @@ void MidiSetup::Show()
     const int count = ports.Count();
     for (int i = -1; i < count; ++i)
         ComboMidiOut.push_back(ports.Name(i));
-    // A device that is gone gives way to the default one.
+    // If the device is gone, the default one is used.
     const double device = Val(page.MidiDevice);
     ComboMidiOutIndex = device >= -1 && device <= count - 1 ? Round(device) + 1 : 0;
 }

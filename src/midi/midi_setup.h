@@ -1,5 +1,5 @@
-// frmMidiSetup: chooses a MIDI output device. The choice is kept and shown; the tune is played by
-// the program's own synthesizer whatever it is.
+// frmMidiSetup: chooses a MIDI output device. The choice is stored and shown, but the tune is
+// always played by the program's own synthesizer.
 
 #pragma once
 

@@ -103,7 +103,7 @@ void Performance::Walk(const std::function<void()>& takeRecord)
     }
 }
 
-/// A walk that goes on for ever comes back to some record in a state in which it was there before.
+/// An endless walk comes back to some record in a state in which it was there before.
 void Performance::NoteArrival(int previous)
 {
     if (tune.CurNote <= previous && !arrivals.emplace(tune.CurNote, way).second)
@@ -187,7 +187,7 @@ void Performance::TakeSign()
     }
 }
 
-/// Starts after the present head: a Coda that stands on it is missed.
+/// Starts after the current head, so a Coda on it is missed.
 void Performance::SkipToCoda()
 {
     const std::string from = MeasureText(Record());
@@ -239,7 +239,7 @@ void Performance::PlayCell()
     const bool twoNotes = separator != std::string::npos && separator + 1 < cell.size();
 
     Int16 pitch = PitchOf(cell);
-    // The banjo's short string starts at its fifth fret, and its frets count as the neck's.
+    // The banjo's short string starts at the fifth fret, and its frets are numbered as on the neck.
     if (tune.NumStrings == 5 && TrackString == 5 && ValUnsigned(cell) > 5)
         pitch -= 5;
     if (!tied && pitch > 0) {

@@ -2,8 +2,8 @@
 // a track of what that string plays.
 //
 // The walk follows repeats, numbered endings and the D.S., D.C., Coda and Fine signs. Where it
-// goes depends on head records alone, so all strings make the same journey. Times are in ticks,
-// of which a quarter note has as many as there are beats to the minute.
+// goes depends on head records alone, so all strings take the same path. Times are in ticks,
+// of which a quarter note has as many as there are beats per minute.
 
 #pragma once
 
@@ -25,7 +25,7 @@ inline int TicksAt(int quarter, int noteCode)
     return quarter * TicksOf(noteCode) / kTicksPerQuarter;
 }
 
-/// The repeats and signs lead the walk round in a circle.
+/// The repeats and signs lead the walk in an endless loop.
 class NeverEnding : public std::runtime_error {
 public:
     NeverEnding();
@@ -34,7 +34,7 @@ public:
 /// A measure that the walk enters.
 struct PlayedMeasure {
     int Head;               // its head record
-    int Pass = 0;           // through the present repeat; 0 if its signs are passed over unread
+    int Pass = 0;           // through the current repeat; 0 if its signs are skipped unread
     bool FromCoda = false;  // the jump to the Coda was taken at this head
     bool FineMode = false;  // a Fine here ends the performance
 };
@@ -64,7 +64,7 @@ private:
     struct Journey {
         int RepeatStart = 1;         // record that a repeat goes back to
         int SegnoHead = 1;           // head that holds the Sign
-        int PassNumber = 1;          // pass through the present repeat
+        int PassNumber = 1;          // pass through the current repeat
         int EndingNumber = 1;        // ending in force
         bool RepeatPending = false;  // what is pending happens at the next head
         bool DsPending = false;
@@ -113,7 +113,7 @@ private:
 };
 
 /// Makes the whole file in `writer`, all but CloseFile: the tempo track and a track for each
-/// string. A Fault says in its explanation which measure is the matter.
+/// string. A Fault's explanation says which measure is at fault.
 void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer);
 
 /// The MIDI file that the MIDI form would write of `tune`, as bytes. The tuning is kept with the

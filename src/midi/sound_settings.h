@@ -1,4 +1,4 @@
-// How a tune shall sound: the instruments and ranges to choose from, and what was chosen.
+// How a tune should sound: the instruments and ranges to choose from, and what was chosen.
 
 #pragma once
 
@@ -21,7 +21,7 @@ std::span<const char* const> InstrumentNames();
 
 /// What the performance is built with.
 struct Sound {
-    Int16 Tempo;         // beats per minute, and ticks to the quarter note
+    Int16 Tempo;         // beats per minute, and ticks per quarter note
     int Instrument = 0;  // General MIDI program, from 0
 
     /// MIDI note numbers with the capo, string 1 first.
@@ -41,7 +41,7 @@ void KeepTuning(Tune& tune, int row);
 /// Pitches of the open strings under a capo. Past 16 bits: an overflow Fault.
 std::array<Int16, kStringSlots> OpenPitches(const TuningRecord& tuning, int capo);
 
-/// Choices made outside the MIDI form; what is left open, the tune and the defaults decide.
+/// Choices made outside the MIDI form; the tune and the defaults decide what is left open.
 struct SoundChoices {
     std::optional<int> Tempo;
     std::optional<int> Tuning;  // row

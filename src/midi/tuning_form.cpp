@@ -74,7 +74,7 @@ void TuningForm::cmdDelete()
 {
     if (Count() == 1)
         return;
-    // One row past the last tuning moves down too: a full list is past its end there.
+    // One row beyond the last tuning moves down too; with a full list, that is beyond its end.
     for (int i = Combo1Index + 1; i <= Count(); ++i)
         tunings[i - 1] = tunings[i];
     Combo1.erase(Combo1.begin() + Combo1Index);

@@ -1,6 +1,6 @@
 // The tuning forms Guitar, banjo and bass: they edit the list of tunings of their instrument.
 //
-// One form as a value with its handlers, without a toolkit; what differs stands in a table. A form
+// One form as a value with its handlers, without a toolkit; what differs is in a table. A form
 // reads its file when it opens, and only cmdSave writes it.
 
 #pragma once

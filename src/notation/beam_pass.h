@@ -1,4 +1,4 @@
-// The beam pass: which beams and flags the notes of a measure have.
+// The beam pass: decides which beams and flags the notes of a measure have.
 //
 // It runs over the notes of a measure from left to right and writes their BeamCode: that of the
 // note at hand and, as a group grows, that of the notes before it.
@@ -39,7 +39,7 @@ private:
 
     // Of the group
     int BeamNotes = 0;   // notes of the present triplet
-    int BeamHalves = 0;  // eighths in a row; four of them are parted
+    int BeamHalves = 0;  // eighths in a row; a group of four is split
     int BeamRun = 0;     // notes of the group
     int BeamPrev = 0;    // record of its last note, 0 if none
 };

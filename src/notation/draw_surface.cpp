@@ -91,7 +91,7 @@ void DrawSurface::Print(std::string_view text)
         Operation op = Make(Shape::Text, CurrentX, CurrentY);
         op.Text = text;
         op.TextFont = Font;
-        op.Width = 1;  // text knows no pen
+        op.Width = 1;  // a pen width means nothing for text
         op.Style = PenStyle::Solid;
         drawing.Add(std::move(op));
     }

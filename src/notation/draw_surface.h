@@ -1,8 +1,8 @@
 // What the measure view, the page layout and printing draw on.
 //
-// A surface has a pen, a font and a text cursor, and records what is drawn as a Drawing. How wide
-// a text is, it asks its TextMetrics: the real fonts' in the window and on paper, fixed ones in
-// logs and tests.
+// A surface has a pen, a font and a text cursor, and records what is drawn as a Drawing. It gets
+// the width of a text from its TextMetrics: the real fonts' in the window and on paper, fixed ones
+// in logs and tests.
 
 #pragma once
 
@@ -69,7 +69,7 @@ public:
 
     double TextWidth(std::string_view text) const;
 
-    /// Prints at the cursor, which stays on the line behind the text.
+    /// Prints at the cursor, which moves to the end of the text.
     void Print(std::string_view text);
 
     /// Prints at the cursor, which goes to x 0 of the next text line.
@@ -95,7 +95,7 @@ private:
     Drawing drawing;
 };
 
-/// A number as it is printed: a blank before it and a blank behind.
+/// A number as it is printed: with a blank before and after it.
 std::string PrintedInteger(int value);
 
 }  // namespace quillon

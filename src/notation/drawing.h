@@ -1,6 +1,6 @@
 // A drawing as a value: the list of what was drawn, in order.
 //
-// The window paints it, the printer prints one a page, pictures and the clipboard are made from
+// The window paints it, the printer prints one per page, pictures and the clipboard are made from
 // it, and its text form is the drawing log. A page keeps its drawing while hidden because it is a
 // value.
 
@@ -74,7 +74,7 @@ public:
     /// anew.
     unsigned Revision() const { return revision; }
 
-    /// The drawing as text, one operation a line.
+    /// The drawing as text, one operation per line.
     std::string Log() const;
 
 private:

@@ -61,7 +61,7 @@ void LineFurniture::DrawAboveMeasure(int n)
     }
 }
 
-/// A line has one top row, however many items stand in it.
+/// A line has one top row, however many items are in it.
 void LineFurniture::NeedTopRow()
 {
     if (TopRowUsed)
@@ -110,7 +110,7 @@ void LineFurniture::PrintRemark(int n)
     }
 }
 
-/// Sets a text to end behind the measure's last column, by its width in the main form's own font.
+/// Right-aligns a text after the measure's last column, by its width in the main form's own font.
 void LineFurniture::PrintAtMeasureEnd(int n, std::string_view text)
 {
     int w = n;

@@ -1,4 +1,4 @@
-// Line furniture: everything of a line on the page that belongs to no single note.
+// Line furniture: everything in a line of the page that does not belong to a single note.
 //
 // From top to bottom: the row of repeat brackets, navigation signs and remarks, the chord row, the
 // staff, time signatures and bars. PenY comes in at the top of the line and goes out at its first

@@ -11,7 +11,7 @@ namespace quillon {
 
 namespace {
 
-// Where things stand on StaffBox, in points.
+// Where things are on StaffBox, in points.
 constexpr int kSignatureX = 2;
 constexpr int kRemarkY = 4;
 constexpr int kTopRowY = 12;  // chords, signs, the text of a repeat bracket
@@ -25,7 +25,7 @@ constexpr int kFlagRise = 18;  // above the stem's lower end, as letters of the 
 constexpr int kBeamGap = 3;    // between main and second beam
 constexpr int kStub = 5;       // length of a stub of the second beam
 
-// Triplet brackets: how far behind the stem the gap for the 3 begins, and where they end. The long
+// Triplet brackets: how far after the stem the gap for the 3 begins, and where they end. The long
 // one is that of quarters.
 constexpr int kTripletGapX = 9;
 constexpr int kLongTripletGapX = 15;
@@ -226,7 +226,7 @@ void MeasureView::DrawNote()
     tickCount += TicksOf(code);
 }
 
-/// A rhythm slash always stands on the third string, in the table too: docs/kept_behaviour.md, "The
+/// A rhythm slash is always on the third string, in the table too: docs/kept_behaviour.md, "The
 /// measure view".
 void MeasureView::MoveSlash(NoteRecord& note)
 {

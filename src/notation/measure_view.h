@@ -1,9 +1,9 @@
 // The measure view: one measure of the tune, drawn large on StaffBox.
 //
-// RedrawMeasure is more than a painter. In passing it derives Spacing, XPos and BeamCode of the
+// RedrawMeasure is more than a painter. Along the way it derives Spacing, XPos and BeamCode of the
 // measure's notes, and the editor goes on from MeasCapacity, MeasFill, EndBarX, CurBeats and
-// CurBeatUnit as it leaves them. All coordinates are points; the staff lines are standing objects
-// of the window and no part of the drawing.
+// CurBeatUnit as it leaves them. All coordinates are points; the staff lines are permanent objects
+// of the window and not part of the drawing.
 
 #pragma once
 
@@ -27,7 +27,7 @@ constexpr int StringY(int s)
     return 28 + 8 * s;
 }
 
-/// The string that a cursor at y stands on, ties to the even one. Not limited to the strings of
+/// The string that a cursor at y is on, ties to even. Not limited to the strings of
 /// the instrument.
 inline int StringAt(int y)
 {

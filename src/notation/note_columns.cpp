@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-// Where things stand on the page, in twips.
+// Where things are on the page, in twips.
 constexpr int kStemInset = 40;  // from the x of its column
 constexpr int kStemRise = 100;  // above the line under the lowest fret
 constexpr int kFlagRise = 140;  // above the lowest staff gap of the stem

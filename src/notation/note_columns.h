@@ -1,7 +1,7 @@
-// Note columns: what belongs to each note or rest of a line on the page.
+// Note columns: what belongs to each note or rest in a line of the page.
 //
-// Fret texts with their marks, rests, stems, beams and flags, triplet brackets and hand letters,
-// column by column from left to right. Rhythm stands under the staff: stems hang down from the
+// Fret texts with their marks, rests, stems, beams and flags, triplet brackets and fingering,
+// column by column from left to right. Rhythm is shown below the staff: stems hang down from the
 // lowest string that is played. The pass also finds how far down the line reaches.
 
 #pragma once
@@ -14,7 +14,7 @@ namespace quillon {
 
 class NoteColumns {
 public:
-    /// One object serves a whole run: ties and triplets run on over the ends of lines.
+    /// One object serves a whole run: ties and triplets continue across line ends.
     explicit NoteColumns(PageLine& pageLine)
         : line(pageLine), values(pageLine.values), columns(pageLine.columns)
     {

@@ -16,8 +16,8 @@ constexpr int kHeadWidth = 2;           // width units
 constexpr int kNarrowestEnd = 4;        // width units of a line's last column, at least
 constexpr int kFirstColumnInset = 120;  // twips from the left edge
 
-// A staff that ends before the right margin: behind which x it does not, in twips, and how far it
-// runs on behind its last column, in width units
+// A staff that ends before the right margin: beyond which x it does not, in twips, and how far it
+// continues after its last column, in width units
 constexpr int kNearLineEnd = 9000;
 constexpr int kRoomBehindTune = 6;
 constexpr int kRoomBehindLongRest = 12;
@@ -165,7 +165,7 @@ void PageFormatter::SetWidth(NoteRecord& column)
         makeRoomFor(column.ChordText);
 }
 
-/// A walk that leaves the table before it finds room enough gives up, and the column stays as it
+/// A search that leaves the table before it finds enough room gives up, and the column stays as it
 /// is by then.
 void PageFormatter::MakeRoomForChords()
 {

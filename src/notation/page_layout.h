@@ -1,9 +1,9 @@
 // The page formatter: the whole tune laid out line by line, on the page surfaces or on paper.
 //
-// A line takes as many whole measures as fit, is spread, and is drawn in two passes (line
-// furniture, note columns). Nothing of it is kept: every run starts from the note table again.
-// Screen and printer run the same code; all that they do differently stands in LayoutValues.
-// Lengths are twips unless said otherwise.
+// A line takes as many whole measures as fit, is justified, and is drawn in two passes (line
+// furniture, note columns). Nothing is kept: every run starts from the note table again.
+// Screen and printer run the same code; everything that differs is in LayoutValues.
+// Lengths are twips unless stated otherwise.
 
 #pragma once
 

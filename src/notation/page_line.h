@@ -1,6 +1,6 @@
 // One line of the page while it is laid out and drawn: its columns, and the values of the layout.
 //
-// All lengths are twips unless said otherwise.
+// All lengths are twips unless stated otherwise.
 
 #pragma once
 
@@ -17,7 +17,7 @@ constexpr int kLastColumn = 80;
 constexpr int kQuarterInch = 360;
 
 /// The columns of one line, 1 to 80, as copies of the tune's records; a head is a column too. Slot
-/// 0 only bears the time signature in force before the line. Three fields have a meaning of their
+/// 0 only carries the time signature in force before the line. Three fields have a meaning of their
 /// own:
 ///
 /// XPos      x of the column on the page
@@ -48,7 +48,7 @@ struct PenWidths {
     int BlockRest;
     int Beam;
     int ForwardStub;
-    int TieIn;  // a tie that comes in from the line before
+    int TieIn;  // a tie that continues from the line before
     int Tie;
 };
 
@@ -65,10 +65,10 @@ struct LayoutValues {
     double LineDistance = 500;
     int HeadingGap = 0;  // between heading and first line
     PenWidths Pens = kScreenPens;
-    int TieInset = 20;  // taken off the radius of a note's tie
-    int TieShift = 10;  // by which that tie stands further right
+    int TieInset = 20;  // subtracted from the radius of a note's tie
+    int TieShift = 10;  // how far that tie is moved to the right
     bool CenterTitle = false;
-    bool SpreadChords = false;  // a chord may use the room of the columns behind its own
+    bool SpreadChords = false;  // a chord may use the room of the columns after its own
     int TwelveBeatsRoom = 0;    // further width units for a time signature of 12 beats
     bool SkipFaults = false;    // an operation that fails is left out, and the run goes on
 };
@@ -79,7 +79,7 @@ constexpr bool IsHandMark(char character)
     return static_cast<unsigned char>(character) > ' ';
 }
 
-/// A line, with what the passes over it hand to each other.
+/// A line, with what the passes over it pass on to each other.
 struct PageLine {
     const Tune& tune;
     const PageSettings& page;

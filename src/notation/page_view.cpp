@@ -65,7 +65,7 @@ void PageView::DrawMarquee(int index)
     Page(index).Surface.Box(MarqueeX1, MarqueeY1, MarqueeX2, MarqueeY2);
 }
 
-// A marquee that was drawn before the page was laid out anew is "taken off" all the same, and so
+// A marquee that was drawn before the page was laid out again is "removed" all the same, and so
 // leaves a box there.
 void PageView::picPage1MouseDown(int index, double x, double y)
 {

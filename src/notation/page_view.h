@@ -1,4 +1,4 @@
-// The page view: nine page surfaces of which one is shown, scrolled in a window on them.
+// The page view: nine page surfaces, one of which is shown and can be scrolled.
 //
 // A rectangle dragged on a page, the marquee, marks what mnuClipbrd copies. All lengths are twips.
 // A page keeps its drawing while hidden.
@@ -40,7 +40,7 @@ public:
     int vsbPage = 0;  // scroll bar, 0 to VsbPageMax
     int VsbPageMax = 0;
     double VsbPageHeight = 0;
-    double PicPageHeight = 0;  // the window on the pages
+    double PicPageHeight = 0;  // the visible part of the pages
     bool LargeView = false;
 
     /// Element 0..8. Any other index is a control-array Fault.
@@ -61,8 +61,8 @@ public:
     void picPage1MouseMove(int index, double x, double y, bool buttonHeld);
     void picPage1MouseUp(int index);
 
-    /// Copies what the marquee marks, without its border. A marquee that was dragged to the left
-    /// or upwards is an invalid-property-value Fault.
+    /// Copies what the marquee encloses, without its border. A marquee that was dragged to the left
+    /// or up is an invalid-property-value Fault.
     void mnuClipbrd(Clipboard& clipboard);
 
     /// Hides and clears elements 0 to 5, shows element 0.

@@ -17,7 +17,7 @@ constexpr PaperSizes kPaperSizes[] = {
     {12, 185, 120},
 };
 
-/// Another size becomes 12 for good: docs/kept_behaviour.md, "Pages and paper".
+/// Any other size becomes 12 permanently: docs/kept_behaviour.md, "Pages and paper".
 const PaperSizes& SetPaperSize(PageSettings& page)
 {
     for (const PaperSizes& sizes : kPaperSizes)

@@ -1,4 +1,4 @@
-// What stands elsewhere on a staff of four, five or six lines.
+// Positions that depend on whether a staff has four, five or six lines.
 
 #pragma once
 
@@ -11,7 +11,7 @@ struct ViewSizes {
     int UpperFigureY;
     int LowerFigureY;
 
-    // Clicks on its figures: from the first y on, up to and without the second
+    // Clicks on its numbers: from the first y up to, but not including, the second
     int UpperClickFrom;
     int UpperClickTo;
     int LowerClickFrom;
@@ -23,9 +23,9 @@ struct ViewSizes {
     int LowerDotY;
 };
 
-/// On the page, in twips if nothing else is said.
+/// On the page, in twips unless stated otherwise.
 struct PageSizes {
-    int LowerFigureRaise;  // how far the lower figure stands above its place on the larger staves
+    int LowerFigureRaise;  // how much higher the lower number is than on the larger staves
     int RestDrop;          // from the first staff line
     double UpperDot;       // of a repeat; gaps under the first staff line
     double LowerDot;

@@ -1,4 +1,4 @@
-// Boxes and dialogs: everything that asks the user or tells them something and waits.
+// Boxes and dialogs: everything that asks or tells the user something and waits.
 
 #pragma once
 
@@ -14,7 +14,7 @@ struct FontChoice {
     float Size = 0;  // points
 };
 
-/// Texts are Windows-1252, with the line ends that the box shall show; paths are the system's.
+/// Texts are Windows-1252, with the line ends that the box should show; paths are the system's.
 class Dialogs {
 public:
     virtual ~Dialogs() = default;

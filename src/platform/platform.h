@@ -1,4 +1,4 @@
-// Everything that the core asks of the platform, in one hand.
+// Everything that the core asks of the platform, in one place.
 
 #pragma once
 

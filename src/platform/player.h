@@ -14,7 +14,7 @@ public:
     /// Opens the synthesizer and the sound device; false when there is no working sound.
     virtual bool Init() = 0;
 
-    /// Stops and gives everything back. Never fails; Init may follow.
+    /// Stops and releases everything. Never fails; Init may follow.
     virtual void Close() = 0;
 
     /// Takes the file at `path` as the tune to play. An unreadable file is a Fault.
@@ -24,10 +24,10 @@ public:
     virtual void Play(bool forEver) = 0;
     virtual void Stop() = 0;
 
-    /// Factor on the file's own tempo, at once; 0 stands still and can go on. 1 after Init.
+    /// Factor on the file's own tempo, effective at once; 0 pauses. 1 after Init.
     virtual void SetTempoFactor(double factor) = 0;
 
-    /// Master volume in hundredths of a decibel, at once. 0 after Init.
+    /// Master volume in hundredths of a decibel, effective at once. 0 after Init.
     virtual void SetVolume(int hundredthsOfDecibel) = 0;
 
     /// Called on the window's thread when a tune has played to its end, not after Stop.

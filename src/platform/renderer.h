@@ -1,4 +1,4 @@
-// Pages as PDF, SVG and PNG, and MIDI files as sound: what the export command needs a toolkit for.
+// Pages as PDF, SVG and PNG, and MIDI files as sound: the exports that need a toolkit.
 
 #pragma once
 
@@ -26,7 +26,7 @@ public:
     virtual std::string Svg(const Drawing& page) const = 0;
     virtual std::string Png(const Drawing& page) const = 0;  // as the window shows it at 96 dpi
 
-    /// Writes a WAV file at `path`. `progress` hears the part done, 0..1. A std::runtime_error on
+    /// Writes a WAV file at `path`. `progress` is told the part done, 0..1. A std::runtime_error on
     /// failure, after which a part of it may be there.
     virtual void Wav(const std::string& midiBytes, const std::string& path,
                      const std::function<void(double)>& progress) const = 0;

@@ -34,7 +34,7 @@ public:
     /// Closes the main form and ends the run, without further questions.
     virtual void End() = 0;
 
-    /// The pointer shows that the program is busy, or no longer.
+    /// Shows or hides the busy pointer.
     virtual void SetWaitCursor(bool on) = 0;
 };
 

@@ -51,7 +51,7 @@ private:
     QPointer<QWidget> window;
 };
 
-/// A question of Yes and No that wants an answer: "No" may throw work away, so neither Escape nor
+/// A Yes/No question that needs an answer: "No" may discard work, so neither Escape nor
 /// the close button stands for it.
 class Question : public QMessageBox {
 public:

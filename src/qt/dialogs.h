@@ -34,7 +34,7 @@ private:
     std::optional<std::string> RunFileDialog(QFileDialog& dialog);
 
     Runner& runner;
-    QString lastFolder;  // of the file that was chosen last, before the first where to begin
+    QString lastFolder;  // of the last file chosen; at first, the folder to begin in
 };
 
 /// "Label|pattern|Label|pattern" as the toolkit's filters. A part without a pattern is a bare

@@ -85,7 +85,7 @@ EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRun
     txtRptBracket = new QLineEdit(ui->StaffBox);
     txtRptBracket->setObjectName("txtRptBracket");
     txtRptBracket->setAccessibleName("Repeat bracket");
-    txtRptBracket->setToolTip("Text of the repeat bracket, such as 1; Enter ends it");
+    txtRptBracket->setToolTip("Number of the ending, such as 1; press Enter when done");
     txtRptBracket->setAcceptDrops(false);
     txtRptBracket->hide();
     setAcceptDrops(true);
@@ -134,10 +134,10 @@ void EditorWindow::ConnectControls()
             [&](int button) { runner.Run("Note value", [&] { editor.Toolbar1(button); }); });
     ui->StaffBox->installEventFilter(this);
     connect(ui->StaffBox, &StaffView::KeyDown, this, [&](int keyCode) {
-        runner.Run("Key on the staff", [&] { editor.StaffBoxKeyDown(keyCode); });
+        runner.Run("Typing on the staff", [&] { editor.StaffBoxKeyDown(keyCode); });
     });
     connect(ui->StaffBox, &StaffView::KeyPress, this, [&](char character) {
-        runner.Run("Key on the staff", [&] { editor.StaffBoxKeyPress(character); });
+        runner.Run("Typing on the staff", [&] { editor.StaffBoxKeyPress(character); });
     });
     connect(ui->StaffBox, &StaffView::MouseDown, this, [&](double x, double y) {
         runner.Run("Click on the staff", [&] { editor.StaffBoxMouseDown(x, y); });
@@ -206,7 +206,7 @@ void EditorWindow::changeEvent(QEvent* event)
     if (focusWidget() == ui->menuBar)
         ShowForm();
     if (otherForms.TakeWasActive())
-        runner.Run("Return to the main form", [this] { win.editor.Activate(); });
+        runner.Run("Return to the main window", [this] { win.editor.Activate(); });
 }
 
 void EditorWindow::moveEvent(QMoveEvent* event)
@@ -279,7 +279,7 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::FocusIn && !showing && activated) {
         const Control control = ControlOf(watched);
         if (control != win.form.Focus)
-            runner.Run("Change of the focus", [&] { win.editor.SetFocus(control); });
+            runner.Run("Focus change", [&] { win.editor.SetFocus(control); });
     }
     // A menu's shortcut is the menu's, though a text box would take Ctrl+C.
     if (event->type() == QEvent::ShortcutOverride && watched == txtRptBracket)

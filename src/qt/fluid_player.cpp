@@ -62,7 +62,7 @@ FluidPtr<fluid_synth_t> MakeSynth(fluid_settings_t* settings)
     return synth;
 }
 
-/// Takes a copy: who is told may forget the original.
+/// Takes a copy: the callback may reset the original.
 void Tell(std::function<void()> listener)
 {
     if (listener)
@@ -124,7 +124,7 @@ void FluidPlayer::Load(const std::string& path)
 {
     const std::string midi = ReadFileBytes(path);
     if (!IsMidiFile(midi))
-        throw Fault(Error::PathFileAccess, "The file is no MIDI file.");
+        throw Fault(Error::PathFileAccess, "The file is not a MIDI file.");
     Stop();
     // The list of players has no lock: making or deleting one under a running driver crashes.
     driver.reset();
@@ -225,7 +225,7 @@ void RenderWav(const std::string& midiBytes, const std::string& wavPath,
                const std::function<void(double)>& progress)
 {
     if (!IsMidiFile(midiBytes))
-        throw std::runtime_error("The file is no MIDI file.");
+        throw std::runtime_error("The file is not a MIDI file.");
     const FluidPtr<fluid_settings_t> settings = MakeSettings();
     fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
     fluid_settings_setstr(settings.get(), "audio.file.name", wavPath.c_str());

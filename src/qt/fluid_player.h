@@ -1,11 +1,11 @@
 // Playing MIDI files with a software synthesizer, and rendering them as sound files.
 //
-// The sound device is driven by a thread of the synthesizer's. It tells the end of a tune with a
+// The sound device is driven by a thread of the synthesizer. It reports the end of a tune with a
 // queued call, so that the window hears of it between other events of its own thread.
 //
-// That thread ends by itself, without a word, when its device goes: a sound server that is started
-// anew, a device that is unplugged, a full disk under a sound file. So a play of which nothing is
-// heard any more is told as a failure, and the next one opens the device again.
+// That thread ends silently when its device goes away: a sound server that is restarted,
+// a device that is unplugged, a full disk under a sound file. So a playback of which nothing is
+// heard any more is reported as a failure, and the next one opens the device again.
 
 #pragma once
 
@@ -22,7 +22,7 @@
 
 namespace quillon {
 
-/// Deletes what the synthesizer's library has made.
+/// Deletes objects of the synthesizer library.
 struct FluidDelete {
     void operator()(fluid_settings_t* settings) const { delete_fluid_settings(settings); }
     void operator()(fluid_synth_t* synth) const { delete_fluid_synth(synth); }
@@ -38,8 +38,8 @@ template <typename T> using FluidPtr = std::unique_ptr<T, FluidDelete>;
 /// driver "file" writes in real time, QUILLON_SOUNDFONT the SoundFont. An empty name is none.
 class FluidPlayer : public Player {
 public:
-    /// A play of which nothing is heard for as long as `silence` is told as a failure. Ticks are
-    /// much closer to each other, even in the slowest tune at the lowest tempo factor.
+    /// A playback of which nothing is heard for as long as `silence` is reported as a failure.
+    /// Ticks are much closer to each other, even in the slowest tune at the lowest tempo factor.
     explicit FluidPlayer(std::chrono::milliseconds silence = std::chrono::seconds(2));
     ~FluidPlayer() override { Close(); }
 

@@ -24,10 +24,10 @@ bool FontAvailable(const QString& name);
 /// The name by which a tune keeps a font of the list: "Arial" for the one that serves for it.
 QString NameOfFont(const QString& family);
 
-/// The font for painting and measuring in twips. Sizes are held to 1..20000 twips.
+/// The font for painting and measuring in twips. Sizes are clamped to 1..20000 twips.
 QFont FontInTwips(const Typeface& typeface);
 
-/// As much of a text's beginning as is surely `width` twips long, or all of it.
+/// The beginning of a text, long enough to be at least `width` twips wide, or all of it.
 std::string_view Beginning(std::string_view text, const QFont& font, double width);
 
 /// The width of a text in twips. That of a long one is the sum of its characters' widths: shaping

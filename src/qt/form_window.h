@@ -12,7 +12,7 @@ namespace quillon {
 /// when it is closed.
 void MakeForm(QWidget& form);
 
-/// Turns events into calls of the form's handlers and shows the form anew after each. Closes when
+/// Turns events into calls of the form's handlers and updates the form after each. Closes when
 /// a handler has unloaded the form; closed by the system, it unloads the form.
 class FormWindow : public QWidget {
 public:

@@ -8,10 +8,10 @@
 
 namespace quillon {
 
-/// A machine without a sequencer has none.
+/// Without a sequencer there are none.
 class RtMidiPorts : public MidiPorts {
 public:
-    /// Looks for the devices anew.
+    /// Looks for the devices again.
     int Count() const override;
 
     /// Of the devices that Count has found.

@@ -12,7 +12,7 @@ namespace quillon {
 
 namespace {
 
-/// Moves the slider without an event.
+/// Moves the slider without sending an event.
 void SetValue(QSlider* slider, int value)
 {
     const QSignalBlocker quiet(slider);

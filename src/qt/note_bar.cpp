@@ -28,17 +28,17 @@ struct NoteSign {
 };
 
 constexpr NoteSign kNoteSigns[] = {
-    {"* from a sixteenth", 2, true,  true,  false, true },
-    {"+ goes there",       2, true,  true,  false, false},
-    {"* from an eighth",   1, true,  true,  false, true },
-    {"+ goes there",       1, true,  true,  false, false},
-    {". from an eighth",   1, true,  true,  true,  false},
-    {"* from a quarter",   0, true,  true,  false, true },
-    {"+ goes there",       0, true,  true,  false, false},
-    {". from a quarter",   0, true,  true,  true,  false},
-    {nullptr,              0, true,  false, false, false},
-    {nullptr,              0, true,  false, true,  false},
-    {nullptr,              0, false, false, false, false},
+    {"press * at a sixteenth", 2, true,  true,  false, true },
+    {"press + to step to it",  2, true,  true,  false, false},
+    {"press * at an eighth",   1, true,  true,  false, true },
+    {"press + to step to it",  1, true,  true,  false, false},
+    {"press . at an eighth",   1, true,  true,  true,  false},
+    {"press * at a quarter",   0, true,  true,  false, true },
+    {"press + to step to it",  0, true,  true,  false, false},
+    {"press . at a quarter",   0, true,  true,  true,  false},
+    {nullptr,                  0, true,  false, false, false},
+    {nullptr,                  0, true,  false, true,  false},
+    {nullptr,                  0, false, false, false, false},
 };
 static_assert(std::size(kNoteSigns) == kNoteValues);
 
@@ -104,7 +104,7 @@ private:
     {
         QToolButton::paintEvent(event);
         QPainter painter(this);
-        if (isChecked())  // in palettes of high contrast the frame alone is hardly seen
+        if (isChecked())  // in high-contrast palettes the frame alone is hard to see
             painter.fillRect(4, height() - 4, width() - 8, 2, palette().highlight());
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate((width() - 24) / 2.0, (height() - 32) / 2.0);

@@ -1,7 +1,7 @@
 // Toolbar1 on the screen: eleven buttons with a note value each, of which one is down.
 //
-// A click takes no focus. From the keyboard the bar is one stop: Left and Right walk along the
-// buttons, Space and Enter press one.
+// A click does not take the focus. From the keyboard the bar is one tab stop: Left and Right move
+// along the buttons, Space and Enter press one.
 
 #pragma once
 
@@ -36,7 +36,7 @@ private:
 
     std::vector<QAbstractButton*> buttons;  // button n at n - 1
     int down = 0;
-    int marked = 1;  // where the keyboard stands
+    int marked = 1;  // button that the keyboard is at
 };
 
 }  // namespace quillon

@@ -20,7 +20,7 @@ struct PaintStyle {
     bool Outlines = false;  // texts as outlines, for viewers without the fonts
 };
 
-/// The painter counts in twips. What is drawn in xor or invert mode comes last, and shows only on
+/// The painter works in twips. What is drawn in xor or invert mode comes last, and shows only on
 /// pixels. Operations that have no finite place or size are left out.
 void Paint(QPainter& painter, const Drawing& drawing, const PaintStyle& style);
 

@@ -1,4 +1,5 @@
-// The whole editor as it runs on the desktop: the core, the platform made real, and the window.
+// The whole editor as it runs on the desktop: the core, the platform's implementation, and the
+// window.
 
 #pragma once
 
@@ -24,7 +25,7 @@ public:
     /// False when the program cannot start; a box has said why.
     bool Start();
 
-    // A member may use those before it.
+    // Each member may use those declared before it.
     Runner runner;
     QtSettings settings;
     QtDialogs dialogs;

@@ -1,5 +1,5 @@
 // The renderer as a module of its own, which the export command loads when a format needs it: most
-// of its formats need neither toolkit nor synthesizer, and start ten times as fast without.
+// of its formats need neither toolkit nor synthesizer, and start ten times as fast without them.
 
 #include "notation/draw_surface.h"
 #include "notation/page_view.h"
@@ -23,7 +23,7 @@ namespace quillon {
 
 namespace {
 
-constexpr int kPdfResolution = 600;  // dots to the inch
+constexpr int kPdfResolution = 600;  // dots per inch
 
 /// Puts the date that the environment asks for in place of the present one.
 void FixDate(QByteArray& pdf)

@@ -38,15 +38,15 @@ void Runner::EndWithFault(const QString& doing, const std::string& error,
     text.replace(0, 1, text.left(1).toUpper());
     if (!explanation.empty())
         text += '\n' + ToUnicode(explanation);
-    text += "\nIt happened at: " + doing;
+    text += "\nThe error occurred during: " + doing;
     if (!rescued.empty())
-        text += "\nYour work was kept in " + PathFromBytes(rescued);
+        text += "\nYour work has been saved in " + PathFromBytes(rescued);
     QMessageBox box(QMessageBox::Critical, "Run-time error", text, QMessageBox::Ok,
                     QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
     QApplication::restoreOverrideCursor();
     box.exec();
-    // The program's state is not to be trusted: nothing else of it runs.
+    // The program's state cannot be trusted: nothing else of it may run.
     std::quick_exit(EXIT_FAILURE);
 }
 

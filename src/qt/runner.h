@@ -1,7 +1,7 @@
 // How the forms run a handler of the core.
 //
 // Every event of every form goes through Run: the handler runs to its end, what it changed is
-// shown, and a fault that it lets fly ends the program here and nowhere else.
+// shown, and a fault that it throws ends the program here and nowhere else.
 
 #pragma once
 

@@ -24,7 +24,7 @@ constexpr int kMostTries = 10;
 
 std::string ownFolder;  // of this run, "" without one
 
-/// Takes hold of a folder of this user, so that no other run takes it for a dead run's. Returns
+/// Locks a folder of this user, so that no other run takes it for a dead run's. Returns
 /// the descriptor that holds it, -1 if it is held or somebody else's.
 int Hold(const std::string& folder)
 {

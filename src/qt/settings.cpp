@@ -24,7 +24,7 @@ QString StoreKey(const std::string& section, const std::string& key)
     return ToUnicode(section) + '/' + ToUnicode(key);
 }
 
-/// A place held to `start` and the pixels that are free behind it, if there are any.
+/// A position clamped to `start` and the pixels that are free after it, if there are any.
 int Held(int place, int start, int free)
 {
     return std::clamp(place, start, start + std::max(free, 0));

@@ -22,9 +22,9 @@ private:
     QSettings store{QSettings::IniFormat, QSettings::UserScope, "Quillon"};
 };
 
-/// The place of the main window, in a store of its own. It comes back as large as fits on the
-/// screen, and in full view, also when it was left on a larger screen or on one that is gone. Of a
-/// window that fills the screen, the place before is remembered too.
+/// The position and size of the main window, in a store of its own. It comes back as large as fits
+/// on the screen, and in full view, also when it was left on a larger screen or on one that is
+/// gone. Of a window that fills the screen, the place before is remembered too.
 void RememberPlace(const QWidget& window);
 void RestorePlace(QWidget& window);
 

@@ -37,12 +37,12 @@ public:
     explicit AboutForm(QWidget* mainWindow);
 };
 
-/// Both boxes start with one blank and the caret before it.
+/// Both boxes start with a single blank and the caret before it.
 class CopyBox : public QWidget {
 public:
     CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Runner& theRunner);
 
-    /// The command has come again while the form is there.
+    /// The command was used again while the form is open.
     void StartAnew();
 
 protected:

@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-/// What a maker in the sound module makes; null when the module or its libraries are missing.
+/// Calls a factory function of the sound module; null if the module or its libraries are missing.
 template <typename Made> std::unique_ptr<Made> Make(const char* maker)
 {
     static void* const module = [] {

@@ -94,7 +94,7 @@ public:
         if (kind == QAccessible::Value)
             return view.Words();
         if (kind == QAccessible::Help)
-            return "The current measure. Type fret numbers; Enter ends the note.";
+            return "The current measure. Type fret numbers; Enter finishes the note.";
         return QAccessibleWidget::text(kind);
     }
 
@@ -228,7 +228,7 @@ void StaffView::paintEvent(QPaintEvent*)
     PaintCard(painter);
 }
 
-/// The staff lines stand under the drawing, paler than it, so that the figures on them read well.
+/// The staff lines are under the drawing and paler, so that the numbers on them are easy to read.
 void StaffView::PaintCard(QPainter& painter)
 {
     painter.setPen(QColor(0x8c, 0x8c, 0x8c));

@@ -33,7 +33,7 @@ public:
     /// The part of the widget that a rectangle of the card, in points, takes.
     QRect PlaceOf(const QRectF& points) const;
 
-    /// Tells screen readers in words where the cursor stands and on what. With the focus, what is
+    /// Tells screen readers in words where the cursor is and what is there. With the focus, what is
     /// new is said at once; without it, all of it once the focus comes.
     void Tell(const std::string& words);
 

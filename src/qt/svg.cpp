@@ -133,7 +133,7 @@ private:
                   " 0 " + (large ? "1" : "0") + " 0 " + at(op.End) + "\"" + Pen(op) + "/>\n";
     }
 
-    /// The control characters that XML forbids are shown as what cannot be shown.
+    /// Control characters, which XML forbids, become replacement characters.
     static std::string Escaped(QString text)
     {
         for (QChar& c : text)
@@ -154,7 +154,7 @@ private:
                  Escaped(text) + "</text>\n";
     }
 
-    /// Notation signs, as uses of outlines that stand in the file once each.
+    /// Notation signs, as references to outlines that are in the file once each.
     void AddGlyphs(const Operation& op)
     {
         const QFont font = FontInTwips(op.TextFont);

@@ -82,7 +82,7 @@ EndFromOutside::~EndFromOutside()
     close(pipeEnds[1]);
 }
 
-// The session's end; the program itself ends without this event.
+// The desktop session ends; the program's own exit does not send this event.
 bool EndFromOutside::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched != qApp || event->type() != QEvent::Quit)

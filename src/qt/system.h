@@ -14,7 +14,7 @@ namespace quillon {
 
 class QtSystem : public System {
 public:
-    /// Who shows a form and who ends the run; the main window sets them.
+    /// Callbacks that show a form and end the run; the main window sets them.
     std::function<void(Form)> OnShow = [](Form) {};
     std::function<void()> OnEnd = [] {};
 

@@ -1,4 +1,4 @@
-// Text at the edge: the core's Windows-1252 bytes and Qt's Unicode.
+// Text at the boundary: the core's Windows-1252 bytes and Qt's Unicode.
 
 #pragma once
 
@@ -11,7 +11,7 @@ namespace quillon {
 
 QString ToUnicode(std::string_view bytes);
 
-/// What the code page lacks becomes "?".
+/// Characters that the code page lacks become "?".
 std::string FromUnicode(const QString& text);
 
 /// As a label or box shows it: line ends are single line feeds.

@@ -107,7 +107,7 @@ void TuningWindow::AddTextBoxes()
         const QString number = QString::number(i + 1);
         box->setObjectName(QString("Text1_%1").arg(i));
         box->setAccessibleName("Pitch of string " + number);
-        box->setToolTip("MIDI note number of the open string " + number);
+        box->setToolTip("MIDI note number of open string " + number);
         box->setFixedWidth(box->fontMetrics().horizontalAdvance("0000000"));
         ui->pitches->addWidget(box);
         setTabOrder(std::exchange(before, box), box);

@@ -15,7 +15,7 @@ class Tuning;
 
 namespace quillon {
 
-/// The beginning of a neck, lying as in tablature: each string leads to its box beside the
+/// The start of a neck, seen as in tablature: each string leads to its box beside the
 /// picture. A banjo's short string begins at its peg.
 class NeckPicture : public QWidget {
 public:

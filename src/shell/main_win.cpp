@@ -20,7 +20,7 @@ constexpr const char* kFontMissing =
 
 constexpr const char* kSaveQuestion = "        FILE NOT SAVED\n\nDo you want to save your work?";
 
-/// A setting as a number. One that no number can hold counts as absent.
+/// A setting as a number. One that is out of range counts as absent.
 float SettingNumber(const Settings& settings, const std::string& key, const char* byDefault)
 {
     try {
@@ -306,7 +306,7 @@ void MainWin::FontsFromHeader()
         page.TitleFontSize = static_cast<float>(header.NoteCode);
 }
 
-/// Ends the program after the message: nothing behind it is ever reached.
+/// Ends the program after the message: nothing after it is ever reached.
 void MainWin::IncompatibleFile()
 {
     platform.system.SetWaitCursor(false);
@@ -323,7 +323,7 @@ void MainWin::WriteTuneFile()
     ++form.Writes;
 }
 
-// There is no look at InputMode: during an insertion the parked tail is absent from the file.
+// InputMode is not checked: during an insertion the parked tail is missing from the file.
 void MainWin::mnuSave()
 {
     form.Saved = SavedState::Unsaved;  // the file is emptied first: a failure leaves the tune in

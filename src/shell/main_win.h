@@ -1,6 +1,6 @@
 // The main form's commands around the tune: start-up, settings, files, the save question, exit,
 // instruments, and the pages. It owns the tune and everything that shows it; the measure editor's
-// handlers stand in `editor`.
+// handlers are in `editor`.
 
 #pragma once
 
@@ -39,7 +39,7 @@ public:
     PageView pages;
     Editor editor;
 
-    // The forms that it opens. They stand beside it and work on the same tune.
+    // The forms that it opens. They are open alongside it and work on the same tune.
     MidiForm frmBldMidi;
     MidiSetup frmMidiSetup;
     std::vector<TuningForm> tuningForms;  // Guitar, banjo, bass
@@ -55,7 +55,7 @@ public:
     /// The Splash form has gone, by its button or its timer.
     void SplashClosed();
 
-    /// The system closes the form. It goes away even if the work is still unsaved.
+    /// The system closes the form. It closes even if the work is still unsaved.
     void Unload();
 
     // File

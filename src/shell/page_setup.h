@@ -37,7 +37,7 @@ public:
     std::string LblBodyFontName;
     std::string lblBodyFontSize;
     Box Focus = Box::Text1;  // as far as this form moves it
-    bool Loaded = true;      // false once it has gone away
+    bool Loaded = true;      // false once it is closed
 
     /// The form has become the active one.
     void Activate();

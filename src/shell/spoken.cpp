@@ -25,7 +25,7 @@ constexpr const char* kValueNames[] = {
 };
 static_assert(std::size(kValueNames) == kNoteValues);
 
-/// What the cursor's line of text holds: the chord, a hand's mark, or the string and its fret.
+/// What the cursor is editing: the chord, a fingering letter, or a string and its fret.
 std::string SpokenCell(const NoteRecord& record, const MainForm& form)
 {
     const auto named = [](const std::string& name, const std::string& text) {
@@ -35,9 +35,9 @@ std::string SpokenCell(const NoteRecord& record, const MainForm& form)
     case InputMode::Chord:
         return named("chord", record.ChordText);
     case InputMode::LeftHand:
-        return named("left hand mark", {record.LeftHand});
+        return named("left-hand fingering", {record.LeftHand});
     case InputMode::RightHand:
-        return named("right hand mark", {record.RightHand});
+        return named("right-hand fingering", {record.RightHand});
     default:
         break;
     }
@@ -45,7 +45,7 @@ std::string SpokenCell(const NoteRecord& record, const MainForm& form)
     return "string " + std::to_string(string) + ", " + named("fret", record.Slot(string));
 }
 
-/// The note or rest that stands there; on a free record, the value that the next note will have.
+/// The note or rest at the cursor; on a free record, the value that the next note will have.
 std::string SpokenValue(const NoteRecord& record, const MainForm& form, bool free)
 {
     const int value = free ? int{form.CurValue} : ValueOf(record.NoteCode);

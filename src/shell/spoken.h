@@ -12,7 +12,7 @@ namespace quillon {
 /// Name of button 1..11 of Toolbar1, "quarter triplet"; "" for any other number.
 const char* ValueName(int button);
 
-/// Where the cursor stands and what stands there: "Measure 3, column 2 of 4, string 1, fret 5,
+/// Where the cursor is and what is there: "Measure 3, column 2 of 4, string 1, fret 5,
 /// quarter note". A column that is still to be entered is "new column 5". Any state gives a text.
 std::string SpokenCursor(const Tune& tune, const MainForm& form);
 

@@ -1,4 +1,4 @@
-// What history needs to know of the main form: which values are its own, and what its commands
+// What the history needs to know about the main form: which values it has, and what its commands
 // are called.
 
 #pragma once
@@ -14,10 +14,10 @@ namespace quillon {
 /// The values that undo and redo put back.
 Values ValuesOf(MainWin& win);
 
-/// What a step is called that a menu command makes: its caption.
+/// The name of a step made by a menu command: its caption.
 std::string StepName(const MenuEntry& entry);
 
-/// What a step is called that a button makes, by what the button says at the moment.
+/// The name of a step made by a button: what the button says at the moment.
 std::string StepName(Control button, const MainForm& form);
 
 // Other events that may change the tune.

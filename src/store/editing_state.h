@@ -1,5 +1,5 @@
-// The editing state: which measure is in view, where the cursor stands in it, and what the next key
-// will do. What the window's controls show stands in `editor/main_form.h`.
+// The editing state: which measure is in view, where the cursor is in it, and what the next key
+// will do. What the window's controls show is in `editor/main_form.h`.
 
 #pragma once
 
@@ -9,7 +9,7 @@ namespace quillon {
 
 enum class EntryState {
     Review = 0,  // walking through finished measures, cmdNext wraps to measure 1
-    Append = 1,  // the cursor stands at the free end of the tune
+    Append = 1,  // the cursor is at the free end of the tune
     Edit = 2,    // inside a finished measure, reached from the tune's end
 };
 

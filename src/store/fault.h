@@ -1,8 +1,9 @@
-// Run-time errors: the failures that nothing handles and that end the program.
+// Run-time errors: failures that nothing handles and that end the program.
 //
-// A handler lets a Fault fly. The application's event loop catches it in one place, keeps a rescue
-// copy of unsaved work, shows the error and ends with status 1. The few commands that do handle
-// failures (opening a tune, saving under a new name, printing, building MIDI) catch it themselves.
+// A handler does not catch a Fault. The application's event loop does, in one place: it keeps a
+// rescue copy of unsaved work, shows the error and ends with status 1. The few commands that do
+// handle failures (opening a tune, saving under a new name, printing, building MIDI) catch it
+// themselves.
 
 #pragma once
 
@@ -32,7 +33,7 @@ public:
     /// what() is "run-time error 9: subscript out of range".
     explicit Fault(Error error);
 
-    /// As above; `explanation` says in the tune's own words what is wrong ("No Coda follows
+    /// As above; `explanation` says in terms of the tune what is wrong ("No Coda follows
     /// measure 12.") and is shown on a line of its own.
     Fault(Error error, std::string explanation);
 

@@ -1,6 +1,6 @@
 // The marks in the text of a string's slot.
 //
-// Who reads the text goes on from here in a way of its own: the measure view takes each mark's
+// Each reader of the text handles the marks in its own way: the measure view takes each mark's
 // last character off, the page takes off one for all of them, and the performance leaves the text
 // as it is (docs/kept_behaviour.md).
 

@@ -1,8 +1,8 @@
 // Text files of items: the lexical form that tune files, scratch files and tuning files share.
 //
-// A line is a list of items joined by commas; to the reader a line end is just another comma, so
-// an item is taken wherever it stands. A text stands between double quotes, and nothing in it is
-// escaped: it ends at the next double quote, whatever follows up to the next comma is dropped.
+// A line is a list of items separated by commas; to the reader a line end is just another comma, so
+// it does not matter which line an item is on. A text is enclosed in double quotes; nothing in it
+// is escaped: it ends at the next double quote, and anything up to the next comma is dropped.
 
 #pragma once
 
@@ -15,7 +15,7 @@
 
 namespace quillon {
 
-/// A full table of long texts is some 100 KB: what is larger by far is no file of ours.
+/// A full table of long texts is about 100 KB: anything far larger is not one of our files.
 constexpr std::uintmax_t kLargestFile = 64 * 1024 * 1024;
 
 /// The bytes of a file. A file that is missing is a file-not-found Fault, and so is a pipe or a
@@ -39,7 +39,7 @@ public:
     /// The next item as a text. At the end of the file: an input-past-end Fault.
     std::string Text();
 
-    /// The next item as a number, 0 if it is none. Past 16 bits: an overflow Fault.
+    /// The next item as a number, 0 if it is not one. Beyond 16 bits: an overflow Fault.
     Int16 Number();
 
 private:

@@ -1,6 +1,6 @@
-// What NoteCode and BeamCode of a record can hold.
+// What a record's NoteCode and BeamCode can hold.
 //
-// Both come from files and may hold any number. A code that is named nowhere here has no length
+// Both come from files and may hold any number. A code that is not named here has no length
 // and no width, and beams leave it as it is.
 
 #pragma once
@@ -10,7 +10,7 @@ namespace quillon {
 constexpr int kTicksPerQuarter = 12;
 constexpr int kTicksPerEighth = kTicksPerQuarter / 2;
 
-// Notes, and the buttons of Toolbar1. Behind each its ticks.
+// Notes, and the buttons of Toolbar1. The comments give their ticks.
 constexpr int kTripletSixteenth = 1;  // 2
 constexpr int kSixteenth = 2;         // 3
 constexpr int kTripletEighth = 3;     // 4
@@ -62,13 +62,13 @@ constexpr bool HasDot(int beamCode)
     return beamCode >= kDottedMainBeam && beamCode <= kDottedEighthFlag;
 }
 
-/// Ticks of one beat. Any lower figure of a time signature but 4 counts as 8.
+/// Ticks of one beat. Any lower number of a time signature other than 4 counts as 8.
 constexpr int TicksPerBeat(int beatUnit)
 {
     return beatUnit == 4 ? kTicksPerQuarter : kTicksPerEighth;
 }
 
-/// Ticks after which beams start anew: a quarter in simple time, a dotted quarter in compound time.
+/// Ticks after which beams restart: a quarter in simple time, a dotted quarter in compound time.
 constexpr int TicksPerBeamGroup(int beatUnit)
 {
     return beatUnit == 4 ? kTicksPerQuarter : 3 * kTicksPerEighth;

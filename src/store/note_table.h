@@ -1,6 +1,6 @@
 // The note table: the whole tune as one flat table of plain records, addressed by index.
 //
-// Record 0 is the tune's header. From record 1 the tune stands in playing order without gaps: each
+// Record 0 is the tune's header. From record 1 the tune is in playing order without gaps: each
 // measure is one run of records with equal Measure, its head record (NoteCode kHead) first, then
 // its notes and rests from left to right. A record above 0 with Measure 0 is empty, whatever its
 // other fields hold. Nothing is allocated per note or per measure, and nothing sorts the table.
@@ -22,12 +22,12 @@ constexpr int kStringSlots = 6;    // slots of a record, whatever the instrument
 
 /// One record. What the fields mean depends on the kind of record:
 ///
-/// field      note or rest                   head of a measure         record 0
+/// field      note or rest                   measure head              record 0
 /// Measure    measure number, from 1         measure number            0
 /// NoteCode   code of a note or a rest       kHead                     title font size, 0 if none
 /// XPos       x on StaffBox, points          0                         0
-/// BeatUnit   lower figure of the signature  the same                  0
-/// Beats      upper figure of the signature  the same                  0
+/// BeatUnit   lower number of the signature  the same                  0
+/// Beats      upper number of the signature  the same                  0
 /// Spacing    column width, units of 6 pt    0                         0
 /// BeamCode   a BeamShape                    0                         0
 /// BarCode    ""                             bar sign or ""            ""
@@ -48,7 +48,7 @@ struct NoteRecord {
     Int16 Spacing;
     Int16 BeamCode;
     std::string BarCode;
-    char LeftHand = ' ';  // one character; a blank is "no mark"
+    char LeftHand = ' ';  // one character; a blank means no fingering
     char RightHand = ' ';
     std::string ChordText;
     std::array<std::string, kStringSlots> Slots;
@@ -82,7 +82,7 @@ constexpr int Length(std::string_view text)
     return static_cast<int>(text.size());
 }
 
-/// What a one-character field keeps of a text: its first character, a blank of an empty one.
+/// What a one-character field keeps of a text: its first character, or a blank if it is empty.
 char OneCharacter(std::string_view text);
 
 class NoteTable {
@@ -93,7 +93,7 @@ public:
     NoteRecord& operator[](int index) { return records[Checked(index)]; }
     const NoteRecord& operator[](int index) const { return records[Checked(index)]; }
 
-    /// Clears the records from..to, both included.
+    /// Clears the records from..to, inclusive.
     void Clear(int from = 0, int to = kLastRecord);
 
 private:

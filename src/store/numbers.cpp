@@ -66,7 +66,7 @@ std::string LeadingNumber(std::string_view text, bool withSign)
     return number;
 }
 
-/// Whether a decimal number that does not fit a double is too small for it rather than too large.
+/// Whether a decimal number that does not fit into a double is too small rather than too large.
 bool IsTiny(const std::string& number)
 {
     const std::size_t e = number.find('e');

@@ -41,7 +41,7 @@ private:
     short value = 0;
 };
 
-/// The nearest integer, ties to the even one. Outside the range of int: an overflow Fault.
+/// The nearest integer, ties to even. Outside the range of int: an overflow Fault.
 int Round(double value);
 
 /// The largest integer not above `value`. Outside the range of int: an overflow Fault.
@@ -50,11 +50,11 @@ int Floor(double value);
 /// The nearest single-precision number. Outside their range: an overflow Fault.
 float Single(double value);
 
-/// Integer division: both operands are rounded first, the quotient is cut toward zero.
-/// A divisor that rounds to 0 is a division-by-zero Fault, a quotient past int an overflow.
+/// Integer division: both operands are rounded first, and the quotient is truncated toward zero.
+/// A divisor that rounds to 0 is a division-by-zero Fault, a quotient beyond int an overflow.
 int IntegerDivide(double dividend, double divisor);
 
-/// The leading number of a text; 0 when there is none. Blanks are skipped everywhere, also within
+/// The leading number of a text; 0 if there is none. Blanks are skipped everywhere, even inside
 /// the number. A number too large for a double is an overflow Fault.
 double Val(std::string_view text);
 

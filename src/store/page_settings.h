@@ -1,4 +1,4 @@
-// What the pages are set in: fonts, margins and spacing, for every tune of the run.
+// How pages are set: fonts, margins and spacing, for every tune of the run.
 //
 // The values come from the user's settings at start-up; a tune's header overrides the fonts.
 
@@ -21,7 +21,7 @@ struct PageSettings {
     float StaveSpace = .75F;  // gap between staves, inches
     bool TitleCentered = true;
     std::string MidiDevice = "-1";       // index of the output device as text
-    std::string FormFontName = "Arial";  // the main form's own font, some texts are measured in it
+    std::string FormFontName = "Arial";  // the main form's own font, which measures some texts
 };
 
 }  // namespace quillon

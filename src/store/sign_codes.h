@@ -1,4 +1,4 @@
-// The bar signs and navigation signs that a measure's head record bears, as their codes.
+// The codes of the bar signs and navigation signs in a measure's head record.
 
 #pragma once
 
@@ -24,7 +24,7 @@ inline constexpr std::string_view kSign = "87";
 inline constexpr std::string_view kDsAlCoda = "88";
 inline constexpr std::string_view kDsAlFine = "89";
 
-// Slot(6) of a head record: the line breaks before its measure.
+// Slot(6) of a head record: a new line starts with its measure.
 inline constexpr std::string_view kLineBreak = "NL";
 
 }  // namespace quillon

@@ -1,5 +1,5 @@
-// Calls the system directly, as no other file of the core: standard C++ can neither make a file
-// that is surely a new one nor bring it to the disk.
+// Unlike the rest of the core, calls the system directly: standard C++ can neither make a file
+// that is certain to be new nor sync it to disk.
 
 #include "store/staged_file.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMostLinks = 40;                  // in a row, as the kernel counts
+constexpr int kMostLinks = 40;                  // in a row, as in the kernel
 constexpr auto kSame = static_cast<uid_t>(-1);  // leaves an owner or a group as it is
 
 [[noreturn]] void Fail(int reason)

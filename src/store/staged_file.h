@@ -1,6 +1,6 @@
-// Files that appear only when they are whole.
+// Files that appear only when they are complete.
 //
-// Bytes that overwrite a file in place take it away first: a full disk, a kill or a power cut then
+// Overwriting a file in place destroys it first: a full disk, a kill or a power cut then
 // leaves a part of the new file and nothing of the old one. A staged file is written beside its
 // place under a name of its own, and takes the place in one step.
 
@@ -60,14 +60,14 @@ private:
     TemporaryFile file;
 };
 
-/// Brings the names in a folder ("" is the current one) to the disk, as far as the system can.
+/// Syncs the names in a folder ("" is the current one) to disk, as far as the system can.
 void SyncFolder(const std::filesystem::path& folder);
 
 /// Replaces the file at `path`, or makes a new one, for good. On failure all is as it was.
 void ReplaceFile(const std::filesystem::path& path, std::string_view bytes,
                  unsigned mode = kNewFileMode);
 
-/// Whether `path` is where bytes go by and no file can be put: a device, a pipe, or an open file
+/// Whether `path` is a stream that no file can replace: a device, a pipe, or an open file
 /// such as /dev/stdout.
 bool IsStream(const std::filesystem::path& path);
 

@@ -1,4 +1,4 @@
-// The tune: the note table with the few numbers that say where it ends and where the cursor is.
+// The tune: the note table, and the few numbers that say where it ends and where the cursor is.
 //
 // There is one for the whole run. It is passed by reference and indexed directly everywhere.
 
@@ -24,7 +24,7 @@ struct Tune {
     const NoteRecord& operator[](int index) const { return Table[index]; }
 };
 
-/// What hangs on the number of strings. Modes of other numbers do not exist.
+/// What depends on the number of strings. There are no modes for other numbers.
 struct InstrumentMode {
     int NumStrings;
     const char* Command;          // menu command that chooses it
@@ -57,7 +57,7 @@ inline constexpr InstrumentMode kInstrumentModes[] = {
 };
 // clang-format on
 
-/// The mode of tunes with this extension, which has no dot; null for any other text. Capitals do
+/// The mode for tunes with this extension (without the dot); null for any other text. Capitals do
 /// not match.
 constexpr const InstrumentMode* FindModeOfExtension(std::string_view extension)
 {

@@ -3,7 +3,7 @@
 // A record is nine lines: Measure, NoteCode, XPos; Reserved, BeatUnit, Beats, Spacing; BeamCode,
 // BarCode, LeftHand, RightHand, ChordText; then six lines with one slot each. A tune file is the
 // header record and then every record that is not empty, in the order of the table; a scratch
-// file is records alone. There is no count, no version and no mark of the instrument.
+// file is just records. There is no count, no version and nothing that tells the instrument.
 
 #pragma once
 

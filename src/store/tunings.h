@@ -57,7 +57,7 @@ int ReadTunings(ItemReader& reader, int numStrings, Tunings& tunings);
 /// As above, for a whole file. An unreadable file is rebuilt and read again.
 int LoadTunings(const std::string& path, int numStrings, Tunings& tunings);
 
-/// Reads the first tuning of the file as the one in force: always the name and six numbers,
+/// Reads the first tuning of the file as the active one: always the name and six numbers,
 /// whatever the row holds, so on instruments of fewer strings the surplus numbers come from the
 /// next row. A file without that many items is rebuilt and read again. Returns whether it was.
 bool LoadActiveTuning(const std::string& path, int numStrings, Tunings& tunings);

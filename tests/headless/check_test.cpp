@@ -107,13 +107,13 @@ TEST_F(CheckTest, ADoubleQuoteInATextIsFoundWhereverItStands)
         tune = {};
         AddFullMeasures(tune, 3);
         Remark(2, text);
-        EXPECT_EQ(FileTexts(), Lines{"measure 2: a text holds a double quote"});
+        EXPECT_EQ(FileTexts(), Lines{"measure 2: a text contains a double quote"});
         Remark(2, "");
         tune[0].ChordText = text;
-        EXPECT_EQ(FileTexts(), Lines{"the title, a credit or a font holds a double quote"});
+        EXPECT_EQ(FileTexts(), Lines{"the title, a credit or a font contains a double quote"});
         tune[0].ChordText.clear();
         tune[12].ChordText = text;
-        EXPECT_EQ(FileTexts(), Lines{"measure 3: a text holds a double quote"});
+        EXPECT_EQ(FileTexts(), Lines{"measure 3: a text contains a double quote"});
     }
 }
 
@@ -121,7 +121,7 @@ TEST_F(CheckTest, ADoubleQuoteForAHandIsFound)
 {
     AddFullMeasures(tune, 1);
     tune[3].RightHand = '"';
-    EXPECT_EQ(FileTexts(), Lines{"measure 1: a text holds a double quote"});
+    EXPECT_EQ(FileTexts(), Lines{"measure 1: a text contains a double quote"});
 }
 
 TEST_F(CheckTest, OtherCharactersAreNoMatter)
@@ -154,7 +154,7 @@ TEST(CheckTexts, InAFileWithALineTooFewOnlyTheQuotesThemselvesCount)
     tune[6].Slot(3) = "a \"b\"";
     std::string bytes = TuneBytes(tune);
     bytes.erase(0, bytes.find('\n') + 1);
-    EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"a text holds a double quote"});
+    EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"a text contains a double quote"});
 }
 
 TEST(CheckTexts, LineEndsMayBeAnyOfThree)
@@ -170,7 +170,7 @@ TEST_F(CheckTest, AMeasureThatIsMissingIsFound)
     AddFullMeasures(tune, 2);
     tune.LastMeas = 3;
     AddFullMeasures(tune, 1);
-    EXPECT_EQ(Records(), Lines{"measure 4: stands behind measure 2"});
+    EXPECT_EQ(Records(), Lines{"measure 4: comes after measure 2"});
 }
 
 TEST_F(CheckTest, MeasuresThatStandTheWrongWayRoundAreFound)
@@ -179,14 +179,14 @@ TEST_F(CheckTest, MeasuresThatStandTheWrongWayRoundAreFound)
     for (int i = 6; i <= 10; ++i)
         std::swap(tune[i], tune[i + 5]);
     EXPECT_EQ(Records(),
-              (Lines{"measure 3: stands behind measure 1", "measure 2: stands behind measure 3"}));
+              (Lines{"measure 3: comes after measure 1", "measure 2: comes after measure 3"}));
 }
 
 TEST_F(CheckTest, ATuneBeginsWithMeasure1)
 {
     tune.LastMeas = 1;
     AddFullMeasures(tune, 1);
-    EXPECT_EQ(Records(), Lines{"measure 2: stands first, where measure 1 belongs"});
+    EXPECT_EQ(Records(), Lines{"measure 2: comes first instead of measure 1"});
 }
 
 TEST_F(CheckTest, AMeasureWithoutAHeadIsFound)
@@ -350,9 +350,9 @@ TEST_F(CheckTest, DsWantsASignBeforeIt)
     AddFullMeasures(tune, 8);
     Sign(4, kDsAlFine);
     Sign(3, kFine);
-    EXPECT_EQ(Signs(), Lines{"measure 4: has a D.S. but no Sign stands before it"});
+    EXPECT_EQ(Signs(), Lines{"measure 4: has a D.S. but no Sign before it"});
     Sign(5, kSign);
-    EXPECT_EQ(Signs(), Lines{"measure 4: has a D.S. but no Sign stands before it"});
+    EXPECT_EQ(Signs(), Lines{"measure 4: has a D.S. but no Sign before it"});
     Sign(2, kSign);
     EXPECT_EQ(All(), Lines());
 }
@@ -361,7 +361,7 @@ TEST_F(CheckTest, APlainDsWantsASignTooAndDcWantsNone)
 {
     AddFullMeasures(tune, 3);
     Sign(2, kDs);
-    EXPECT_EQ(Signs(), Lines{"measure 2: has a D.S. but no Sign stands before it"});
+    EXPECT_EQ(Signs(), Lines{"measure 2: has a D.S. but no Sign before it"});
     Sign(2, kDc);
     EXPECT_EQ(Signs(), Lines());
 }

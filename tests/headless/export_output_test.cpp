@@ -53,9 +53,9 @@ TEST_F(FilesInUseTest, ATuneIsOnlyReplacedByItself)
     EXPECT_EQ(Refusal("a.gui", "a.gui", true), "none");
     EXPECT_EQ(Refusal("new.gui", "a.gui", true), "none");
     EXPECT_EQ(Refusal("a.gui", "a.gui", false),
-              "a.gui is a tune to export; name another place with -o");
+              "a.gui is one of the tunes to export; name another place with -o");
     EXPECT_EQ(Refusal("b.gui", "a.gui", true),
-              "b.gui is a tune to export; name another place with -o");
+              "b.gui is one of the tunes to export; name another place with -o");
 }
 
 TEST_F(FilesInUseTest, ATuneIsKnownByAnyName)
@@ -64,7 +64,7 @@ TEST_F(FilesInUseTest, ATuneIsKnownByAnyName)
     fs::create_hard_link("b.gui", "twin");
     for (const std::string name : {"link", "twin", "./b.gui"})
         EXPECT_EQ(Refusal(name, "a.gui", true),
-                  name + " is a tune to export; name another place with -o");
+                  name + " is one of the tunes to export; name another place with -o");
 }
 
 TEST_F(FilesInUseTest, WhatHasBeenMadeIsNotReplaced)
@@ -74,7 +74,7 @@ TEST_F(FilesInUseTest, WhatHasBeenMadeIsNotReplaced)
     fs::create_symlink("a.gui", "link");
     for (const std::string name : {"a.gui", "link"})
         EXPECT_EQ(Refusal(name, "b.gui", true),
-                  name + " has been made of a.gui; export this tune into another folder");
+                  name + " was already made from a.gui; export this tune to another folder");
 }
 
 TEST_F(FilesInUseTest, ADeviceTakesWhateverIsMade)

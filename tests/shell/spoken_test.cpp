@@ -73,7 +73,7 @@ TEST_F(Spoken, TextModesTellTheirText)
     Type("\r");
     win.form.InputMode = InputMode::RightHand;
     win.tune[win.tune.CurNote].RightHand = 'i';
-    EXPECT_NE(Cursor().find("right hand mark i"), std::string::npos);
+    EXPECT_NE(Cursor().find("right-hand fingering i"), std::string::npos);
 }
 
 TEST_F(Spoken, AnyStateGivesAText)
