@@ -4,9 +4,9 @@ MIDI files and every form of export end as they should, and leave no half result
 
     full_disk_test.py FOLDER_OF_THE_PROGRAMS [NAME...]
 
-A NAME is a test or a class of tests; without any, all run. The disks are small real file systems,
-mounted where nobody else sees them, and they go with the process. That takes root, or a system
-that lets its users have name spaces of their own.
+A NAME is a test or a class of tests; by default all run. The disks are small real file systems,
+mounted privately and removed with the process. This needs root, or a system
+on which users may create namespaces.
 """
 
 import errno

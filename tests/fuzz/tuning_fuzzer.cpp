@@ -1,5 +1,5 @@
 // Any bytes as a tuning file, and any clicks in the tuning form that edits it: a list that is
-// written back as it stands, or a run-time error. Never anything else.
+// written back unchanged, or a run-time error. Never anything else.
 //
 // Works in a scratch folder: folders on the command line have to be absolute.
 

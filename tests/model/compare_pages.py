@@ -5,7 +5,7 @@
 
 Each seed is one random tune with random options, `valid` for even seeds and `odd` for odd ones,
 drawn in both forms. The first difference of a failing run is shown in context, with the commands
-that make it again; a differing tune is kept as `pages-SEED.EXT` in the current directory.
+that reproduce it; a differing tune is kept as `pages-SEED.EXT` in the current directory.
 The exit status is 1 if anything differed.
 """
 

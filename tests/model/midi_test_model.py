@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of the MIDI model itself: worked examples, so that the model can be trusted as a measure."""
+"""Tests of the MIDI model itself: worked examples, so that the model can be trusted as a reference."""
 
 import os
 import sys

@@ -4,7 +4,7 @@
     random_scripts.py --seed N --length L
 
 The writer plays the script on the model while it writes, so that it can do what
-makes sense where it stands: finish measures, leave text modes, answer questions.
+makes sense at that point: finish measures, leave text modes, answer questions.
 Scripts with the tunes of `random_tunes_for(seed)` beside them open those."""
 
 import argparse

@@ -4,7 +4,7 @@
     random_tunes.py --seed N --kind valid|odd --ext gui|bjo|bss
 
 A valid tune is one that the editor could have made, but for stale derived fields
-(`Spacing`, `XPos`, `BeamCode`), which every redraw makes anew. An odd one has been
+(`Spacing`, `XPos`, `BeamCode`), which every redraw recomputes. An odd one has been
 tampered with: in its records, and now and then in its text."""
 
 import argparse

@@ -1,6 +1,6 @@
 """The note table, the nine-line record text, and the files that hold it.
 
-Texts are `str` with one character a byte (Latin-1 at the edges), so that lengths
+Texts are `str` with one character per byte (Latin-1 at the boundaries), so that lengths
 count bytes of the single-byte code page."""
 
 import os

@@ -1,8 +1,8 @@
 """One X display as a person has it: keys, mouse, windows and what is to be seen.
 
 Keys and mouse go through the server's test extension, so the programs on the display cannot tell
-them from real ones. Nothing here sleeps for a fixed time: what is waited for is asked for until it
-is there, `PATIENCE` seconds at most.
+them from real ones. Nothing here sleeps for a fixed time: a condition is polled until it
+holds, for `PATIENCE` seconds at most.
 """
 
 import struct

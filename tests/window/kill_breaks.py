@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Breaks the safety of unsaved work on purpose, and counts how many runs of kill_test.py notice.
+"""Breaks the protection of unsaved work on purpose, and counts how many runs of kill_test.py notice.
 
     kill_breaks.py [--runs RUNS] [NAME...]
 

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Two windows at a time, and links that lie in wait for the files of a run.
+"""Two windows at a time, and links planted under the names of a run's files.
 
     two_windows_test.py FOLDER_OF_THE_PROGRAMS [NAME...]
 

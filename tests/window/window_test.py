@@ -2,8 +2,8 @@
 
     window_test.py [--pictures DIR] [NAME...]
 
-A NAME is a part of a test's name; without any, all run. With --pictures, the tests leave pictures
-for looking at in DIR, and a failing test one of the whole screen.
+A NAME is a part of a test's name; by default all run. With --pictures, the tests leave pictures
+to look at in DIR, and a failing test leaves one of the whole screen.
 """
 
 import argparse
