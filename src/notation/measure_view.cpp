@@ -327,7 +327,7 @@ void MeasureView::DrawStemless()
     if (code == kWholeRest)
         DrawBlockRest(sizes.WholeRestY);
     else if (code == kHalfRest)
-        DrawBlockRest(sizes.WholeRestY - kLineGap / 2);
+        DrawBlockRest(sizes.WholeRestY - kLineGap / 2.0);
     else if (code >= kTripletSixteenthRest && code <= kQuarterRest)
         StaffBox.PrintLine(RestGlyph(code));
     UseBodyFont();
