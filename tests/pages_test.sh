@@ -41,7 +41,7 @@ same_pages() {  # a file of each page, as they also come to standard output
 refuses() {  # name that is taken, tunes...
     rm -rf refused
     "$export_program" "${@:2}" --format svg -o refused 2> errors
-    [ $? = 1 ] && [ "$(wc -l < errors)" = 1 ] && grep -q ": refused/$1 has been made of" errors
+    [ $? = 1 ] && [ "$(wc -l < errors)" = 1 ] && grep -q ": refused/$1 was already made from" errors
 }
 keeps_the_tune() {  # arguments that would write a page or another tune over three.gui
     ! "$export_program" "$@" 2> errors && grep -q " is one of the tunes to export" errors &&
