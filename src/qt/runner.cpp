@@ -19,9 +19,9 @@ bool Runner::Run(const QString& doing, const std::function<void()>& handler)
     try {
         handler();
     } catch (const Fault& fault) {
-        EndWithFault(doing, fault.what(), fault.Explanation());
+        EndWithFault(doing, fault.what(), fault.Explanation(), fault.File());
     } catch (const std::exception& error) {
-        EndWithFault(doing, error.what(), {});
+        EndWithFault(doing, error.what(), {}, {});
     }
     busy = false;
     KeepWork();
@@ -30,7 +30,7 @@ bool Runner::Run(const QString& doing, const std::function<void()>& handler)
 }
 
 void Runner::EndWithFault(const QString& doing, const std::string& error,
-                          const std::string& explanation)
+                          const std::string& explanation, const std::string& file)
 {
     const std::string rescued = KeepAtFault();
     ShowForm();
@@ -41,6 +41,8 @@ void Runner::EndWithFault(const QString& doing, const std::string& error,
     text += "\nThe error occurred during: " + doing;
     if (!rescued.empty())
         text += "\nYour work has been saved in " + PathFromBytes(rescued);
+    if (!file.empty())
+        text += "\nThe file: " + PathFromBytes(file);
     QMessageBox box(QMessageBox::Critical, "Run-time error", text, QMessageBox::Ok,
                     QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);

@@ -31,7 +31,7 @@ public:
 
 private:
     [[noreturn]] void EndWithFault(const QString& doing, const std::string& error,
-                                   const std::string& explanation);
+                                   const std::string& explanation, const std::string& file);
 
     bool busy = false;
 };

@@ -40,4 +40,11 @@ Fault::Fault(Error error, std::string explanation)
 {
 }
 
+Fault Fault::OfFile(Error error, const std::string& path, const std::string& reason)
+{
+    Fault fault(error);
+    fault.file = path + (reason.empty() ? "" : " (" + reason + ")");
+    return fault;
+}
+
 }  // namespace quillon

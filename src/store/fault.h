@@ -37,12 +37,17 @@ public:
     /// measure 12.") and is shown on a line of its own.
     Fault(Error error, std::string explanation);
 
+    /// About a file: `path` and `reason`, such as "No space left on device", are shown at the end.
+    static Fault OfFile(Error error, const std::string& path, const std::string& reason);
+
     Error Number() const { return number; }
     const std::string& Explanation() const { return words; }
+    const std::string& File() const { return file; }  // as it is shown, "" for none
 
 private:
     Error number;
     std::string words;
+    std::string file;
 };
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 namespace quillon {
 
@@ -15,21 +16,31 @@ bool IsSeparator(char c)
     return c == ',' || c == '\r' || c == '\n';
 }
 
+/// A Fault about that file, with the reason that errno tells, if any.
+[[noreturn]] void Fail(Error error, const std::string& path)
+{
+    const std::error_code reason(errno, std::generic_category());
+    std::error_code ignored;
+    const std::string whole = fs::absolute(path, ignored).string();
+    throw Fault::OfFile(error, whole, reason ? reason.message() : "");
+}
+
 }  // namespace
 
 std::string ReadFileBytes(const std::string& path)
 {
+    errno = 0;
     std::error_code ignored;
     const fs::file_status status = fs::status(path, ignored);
     if (fs::is_directory(status))
-        throw Fault(Error::PathFileAccess);
+        Fail(Error::PathFileAccess, path);
     if (!fs::is_regular_file(status))
-        throw Fault(Error::FileNotFound);
+        Fail(Error::FileNotFound, path);
     if (fs::file_size(path, ignored) > kLargestFile)
-        throw Fault(Error::Overflow);
+        Fail(Error::Overflow, path);
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        throw Fault(Error::PathFileAccess);
+        Fail(Error::PathFileAccess, path);
     std::string bytes;
     char block[4096];
     do {
@@ -37,9 +48,9 @@ std::string ReadFileBytes(const std::string& path)
         bytes.append(block, static_cast<std::size_t>(file.gcount()));
     } while (file && bytes.size() <= kLargestFile);
     if (file.bad())
-        throw Fault(Error::PathFileAccess);
+        Fail(Error::PathFileAccess, path);
     if (bytes.size() > kLargestFile)
-        throw Fault(Error::Overflow);  // it has grown, or hides its size
+        Fail(Error::Overflow, path);  // it has grown, or hides its size
     return bytes;
 }
 
@@ -48,21 +59,23 @@ void WriteFileBytes(const std::string& path, std::string_view bytes)
     std::error_code ignored;
     if (fs::is_fifo(path, ignored)) {
         errno = ENXIO;  // as of a pipe without a reader, for whom the program would wait
-        throw Fault(Error::PathFileAccess);
+        Fail(Error::PathFileAccess, path);
     }
+    errno = 0;
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();
     if (!file)
-        throw Fault(Error::PathFileAccess);
+        Fail(Error::PathFileAccess, path);
 }
 
 void DeleteFile(const std::string& path)
 {
     std::error_code failure;
     fs::remove(path, failure);
+    errno = failure.value();
     if (failure)
-        throw Fault(Error::PathFileAccess);
+        Fail(Error::PathFileAccess, path);
 }
 
 void ItemReader::RequireItem() const

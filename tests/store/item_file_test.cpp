@@ -246,5 +246,28 @@ TEST_F(FileBytes, ThatCannotBeDeletedAreAnAccessError)
     EXPECT_FAULT(DeleteFile("/proc/self/status"), PathFileAccess);
 }
 
+TEST(FileFaults, NameTheFileAndTheReason)
+{
+    const TemporaryDirectory folder;
+    std::filesystem::create_directory("full");
+    const auto file = [](auto work) {
+        try {
+            work();
+        } catch (const Fault& fault) {
+            return fault.File();
+        }
+        return std::string("no fault");
+    };
+    EXPECT_EQ(file([] { ReadFileBytes("none"); }),
+              folder.Path("none") + " (No such file or directory)");
+    EXPECT_EQ(file([] { WriteFileBytes("none/f", "x"); }),
+              folder.Path("none/f") + " (No such file or directory)");
+    EXPECT_EQ(file([] { WriteFileBytes("full", "x"); }), folder.Path("full") + " (Is a directory)");
+    EXPECT_EQ(file([] { WriteFileBytes("/dev/full", "x"); }),
+              "/dev/full (No space left on device)");
+    std::filesystem::create_directory("full/inside");
+    EXPECT_EQ(file([] { DeleteFile("full"); }), folder.Path("full") + " (Directory not empty)");
+}
+
 }  // namespace
 }  // namespace quillon
