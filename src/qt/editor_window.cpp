@@ -2,6 +2,7 @@
 
 #include "qt/paint.h"
 #include "qt/settings.h"
+#include "qt/start_notice.h"
 #include "qt/text.h"
 #include "shell/menus.h"
 #include "shell/spoken.h"
@@ -163,6 +164,8 @@ void EditorWindow::FirstActivate()
     if (std::exchange(activated, true))
         return;
     runner.Run("Start", [this] { win.FirstActivate(commandLine); });
+    if (!commandLine.empty())
+        ShowStartNote(this);
     ui->StaffBox->setFocus();  // what the window offers first, when it is not a form beside it
 }
 

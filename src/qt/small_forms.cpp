@@ -2,9 +2,8 @@
 
 #include "qt/font_metrics.h"
 #include "qt/form_window.h"
-#include "qt/system.h"
+#include "qt/start_notice.h"
 #include "qt/text.h"
-#include "shell/rescue.h"
 #include "ui_about.h"
 #include "ui_copy_box.h"
 #include "ui_splash.h"
@@ -17,30 +16,11 @@
 #include <QShortcut>
 #include <QUrl>
 
-#include <algorithm>
-
 namespace quillon {
 
 namespace {
 
 constexpr int kSplashMilliseconds = 5000;
-
-/// What the greeting says of the rescue copies that other runs have made. "" without any.
-QString AboutRescueCopies()
-{
-    constexpr std::size_t kMostNamed = 3;
-    const std::string folder = QtSystem().ProgramFolder();
-    const std::vector<std::string> copies = RescueCopiesIn(folder);
-    if (copies.empty())
-        return {};
-    QString text = "\n\nUnsaved work of another run lies in " + PathFromBytes(folder) + ':';
-    const std::size_t named = std::min(copies.size(), kMostNamed);
-    for (std::size_t i = copies.size(); i > copies.size() - named; --i)
-        text += '\n' + PathFromBytes(copies[i - 1]);
-    if (copies.size() > named)
-        text += QString("\nand %1 more").arg(copies.size() - named);
-    return text + "\nTo look at it, open it by File, Open.";
-}
 
 /// Where the manual lies, installed or built. "" where it has been left out.
 QString ManualFile()
@@ -102,7 +82,9 @@ SplashForm::SplashForm(QWidget* mainWindow) : QWidget(mainWindow)
     Ui::Splash ui;
     ui.setupUi(this);
     ui.Label2->setTextFormat(Qt::PlainText);
-    ui.Label2->setText(ui.Label2->text() + AboutRescueCopies());
+    const QString notice = StartNotice();
+    if (!notice.isEmpty())
+        ui.Label2->setText(ui.Label2->text() + "\n\n" + notice);
     connect(ui.Command1, &QPushButton::clicked, this, &QWidget::close);
     auto* Timer1 = new QTimer(this);
     Timer1->setObjectName("Timer1");

@@ -1,12 +1,11 @@
 #include "qt/system.h"
 
 #include "qt/font_metrics.h"
+#include "qt/own_folder.h"
 #include "qt/text.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QStandardPaths>
-
 #include <QSocketNotifier>
 
 #include <cerrno>
@@ -31,10 +30,9 @@ void OnSignal(int)
 
 std::string QtSystem::ProgramFolder() const
 {
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/quillon";
-    QDir().mkpath(folder);
-    return PathToBytes(folder);
+    const std::string& folder = ChosenOwnFolder().Path;
+    QDir().mkpath(PathFromBytes(folder));  // it may have been removed since
+    return folder;
 }
 
 bool QtSystem::HasFont(const std::string& name) const

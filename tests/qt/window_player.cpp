@@ -13,7 +13,8 @@
 //     close            what the frame's close button does
 //
 // Each line is answered by "box TITLE: TEXT" for each box that it brought up, line ends as \n, and
-// then by "done 1" while the window is there, "done 0" when it is closed.
+// then by "done 1" while the window is there, "done 0" when it is closed. Before the first "done"
+// stands "note TEXT" if the start has told something.
 
 #include "qt/program.h"
 #include "qt/scratch_folder.h"
@@ -21,6 +22,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -32,6 +34,11 @@
 using namespace quillon;
 
 namespace {
+
+QString OneLine(QString text)
+{
+    return text.replace('\n', "\\n");
+}
 
 class Hand {
 public:
@@ -85,9 +92,8 @@ private:
             // Queued: it may ask whether to overwrite, and no timer comes while it is at it.
             QMetaObject::invokeMethod(files, &QDialog::accept, Qt::QueuedConnection);
         } else if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
-            QString text = box->text();
             std::cout << "box " << box->windowTitle().toStdString() << ": "
-                      << text.replace('\n', "\\n").toStdString() << std::endl;
+                      << OneLine(box->text()).toStdString() << std::endl;
             QAbstractButton* button = box->button(yes ? QMessageBox::Yes : QMessageBox::No);
             button ? button->click() : box->accept();
         }
@@ -98,6 +104,18 @@ private:
     QString file;
     bool yes = false;
 };
+
+/// What the start has told: in the greeting, which goes, or in the note.
+QString Told(const MainWindow& window)
+{
+    if (const auto* note = window.findChild<QMessageBox*>("StartNote"))
+        return note->text();
+    auto* splash = window.findChild<QWidget*>("Splash");
+    if (!splash)
+        return {};
+    splash->close();
+    return splash->findChild<QLabel*>("Label2")->text().section("\n\n", 1);
+}
 
 }  // namespace
 
@@ -115,8 +133,8 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     if (!QTest::qWaitForWindowActive(program.window.get()))
         return EXIT_FAILURE;
-    if (auto* splash = program.window->findChild<QWidget*>("Splash"))
-        splash->close();
+    if (const QString told = Told(*program.window); !told.isEmpty())
+        std::cout << "note " << OneLine(told).toStdString() << std::endl;
     std::string line;
     do {
         QCoreApplication::processEvents();

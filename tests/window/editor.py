@@ -135,6 +135,10 @@ class Editor:
                 return window
         return None
 
+    def titles(self):
+        """Of all the program's windows."""
+        return [self.desktop.title(window) for window in self.desktop.windows(self.process.pid)]
+
     def caption(self):
         return self.desktop.title(self.window)
 

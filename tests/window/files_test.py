@@ -1,7 +1,9 @@
 """Opening, saving and the ends of the program, the bad ones too."""
 
+import shutil
 import unittest
 
+from desktop import wait_for
 from editor import ROOT, Editor
 
 TUNE = "greensleeves.gui"
@@ -116,6 +118,21 @@ class Files(unittest.TestCase):
             editor.menu("mnuExit")
             self.assertEqual(editor.ended(), 0)
 
+    def test_a_note_of_unsaved_work_leaves_the_keys_to_the_window(self):
+        with Editor(TUNE, files=[example(TUNE)]) as editor:
+            own = editor.folder / "data/quillon"
+            own.mkdir()
+            shutil.copy(example(TUNE), own / "reel-Rescue-20240101-120000-abcdefgh.gui")
+            editor.start()
+            wait_for("the note", lambda: "Quillon" in editor.titles())
+            editor.look("note-of-unsaved-work")
+            self.edit(editor)
+            editor.menu("mnuSave")
+            editor.settle()
+            self.assertIn(b'"7"\r\n', (editor.work / TUNE).read_bytes())
+            editor.menu("mnuExit")
+            self.assertEqual(editor.ended(), 0)
+
     def test_a_damaged_file_ends_the_program_after_its_message(self):
         with Editor("damaged.gui") as editor:
             (editor.work / "damaged.gui").write_bytes(example(TUNE).read_bytes()[:5000])
@@ -131,7 +148,7 @@ class Files(unittest.TestCase):
             editor.start()
             editor.menu("mnuAppend")
             editor.dialog("Run-time error")
-            kept = list((editor.folder / "data/quillon").glob("Rescue-*.gui"))
+            kept = list((editor.folder / "data/quillon").glob("full-Rescue-*.gui"))
             editor.look("run-time-error")
             editor.press("Enter")
             self.assertEqual(editor.ended(), 1)

@@ -26,7 +26,7 @@ class Player:
     """The real window, led by a hand that reads lines. `boxes` has what was shown so far."""
 
     def __init__(self, programs, tune, folder, environment):
-        self.boxes = []
+        self.boxes, self.notes = [], []
         self.process = subprocess.Popen(
             ["timeout", "30", programs / "window_player", *([tune] if tune else [])],
             cwd=folder, env=environment, text=True,
@@ -46,7 +46,8 @@ class Player:
         for line in self.process.stdout:
             if line.startswith("done "):
                 return line == "done 1\n"
-            self.boxes.append(line.rstrip("\n").removeprefix("box "))
+            kind, _, text = line.rstrip("\n").partition(" ")
+            (self.notes if kind == "note" else self.boxes).append(text)
         return False
 
     def pid(self):

@@ -1,0 +1,22 @@
+// The folder for the program's own files: tunings, the play file, rescue copies.
+
+#pragma once
+
+#include <string>
+
+namespace quillon {
+
+struct OwnFolder {
+    std::string Path;
+    std::string Trouble;  // why it is not the folder that was asked for, "" if it is
+};
+
+/// `wanted`, which is made if it is missing. Where it cannot be made or written, a private folder
+/// among the temporary files stands in for it: the one from an earlier session, or a new one with
+/// the tuning files that can be read. `wanted` again if there can be none.
+OwnFolder ChooseOwnFolder(const std::string& wanted);
+
+/// The folder of this run. Chosen once, so that all its files stay together.
+const OwnFolder& ChosenOwnFolder();
+
+}  // namespace quillon
