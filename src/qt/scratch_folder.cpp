@@ -69,6 +69,18 @@ bool EnterNewFolderIn(const fs::path& place)
     return false;
 }
 
+/// What the user has named from the folder that he was in.
+void MakeNamedPathsAbsolute()
+{
+    std::error_code failed;
+    for (const char* name : {"QUILLON_AUDIO_FILE", "QUILLON_SOUNDFONT"}) {
+        const char* path = std::getenv(name);
+        const std::string whole = path ? fs::absolute(path, failed).string() : "";
+        if (!whole.empty())
+            setenv(name, whole.c_str(), 1);
+    }
+}
+
 void RemoveOwnFolder()
 {
     std::error_code ignored;
@@ -80,6 +92,7 @@ void RemoveOwnFolder()
 
 void EnterScratchFolder()
 {
+    MakeNamedPathsAbsolute();
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     std::error_code failed;
     for (const fs::path& place :

@@ -11,7 +11,8 @@ namespace quillon {
 
 /// Makes a folder of this run alone the current directory: under $XDG_RUNTIME_DIR or, where none
 /// can be made there, among the temporary files. It goes at the end of the run; what a killed run
-/// has left goes at a later start. Where no folder can be made, the current directory stays.
+/// has left goes at a later start. Where no folder can be made, the current directory stays. Paths
+/// in the program's own environment variables are made absolute before.
 void EnterScratchFolder();
 
 /// The folder that the program was started in, or the user's home where that cannot be written.
