@@ -559,7 +559,7 @@ class Window(DiskTest):
 
     def rescued(self, folder=None):
         """The bytes of the one rescue copy there, None without any."""
-        copies = list((folder or self.home / "data/quillon").glob("Rescue-*"))
+        copies = list((folder or self.home / "data/quillon").glob("*-Rescue-*"))
         self.assertLess(len(copies), 2)
         return copies[0].read_bytes() if copies else None
 
@@ -572,17 +572,18 @@ class Window(DiskTest):
         self.assertEqual(window.end(), 0)
         return path.read_bytes()
 
-    def assert_fault(self, window, doing, kept=None):
+    def assert_fault(self, window, doing, kept=None, file=None):
         self.assertFalse(window.open)
         self.assertEqual(window.end(), 1)
         self.assertEqual(len(window.boxes), 1)
         lines = window.boxes[0].split(r"\n")
         self.assertEqual(lines[:2], [BOX, f"The error occurred during: {doing}"])
         if kept is None:
-            self.assertEqual(len(lines), 2)
-        else:
-            self.assertRegex(lines[2], f"^Your work has been saved in {re.escape(str(kept))}/Rescue-")
             self.assertEqual(len(lines), 3)
+        else:
+            self.assertRegex(lines[2], f"^Your work has been saved in {re.escape(str(kept))}/.+-Rescue-")
+            self.assertEqual(len(lines), 4)
+        self.assertRegex(lines[-1], rf"^The file: {re.escape(str(file or '/'))}")
 
     # Saving
 
@@ -592,11 +593,12 @@ class Window(DiskTest):
         window.do(*self.GROW)
         disk.fill()
         window.do("menu mnuSave")
-        self.assert_fault(window, "Save", self.home / "data/quillon")
+        self.assert_fault(window, "Save", self.home / "data/quillon",
+                          f"{disk.path / TUNE.name} (No space left on device)")
         expected = self.saved_after(*self.GROW)
         self.assertEqual(self.rescued(), expected)
         self.assertGreater(len(expected), len((disk.path / TUNE.name).read_bytes()))
-        reopened = self.window(next((self.home / "data/quillon").glob("Rescue-*")))
+        reopened = self.window(next((self.home / "data/quillon").glob("*-Rescue-*")))
         self.assertEqual((reopened.open, reopened.boxes), (True, []))
         self.assertEqual(reopened.end(), 0)
 
@@ -667,10 +669,6 @@ class Window(DiskTest):
             window.do("type 8", "key Enter")
             self.assertEqual((window.open, window.boxes), (True, []))
             self.assertEqual(self.rescued(disk.path / "quillon"), before)
-        disk.protect()
-        window.do("type 9", "key Enter")
-        self.assertEqual(self.rescued(disk.path / "quillon"), before)
-        disk.protect(False)
         disk.free()
         window.do("key Down")
         copy = self.rescued(disk.path / "quillon")
@@ -680,11 +678,53 @@ class Window(DiskTest):
         self.assertNotEqual(copy, before)
         self.assertEqual(window.end(), 0)
 
-    def test_without_a_place_for_rescue_copies_everything_else_works(self):
+    def test_a_folder_of_the_program_that_cannot_be_used_gives_way_to_a_private_one(self):
+        disk = self.disk()
+        self.window(XDG_DATA_HOME=disk.path).end()
+        tunings = (disk.path / "quillon/Strings6.tun").read_bytes() + b'"Mine",1,2,3,4,5,6\r\n'
+        (disk.path / "quillon/Strings6.tun").write_bytes(tunings)
+        disk.protect()
+        file, link = self.home / "file", self.home / "link"
+        file.touch()
+        link.symlink_to(self.home / "nowhere")
+        for data, reason in (
+            (disk.path, "Read-only file system"),
+            (file, "Not a directory"),
+            (link, "Not a directory"),
+            ("/proc/nobody", "No such file or directory"),
+        ):
+            with self.subTest(data):
+                path = self.work / "tune.gui"
+                shutil.copy(TUNE, path)
+                window = self.window(path, XDG_DATA_HOME=data)
+                (own,) = (self.home / "temporary").glob("quillon-own-*")
+                self.assertEqual(own.stat().st_mode & 0o777, 0o700)
+                self.assertEqual(
+                    window.notes,
+                    [f"The folder for unsaved work and tunings cannot be used: {reason}.\\n"
+                     f"Until it can, they are kept in {own}, which the system may clear."],
+                )
+                window.do("type 7", "key Enter")
+                copy = self.rescued(own)
+                window.do("menu mnuSave", "type 8")
+                self.assertEqual((window.end(), window.boxes), (0, []))
+                self.assertEqual(path.read_bytes(), copy)
+                if data == disk.path:
+                    self.assertEqual((own / "Strings6.tun").read_bytes(), tunings)
+                again = self.window(XDG_DATA_HOME=data)
+                self.assertEqual(len(again.notes), 1)
+                self.assertIn(f"earlier session is in {own}:\\ntune-Rescue-", again.notes[0])
+                self.assertEqual((again.end(), again.boxes), (0, []))
+                shutil.rmtree(own)
+
+    def test_where_no_private_folder_can_be_made_either_everything_else_works(self):
         disk = self.disk()
         self.window(XDG_DATA_HOME=disk.path).end()  # leaves the tuning file
         disk.protect()
-        window = self.window(shutil.copy(TUNE, self.work), XDG_DATA_HOME=disk.path)
+        window = self.window(
+            shutil.copy(TUNE, self.work), XDG_DATA_HOME=disk.path, TMPDIR=disk.path
+        )
+        self.assertIn("cannot be used: Read-only file system.", window.notes[0])
         window.do("type 7", "key Enter", "menu mnuSave", "menu mnuExit")
         self.assertEqual((window.end(), window.boxes), (0, []))
         expected = self.saved_after("type 7", "key Enter")

@@ -20,7 +20,7 @@ LEVELS = [["platform"], ["store"], ["notation", "midi"], ["editor"], ["history"]
 LEVEL = {room: level for level, rooms in enumerate(LEVELS) for room in rooms}
 CORE = {"platform", "store", "notation", "midi", "editor", "history", "shell", "headless"}
 CALLS_THE_SYSTEM = SRC / "store/staged_file.cpp"
-POSIX = {"fcntl.h", "sys/stat.h", "unistd.h"}
+POSIX = {"fcntl.h", "sys/file.h", "sys/stat.h", "unistd.h"}
 
 STANDARD = set(
     """

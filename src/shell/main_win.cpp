@@ -2,6 +2,7 @@
 
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
+#include "store/staged_file.h"
 #include "store/tune_file.h"
 
 namespace quillon {
@@ -319,6 +320,9 @@ void MainWin::IncompatibleFile()
 
 void MainWin::WriteTuneFile()
 {
+    if (IsLocked(tune.FileName))
+        throw Fault::OfFile(Error::PathFileAccess, tune.FileName,
+                            "a Quillon that is running keeps its unsaved work there");
     WriteFileBytes(tune.FileName, TuneBytes(tune));
     ++form.Writes;
 }

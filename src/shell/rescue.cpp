@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <ctime>
+#include <cwchar>
 #include <filesystem>
+#include <locale>
+#include <random>
+#include <string_view>
 
 namespace quillon {
 
@@ -12,7 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kPrefix = "Rescue-";
+constexpr std::string_view kMark = "Rescue-";
+constexpr unsigned kMode = 0600;
+constexpr int kMostCharacters = 40;  // of the tune's name; a character has up to four bytes
 
 /// Appends the parked records that are not back in the table yet. Their measures go on counting
 /// from `measure`, the last one in the table.
@@ -38,15 +44,61 @@ std::string TimeStamp()
     return text;
 }
 
-/// A path that is free, named for the present time.
+/// Its characters, up to so many. What is no UTF-8 or cannot be seen becomes "_".
+std::string Readable(const std::string& name, int mostCharacters)
+{
+    const auto& utf8 =
+        std::use_facet<std::codecvt<char32_t, char8_t, std::mbstate_t>>(std::locale::classic());
+    const std::u8string bytes(name.begin(), name.end());
+    std::string readable;
+    std::size_t i = 0;
+    for (int count = 0; count < mostCharacters && i < bytes.size(); ++count) {
+        std::mbstate_t state = {};
+        const char8_t* character = bytes.data() + i;
+        const int length = utf8.length(state, character, bytes.data() + bytes.size(), 1);
+        const bool isControl = *character < ' ' || *character == 0x7f;
+        const auto size = static_cast<std::size_t>(std::max(length, 1));
+        readable += length < 1 || isControl ? "_" : name.substr(i, size);
+        i += size;
+    }
+    return readable;
+}
+
+/// How the names of a tune's copies begin, also if the tune is a copy itself.
+std::string TuneName(const std::string& fileName)
+{
+    const std::string stem = fs::path(fileName).stem().string();
+    std::string name =
+        Readable(stem.substr(0, stem.find("-" + std::string(kMark))), kMostCharacters);
+    if (name.starts_with('.'))
+        name[0] = '_';  // else the copy would be hidden
+    return name.empty() ? "Untitled" : name;
+}
+
+std::string RandomLetters()
+{
+    std::random_device random;
+    std::string letters;
+    for (int i = 0; i < 8; ++i)
+        letters += static_cast<char>('a' + random() % 26);
+    return letters;
+}
+
+/// A path that nobody can foretell, named for the tune and the present time.
 std::string NewPath(const MainWin& win, const std::string& folder)
 {
-    const std::string extension = std::string(".") + FindMode(win.tune.NumStrings)->Extension;
-    const std::string stem = folder + "/" + std::string(kPrefix) + TimeStamp();
-    std::string free = stem + extension;
-    for (int n = 2; fs::exists(free); ++n)
-        free = stem + '-' + std::to_string(n).append(extension);
-    return free;
+    return folder + "/" + TuneName(win.tune.FileName) + "-" + std::string(kMark) + TimeStamp() +
+           "-" + RandomLetters() + "." + FindMode(win.tune.NumStrings)->Extension;
+}
+
+/// The part of a copy's name that tells its time; "" if it is no copy's name.
+std::string_view TimeIn(std::string_view name)
+{
+    const std::size_t mark = name.rfind(kMark);
+    const std::size_t time = mark + kMark.size();
+    const bool isCopy = mark != std::string_view::npos && time < name.size() && name[time] >= '0' &&
+                        name[time] <= '9';
+    return isCopy ? name.substr(time) : std::string_view();
 }
 
 }  // namespace
@@ -66,10 +118,10 @@ std::vector<std::string> RescueCopiesIn(const std::string& folder)
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(folder, ignored)) {
         const std::string name = entry.path().filename().string();
-        if (name.starts_with(kPrefix) && name.find(".part") == std::string::npos)
+        if (!TimeIn(name).empty() && !IsLocked(entry.path()))
             names.push_back(name);
     }
-    std::sort(names.begin(), names.end());
+    std::ranges::sort(names, {}, TimeIn);
     return names;
 }
 
@@ -88,33 +140,35 @@ bool RescueCopy::TailWasLost() const
     return now.Bytes != parked || (now.RecordsBack == 0 && !inserting);
 }
 
-void RescueCopy::LeaveBehind()
-{
-    path.clear();
-    written.clear();
-}
-
 void RescueCopy::Write()
 {
     std::error_code ignored;
-    std::string aside;
     behind = true;
     try {
         std::string bytes = RescueBytes(win);
         if (bytes != written) {
+            auto aside = std::make_unique<TemporaryFile>(folder, kMode);
+            aside->Lock();
+            aside->Write(bytes);
             if (path.empty())
                 path = NewPath(win, folder);
-            aside = path + ".part";
-            WriteFileBytes(aside, bytes);
-            fs::rename(aside, path);
+            aside->Rename(path);
+            file = std::move(aside);
             written = std::move(bytes);
         }
         behind = false;
     } catch (const std::exception&) {
-        fs::remove(aside, ignored);
         if (!fs::exists(path, ignored))
             path.clear();
     }
+}
+
+/// The next copy is another file.
+void RescueCopy::LeaveBehind()
+{
+    path.clear();
+    written.clear();
+    file.reset();
 }
 
 void RescueCopy::Refresh()

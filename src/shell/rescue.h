@@ -1,13 +1,18 @@
-// The rescue copy: unsaved work outlives a run-time error, a kill and a power cut.
+// The rescue copy: unsaved work outlives a run-time error and a kill.
 //
 // After each event that left the tune changed and unsaved, the tune as it stands, with a tail that
 // is parked for the moment, is in a file of this run in the program's own folder. The file is
-// written aside and renamed, so it is whole at every moment.
+// written aside and renamed, so it is whole at every moment for all who look. Nothing waits for the
+// disk: a power cut takes what the system has not written by itself, some half a minute's work.
+//
+// As long as the run lives the file is locked.
 
 #pragma once
 
 #include "shell/main_win.h"
+#include "store/staged_file.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,7 +22,7 @@ namespace quillon {
 /// the bytes of a tune file. A table that overflowed gives more records than can be opened.
 std::string RescueBytes(const MainWin& win);
 
-/// The rescue copies that lie in a folder, as file names.
+/// The rescue copies of finished runs that lie in a folder, as file names, oldest first.
 std::vector<std::string> RescueCopiesIn(const std::string& folder);
 
 class RescueCopy {
@@ -52,10 +57,11 @@ private:
 
     MainWin& win;
     std::string folder;
-    std::string path;     // "" until a copy was written
-    std::string written;  // what it holds
-    std::string parked;   // the parked tail at the last refresh
-    bool behind = false;  // the last try to write it has failed
+    std::string path;                     // "" until a copy was written
+    std::string written;                  // what it holds
+    std::unique_ptr<TemporaryFile> file;  // keeps it locked
+    std::string parked;                   // the parked tail at the last refresh
+    bool behind = false;                  // the last try to write it has failed
 };
 
 }  // namespace quillon

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <random>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -102,6 +103,22 @@ TemporaryFile::~TemporaryFile()
         unlink(path.c_str());
 }
 
+void TemporaryFile::Write(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR)
+            Fail(errno);
+        if (written > 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void TemporaryFile::Lock()
+{
+    flock(descriptor, LOCK_EX | LOCK_NB);
+}
+
 void TemporaryFile::Rename(const fs::path& place)
 {
     fs::rename(path, place);
@@ -116,13 +133,7 @@ StagedFile::StagedFile(const fs::path& path, unsigned mode)
 
 void StagedFile::Write(std::string_view bytes)
 {
-    while (!bytes.empty()) {
-        const ssize_t written = write(file.Descriptor(), bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR)
-            Fail(errno);
-        if (written > 0)
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
+    file.Write(bytes);
     Sync();
 }
 
@@ -152,6 +163,19 @@ void ReplaceFile(const fs::path& path, std::string_view bytes, unsigned mode)
     file.Write(bytes);
     file.TakePlace();
     SyncFolder(FolderOf(PlaceOf(path)));
+}
+
+bool IsLocked(const fs::path& path)
+{
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored))
+        return false;
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool locked = flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    close(descriptor);
+    return locked;
 }
 
 bool IsStream(const fs::path& path)

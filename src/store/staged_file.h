@@ -29,6 +29,12 @@ public:
     const std::string& Path() const { return path; }
     int Descriptor() const { return descriptor; }
 
+    void Write(std::string_view bytes);
+
+    /// Shows other runs, until this object or the program ends, that the file is in use. Where the
+    /// file system knows no locks, nothing happens.
+    void Lock();
+
     /// Renames it, over a file that is there.
     void Rename(const std::filesystem::path& place);
 
@@ -66,6 +72,9 @@ void SyncFolder(const std::filesystem::path& folder);
 /// Replaces the file at `path`, or makes a new one, for good. On failure all is as it was.
 void ReplaceFile(const std::filesystem::path& path, std::string_view bytes,
                  unsigned mode = kNewFileMode);
+
+/// Whether a file is locked by a TemporaryFile, of this run or another.
+bool IsLocked(const std::filesystem::path& path);
 
 /// Whether `path` is a stream that no file can replace: a device, a pipe, or an open file
 /// such as /dev/stdout.

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 
@@ -14,7 +15,12 @@ namespace {
 /// A scripted window; after each line the copy is refreshed, as after each event in the window.
 class FreshRescueCopy : public testing::Test {
 protected:
-    FreshRescueCopy() { setenv("TMPDIR", folder.Path("elsewhere").c_str(), 1); }
+    FreshRescueCopy()
+    {
+        setenv("TMPDIR", elsewhere.c_str(), 1);
+        std::filesystem::create_directory(own);
+    }
+
     ~FreshRescueCopy() override { setenv("TMPDIR", temporary.c_str(), 1); }
 
     void Play(const std::string& script)
@@ -26,7 +32,28 @@ protected:
         }
     }
 
-    std::size_t Copies() const { return RescueCopiesIn(folder.Path()).size(); }
+    static std::size_t CopiesIn(const std::string& place)
+    {
+        return static_cast<std::size_t>(
+            std::ranges::count_if(std::filesystem::directory_iterator(place), [](const auto& file) {
+                return file.path().string().find("-Rescue-") != std::string::npos;
+            }));
+    }
+
+    std::size_t Copies() const { return CopiesIn(own); }
+
+    /// Nothing can be written where the copies lie until it is given back.
+    void TakeAway() const
+    {
+        std::filesystem::rename(own, folder.Path("away"));
+        WriteFileBytes(own, "");
+    }
+
+    void GiveBack() const
+    {
+        std::filesystem::remove(own);
+        std::filesystem::rename(folder.Path("away"), own);
+    }
 
     /// Two full measures of quarters on string 1.
     void TypeTwoMeasures()
@@ -40,9 +67,11 @@ protected:
 
     const std::string temporary = std::filesystem::temp_directory_path().string();
     TemporaryDirectory folder;
+    const std::string own = folder.Path("own");
+    const std::string elsewhere = folder.Path("elsewhere");
     std::ostringstream output;
     Scenario scenario{folder.Path(), output};
-    RescueCopy copy{scenario.Window(), folder.Path()};
+    RescueCopy copy{scenario.Window(), own};
 };
 
 TEST_F(FreshRescueCopy, IsThereAfterTheFirstKeyAndHoldsEveryLaterOne)
@@ -201,20 +230,22 @@ TEST_F(FreshRescueCopy, OfASaveThatFailsIsKeptThoughNothingWasChanged)
 
 TEST_F(FreshRescueCopy, OnAFullDiskIsSimplyNotThere)
 {
-    RescueCopy elsewhere(scenario.Window(), "/dev/full");  // a file where the folder should be
+    RescueCopy nowhere(scenario.Window(), "/dev/full");  // a file where the folder should be
     Play("type 3");
-    elsewhere.Refresh();
-    EXPECT_EQ(elsewhere.Path(), "");
-    EXPECT_EQ(elsewhere.Keep(), "");
+    nowhere.Refresh();
+    EXPECT_EQ(nowhere.Path(), "");
+    EXPECT_EQ(nowhere.Keep(), "");
 }
 
 TEST_F(FreshRescueCopy, KeepsWhatItHadWhenTheDiskFillsUp)
 {
     Play("type 3");
     const std::string held = ReadFileBytes(copy.Path());
-    std::filesystem::create_symlink("/dev/full", copy.Path() + ".part");
+    const std::string name = std::filesystem::path(copy.Path()).filename();
+    TakeAway();
     Play("type 5");
-    EXPECT_EQ(ReadFileBytes(copy.Path()), held);
+    GiveBack();
+    EXPECT_EQ(ReadFileBytes(own + "/" + name), held);
     Play("type 7");
     EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(scenario.Window().tune));
 }
@@ -222,43 +253,83 @@ TEST_F(FreshRescueCopy, KeepsWhatItHadWhenTheDiskFillsUp)
 TEST_F(FreshRescueCopy, ThatHasFallenBehindIsBroughtUpToDateAtAFault)
 {
     Play("type 3");
-    std::filesystem::create_symlink("/dev/full", copy.Path() + ".part");
+    TakeAway();
     Play("type 5");
+    GiveBack();
     EXPECT_EQ(ReadFileBytes(copy.Keep()), TuneBytes(scenario.Window().tune));
-    EXPECT_EQ(Copies(), 1U);
 }
 
 TEST_F(FreshRescueCopy, ThatCannotBeBroughtUpToDateIsKeptElsewhereAtAFault)
 {
-    const std::string elsewhere = folder.Path("elsewhere");
     std::filesystem::create_directory(elsewhere);
     Play("type 3");
-    const std::string before = ReadFileBytes(copy.Path());
-    std::filesystem::create_directories(copy.Path() + ".part/inside");
+    TakeAway();
     Play("type 5");
     const std::string kept = copy.Keep();
     EXPECT_EQ(std::filesystem::path(kept).parent_path(), elsewhere);
     EXPECT_EQ(ReadFileBytes(kept), TuneBytes(scenario.Window().tune));
-    EXPECT_EQ(ReadFileBytes(copy.Path()), before);
-    EXPECT_EQ(RescueCopiesIn(elsewhere).size(), 1U);
-}
-
-TEST_F(FreshRescueCopy, ThatHasFallenBehindIsNamedWhereNothingCanBeWritten)
-{
-    Play("type 3");
-    const std::string before = ReadFileBytes(copy.Path());
-    std::filesystem::create_directories(copy.Path() + ".part/inside");
-    Play("type 5");
-    EXPECT_EQ(copy.Keep(), copy.Path());
-    EXPECT_EQ(ReadFileBytes(copy.Path()), before);
+    EXPECT_EQ(CopiesIn(elsewhere), 1U);
 }
 
 TEST_F(FreshRescueCopy, InAFolderThatCannotBeWrittenIsSimplyNotThere)
 {
-    RescueCopy elsewhere(scenario.Window(), folder.Path("missing"));
+    RescueCopy nowhere(scenario.Window(), folder.Path("missing"));
     Play("type 3");
-    elsewhere.Refresh();
-    EXPECT_EQ(elsewhere.Path(), "");
+    nowhere.Refresh();
+    EXPECT_EQ(nowhere.Path(), "");
+}
+
+TEST_F(FreshRescueCopy, OfALivingRunIsLockedAndNotOffered)
+{
+    Play("type 3");
+    EXPECT_TRUE(IsLocked(copy.Path()));
+    EXPECT_EQ(RescueCopiesIn(own).size(), 0U);
+    Play("key Enter\ntype 5");
+    EXPECT_TRUE(IsLocked(copy.Path())) << "written anew";
+}
+
+TEST_F(FreshRescueCopy, IsOfferedOnceItsRunHasEnded)
+{
+    {
+        RescueCopy finished(scenario.Window(), own);
+        scenario.Play("type 3");
+        finished.Refresh();
+    }
+    EXPECT_EQ(RescueCopiesIn(own).size(), 1U);
+}
+
+TEST_F(FreshRescueCopy, ThatIsLeftBehindIsOfferedAtOnce)
+{
+    TypeTwoMeasures();
+    Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\nkey Enter");
+    const std::string first = std::filesystem::path(copy.Path()).filename();
+    Play("menu mnuAppend\ntype 5\nkey Enter");
+    EXPECT_EQ(RescueCopiesIn(own), std::vector{first});
+}
+
+TEST_F(FreshRescueCopy, OfALivingRunCannotBeSavedOver)
+{
+    RescueCopy other(scenario.Window(), own);
+    Play("type 3");
+    other.Refresh();
+    const std::string held = ReadFileBytes(other.Path());
+    Play("key Enter\ndialog " + other.Path() + "\nmenu mnuSaveAs");
+    EXPECT_EQ(scenario.Window().form.Saved, 0) << "as after any failure of Save As";
+    EXPECT_EQ(ReadFileBytes(other.Path()), held);
+    Play("menu mnuSave");
+    EXPECT_EQ(scenario.Status(), 0) << "no name, no Save";
+    scenario.Window().form.mnuSaveEnabled = true;
+    Play("menu mnuSave");
+    EXPECT_EQ(scenario.Status(), 1);
+    EXPECT_EQ(ReadFileBytes(other.Path()), held);
+    EXPECT_EQ(ReadFileBytes(copy.Keep()), TuneBytes(scenario.Window().tune));
+}
+
+TEST_F(FreshRescueCopy, IsReadByItsOwnerAlone)
+{
+    Play("type 3");
+    EXPECT_EQ(std::filesystem::status(copy.Path()).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 }  // namespace

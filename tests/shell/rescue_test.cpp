@@ -2,6 +2,7 @@
 #include "store/tune_file.h"
 #include "support/desk.h"
 
+#include <regex>
 #include <string_view>
 
 namespace quillon {
@@ -28,6 +29,11 @@ protected:
         return copy.Path();
     }
 
+    static std::string NameOf(const std::string& path)
+    {
+        return std::filesystem::path(path).filename();
+    }
+
     /// What is read back from the rescue copy.
     Tune Rescued()
     {
@@ -48,14 +54,13 @@ protected:
     }
 };
 
-TEST_F(Rescue, CopyIsNamedByTheTimeAndTheInstrument)
+TEST_F(Rescue, CopyIsNamedByTheTuneTheTimeAndTheInstrument)
 {
     Type("1\r");
     const std::string path = Written();
-    const std::string name = path.substr(folder.Path().size() + 1);
-    ASSERT_TRUE(name.starts_with("Rescue-") && name.ends_with(".gui")) << name;
-    EXPECT_EQ(name.substr(7, name.size() - 11).find_first_not_of("0123456789-"), std::string::npos)
-        << name;
+    EXPECT_TRUE(
+        std::regex_match(NameOf(path), std::regex("Untitled-Rescue-\\d{8}-\\d{6}-[a-z]{8}\\.gui")))
+        << path;
     EXPECT_EQ(ReadFileBytes(path), TuneBytes(win.tune));
 }
 
@@ -63,6 +68,42 @@ TEST_F(Rescue, CopyNeverReplacesAnother)
 {
     Type("1\r");
     EXPECT_NE(Written(), Written());
+}
+
+TEST_F(Rescue, CopyIsNamedForAnyNameThatATuneMayHave)
+{
+    Type("1\r");
+    std::string longName;
+    for (int i = 0; i < 63; ++i)
+        longName += "\xf0\x9d\x84\x9e";  // a clef of four bytes
+    const std::pair<std::string, std::string> names[] = {
+        {"/home/me/Reel No. 2.gui", "Reel No. 2"},
+        {"/home/me/tune", "tune"},
+        {"/home/me/.gui", "_gui"},
+        {"/home/me/two\nlines\t\x7f.gui", "two_lines__"},
+        {"/home/me/\xc3\xa9tude.gui", "\xc3\xa9tude"},
+        {"/home/me/\xe9tude \xc3.gui", "_tude _"},
+        {"/own/reel-Rescue-20240101-120000-abcdefgh.gui", "reel"},
+        {"/home/me/" + longName.substr(0, 248) + ".gui", longName.substr(0, 160)},
+    };
+    for (const auto& [fileName, name] : names) {
+        win.tune.FileName = fileName;
+        const std::string copy = NameOf(Written());
+        EXPECT_TRUE(copy.starts_with(name + "-Rescue-")) << copy;
+        EXPECT_EQ(RescueCopiesIn(folder.Path()), std::vector{copy});
+        std::filesystem::remove(copy);
+    }
+}
+
+TEST_F(Rescue, CopiesAreFoundInTheOrderOfTheirTimes)
+{
+    const std::string names[] = {"Rescue-20240101-120000.gui", "reel-Rescue-20240102-120000-x.bjo",
+                                 "air-Rescue-20240103-120000-x.gui"};
+    for (const std::string& name : {names[2], names[0], names[1]})
+        WriteFileBytes(name, "");
+    for (const char* name : {"Strings6.tun", "Rescue-me.gui", ".quillon-1"})
+        WriteFileBytes(name, "");
+    EXPECT_EQ(RescueCopiesIn(folder.Path()), std::vector(std::begin(names), std::end(names)));
 }
 
 TEST_F(Rescue, CopyHoldsTheTailThatAnInsertionHasParked)
@@ -155,7 +196,7 @@ TEST_F(Rescue, AnAppendThatThrowsTheTailAwayLeavesOneCopyBehind)
     copy.Refresh();
     Type("9\r");
     copy.Refresh();
-    EXPECT_EQ(RescueCopiesIn(folder.Path()).size(), 2U);
+    EXPECT_EQ(RescueCopiesIn(folder.Path()), std::vector{NameOf(left)});
     EXPECT_NE(copy.Path(), left);
     EXPECT_NE(ReadFileBytes(left).find("\r\n3,7,48\r\n"), std::string::npos);
     EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(win.tune));

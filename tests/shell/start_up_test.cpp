@@ -237,6 +237,19 @@ TEST_F(StartUp, AFileThatIsMissingShowsItsBox)
     EXPECT_FALSE(win.form.FirstActivation);
 }
 
+TEST_F(StartUp, AFileThatIsMissingLeavesTheTableEmptyUntilFileNew)
+{
+    StartWith(folder.Path("missing.gui"));
+    EXPECT_EQ(Table(), "");
+    EXPECT_EQ(win.tune.CurNote, 1);
+    EXPECT_EQ(win.tune.FileName, folder.Path("missing.gui"));
+    EXPECT_FALSE(win.form.mnuSaveEnabled);
+    win.mnuNew();
+    EXPECT_TRUE(win.tune[1].IsHead());
+    EXPECT_EQ(win.tune.CurNote, 2);
+    EXPECT_EQ(win.tune.FileName, "");
+}
+
 TEST_F(StartUp, LaterActivationsRedrawTheMeasure)
 {
     Start();

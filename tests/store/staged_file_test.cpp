@@ -204,5 +204,30 @@ TEST_F(StagedFileTest, StreamsArePipesDevicesAndOpenFiles)
         EXPECT_FALSE(IsStream(place)) << place;
 }
 
+TEST_F(StagedFileTest, ALockedFileIsSeenAsSuchUnderEachOfItsNamesUntilItsObjectGoes)
+{
+    {
+        TemporaryFile file(folder.Path(), 0600);
+        file.Write("one");
+        EXPECT_FALSE(IsLocked(file.Path()));
+        file.Lock();
+        EXPECT_TRUE(IsLocked(file.Path()));
+        file.Rename("f");
+        EXPECT_TRUE(IsLocked("f"));
+        fs::create_symlink("f", "link");
+        EXPECT_TRUE(IsLocked("link"));
+    }
+    EXPECT_FALSE(IsLocked("f"));
+    EXPECT_EQ(ReadFileBytes("f"), "one");
+}
+
+TEST_F(StagedFileTest, NothingButALockedFileIsLocked)
+{
+    WriteFileBytes("f", "");
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    for (const char* path : {"f", "pipe", "missing", ".", ""})
+        EXPECT_FALSE(IsLocked(path)) << path;
+}
+
 }  // namespace
 }  // namespace quillon

@@ -92,6 +92,54 @@ class TwoWindows(RunTest):
         self.assert_each_has_its_own(self.COPY)
 
 
+class RescueCopies(RunTest):
+    """The first window has typed something into a tune."""
+
+    def setUp(self):
+        super().setUp()
+        self.tune = pathlib.Path(shutil.copy(TUNES[1], self.work))
+        self.first = self.window(self.tune)
+        self.first.do("type 7", "key Enter")
+        (self.copy,) = (self.home / "data/quillon").glob("greensleeves-Rescue-*.gui")
+
+    def test_of_a_living_window_is_not_offered_and_of_a_dead_one_is(self):
+        for tune in "", self.tune:
+            second = self.window(tune)
+            self.assertEqual((second.end(), second.notes, second.boxes), (0, [], []))
+        os.kill(self.first.pid(), signal.SIGKILL)
+        self.first.end()
+        for tune in "", self.tune:
+            second = self.window(tune)
+            self.assertEqual(
+                second.notes,
+                [f"Unsaved work from an earlier session is in {self.copy.parent}:\\n"
+                 f"{self.copy.name}\\nTo look at it, choose File > Open."],
+            )
+            self.assertEqual((second.end(), second.boxes), (0, []))
+
+    def test_of_a_living_window_is_not_written_by_another(self):
+        held = self.copy.read_bytes()
+        second = self.window(self.copy)
+        second.do("type 5", "key Enter", f"file {self.copy}", "answer yes", "menu mnuSaveAs")
+        self.assertTrue(second.open)
+        self.assertEqual([box.partition(":")[0] for box in second.boxes], ["File Exists"])
+        self.assertEqual(self.copy.read_bytes(), held)
+        self.assertFalse(second.do("menu mnuSave"))
+        lines = second.boxes[1].split(r"\n")
+        self.assertEqual(lines[3], f"The file: {self.copy} "
+                         "(a Quillon that is running keeps its unsaved work there)")
+        kept = pathlib.Path(lines[2].removeprefix("Your work was kept in "))
+        self.assertRegex(kept.name, r"^greensleeves-Rescue-[-0-9]{15}-[a-z]{8}\.gui$")
+        self.assertNotIn(kept.read_bytes(), (held, TUNES[1].read_bytes()))
+        self.assertEqual(second.end(), 1)
+        self.assertEqual(self.copy.read_bytes(), held)
+        self.first.do("menu mnuSave")
+        self.assertEqual((self.first.end(), self.first.boxes), (0, []))
+        self.assertEqual(self.tune.read_bytes(), held)
+        self.assertFalse(self.copy.exists())
+        self.assertTrue(kept.exists())
+
+
 class ScratchFolder(RunTest):
     def test_is_the_run_s_own_and_goes_at_its_end(self):
         first, second = self.window(), self.window()
@@ -179,6 +227,36 @@ class Links(RunTest):
         window = self.window(shutil.copy(TUNES[0], self.work))
         window.do(*TwoWindows.INSERT, *TwoWindows.COPY)
         self.assertEqual((window.open, window.boxes), (True, []))
+
+    def test_under_the_names_of_rescue_copies_lead_nowhere(self):
+        now = time.time()
+        times = [time.strftime("%Y%m%d-%H%M%S", time.localtime(now + i)) for i in range(90)]
+        names = [f"Rescue-{at}.gui.part" for at in times]
+        for folder in self.home / "data/quillon", self.home / "temporary":
+            self.lie_in_wait(folder, names)
+        path = self.work / "tune.gui"
+        shutil.copy(TUNES[0], path)
+        window = self.window(path)
+        window.do("type 7", "key Enter")
+        shutil.rmtree(self.home / "data")  # the next copy goes among the temporary files
+        (self.home / "data").touch()
+        path.unlink()
+        path.mkdir()
+        self.assertFalse(window.do("menu mnuSave"))
+        kept = pathlib.Path(window.boxes[0].partition("kept in ")[2].partition(r"\n")[0])
+        self.assertEqual(kept.parent, self.home / "temporary")
+        self.assertFalse(kept.is_symlink())
+        self.assertEqual(kept.stat().st_mode & 0o777, 0o600)
+
+
+class Environment(RunTest):
+    def test_a_sound_file_is_named_from_where_the_program_was_started(self):
+        window = self.window(
+            shutil.copy(TUNES[0], self.work), QUILLON_AUDIO_FILE="sound.wav",
+        )
+        window.do("menu mnuOpnMidi", "press FType_1", "press cmdCreate", "press cmdPlay")
+        self.assertEqual((window.end(), window.boxes), (0, []))
+        self.assertTrue((self.work / "sound.wav").exists())
 
 
 def main():
