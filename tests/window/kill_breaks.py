@@ -44,9 +44,14 @@ BREAKS = {
         [
             (
                 "src/store/item_file.cpp",
-                "    file.close();\n    if (!file)\n        throw Fault(Error::PathFileAccess);\n",
+                "    file.close();\n    if (!file)\n        Fail(Error::PathFileAccess, path);\n",
                 "    file.close();\n",
-            )
+            ),
+            (
+                "src/store/staged_file.cpp",
+                "        if (written < 0 && errno != EINTR)\n            Fail(errno);\n",
+                "        if (written < 0)\n            return;\n",
+            ),
         ],
     ),
     "start": (
@@ -62,7 +67,7 @@ BREAKS = {
     ),
     "name": (
         "a new copy overwrites a file of its name",
-        [(RESCUE, "for (int n = 2; fs::exists(free); ++n)", "for (int n = 2; n < 2; ++n)")],
+        [(RESCUE, '"-" + RandomLetters() + "."', '"-" + RandomLetters().substr(8) + "."')],
     ),
     "named": (
         "a tune with a name gets no copy",
@@ -76,7 +81,14 @@ BREAKS = {
     ),
     "in-place": (
         "the copy is written in its place",
-        [(RESCUE, 'aside = path + ".part";', "aside = path;")],
+        [
+            (RESCUE, "            aside->Write(bytes);\n", ""),
+            (
+                RESCUE,
+                "            aside->Rename(path);\n",
+                "            aside->Rename(path);\n            aside->Write(bytes);\n",
+            ),
+        ],
     ),
 }
 
