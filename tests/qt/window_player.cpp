@@ -106,7 +106,7 @@ private:
 };
 
 /// What the start has told: in the greeting, which goes, or in the note.
-QString Told(const MainWindow& window)
+QString Told(const EditorWindow& window)
 {
     if (const auto* note = window.findChild<QMessageBox*>("StartNote"))
         return note->text();
