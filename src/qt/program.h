@@ -39,7 +39,7 @@ public:
         {dialogs, settings, system, printer, clipboard, player, midiPorts},
         metrics
     };
-    RescueCopy rescue{win, system.ProgramFolder()};
+    RescueCopy rescue{win.tune, win.form, system.ProgramFolder()};
     std::unique_ptr<EditorWindow> window;
     std::unique_ptr<EndFromOutside> endFromOutside;
 

@@ -85,10 +85,10 @@ std::string RandomLetters()
 }
 
 /// A path that nobody can foretell, named for the tune and the present time.
-std::string NewPath(const MainWin& win, const std::string& folder)
+std::string NewPath(const Tune& tune, const std::string& folder)
 {
-    return folder + "/" + TuneName(win.tune.FileName) + "-" + std::string(kMark) + TimeStamp() +
-           "-" + RandomLetters() + "." + FindMode(win.tune.NumStrings)->Extension;
+    return folder + "/" + TuneName(tune.FileName) + "-" + std::string(kMark) + TimeStamp() + "-" +
+           RandomLetters() + "." + FindMode(tune.NumStrings)->Extension;
 }
 
 /// The part of a copy's name that tells its time; "" if it is no copy's name.
@@ -103,12 +103,12 @@ std::string_view TimeIn(std::string_view name)
 
 }  // namespace
 
-std::string RescueBytes(const MainWin& win)
+std::string RescueBytes(const Tune& tune, const MainForm& form)
 {
-    std::string bytes = TuneBytes(win.tune);
-    const int last = std::max(int{win.tune.LastNote}, 0);  // edits can count an empty table below 0
-    if (!win.form.Parked.Bytes.empty())
-        AppendParkedTail(bytes, win.form.Parked, win.tune[last].Measure);
+    std::string bytes = TuneBytes(tune);
+    const int last = std::max(int{tune.LastNote}, 0);  // edits can count an empty table below 0
+    if (!form.Parked.Bytes.empty())
+        AppendParkedTail(bytes, form.Parked, tune[last].Measure);
     return bytes;
 }
 
@@ -129,12 +129,12 @@ std::vector<std::string> RescueCopiesIn(const std::string& folder)
 /// the tune counts as saved without it.
 bool RescueCopy::TailWasLost() const
 {
-    if (parked.empty() || win.form.Discarded)
+    if (parked.empty() || form.Discarded)
         return false;
-    if (win.form.Saved != SavedState::Unsaved)
+    if (form.Saved != SavedState::Unsaved)
         return true;
-    const ParkedTail& now = win.form.Parked;
-    const bool inserting = win.form.InputMode == InputMode::Insert;
+    const ParkedTail& now = form.Parked;
+    const bool inserting = form.InputMode == InputMode::Insert;
     if (now.Bytes.empty())
         return inserting;  // read back, unless a second insertion has parked nothing in its place
     return now.Bytes != parked || (now.RecordsBack == 0 && !inserting);
@@ -145,13 +145,13 @@ void RescueCopy::Write()
     std::error_code ignored;
     behind = true;
     try {
-        std::string bytes = RescueBytes(win);
+        std::string bytes = RescueBytes(tune, form);
         if (bytes != written) {
             auto aside = std::make_unique<TemporaryFile>(folder, kMode);
             aside->Lock();
             aside->Write(bytes);
             if (path.empty())
-                path = NewPath(win, folder);
+                path = NewPath(tune, folder);
             aside->Rename(path);
             file = std::move(aside);
             written = std::move(bytes);
@@ -175,8 +175,8 @@ void RescueCopy::Refresh()
 {
     if (TailWasLost()) {
         LeaveBehind();
-        if (win.form.InputMode != InputMode::Insert)
-            win.form.Parked = {};  // no command reads it back any more
+        if (form.InputMode != InputMode::Insert)
+            form.Parked = {};  // no command reads it back any more
     }
     Follow();
 }
@@ -184,9 +184,9 @@ void RescueCopy::Refresh()
 /// Writes or removes the copy, as the tune has come to be.
 void RescueCopy::Follow()
 {
-    parked = win.form.Parked.Bytes;
-    win.form.Discarded = false;
-    if (win.form.Saved == SavedState::Unsaved) {
+    parked = form.Parked.Bytes;
+    form.Discarded = false;
+    if (form.Saved == SavedState::Unsaved) {
         Write();
     } else if (!path.empty()) {
         std::error_code ignored;
@@ -206,14 +206,14 @@ bool RescueCopy::IsWhole() const
 
 std::string RescueCopy::Keep()
 {
-    if (win.form.Saved == SavedState::Unsaved && !behind && IsWhole())
+    if (form.Saved == SavedState::Unsaved && !behind && IsWhole())
         return path;
     written.clear();
     const std::string before = path;
     if (TailWasLost())
         LeaveBehind();
     Follow();
-    if (win.form.Saved == SavedState::Unsaved && behind) {
+    if (form.Saved == SavedState::Unsaved && behind) {
         std::string elsewhere = KeepElsewhere();
         if (!elsewhere.empty())
             return elsewhere;
@@ -229,7 +229,7 @@ std::string RescueCopy::KeepElsewhere() const
     const fs::path temporary = fs::temp_directory_path(missing);
     if (missing)
         return {};
-    RescueCopy copy(win, temporary.string());
+    RescueCopy copy(tune, form, temporary.string());
     copy.Write();
     return copy.path;
 }

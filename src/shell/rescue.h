@@ -9,8 +9,9 @@
 
 #pragma once
 
-#include "shell/main_win.h"
+#include "editor/main_form.h"
 #include "store/staged_file.h"
+#include "store/tune.h"
 
 #include <memory>
 #include <string>
@@ -20,7 +21,7 @@ namespace quillon {
 
 /// The tune as it stands in the table, with what an unfinished insertion or paste has parked, as
 /// the bytes of a tune file. A table that overflowed gives more records than can be opened.
-std::string RescueBytes(const MainWin& win);
+std::string RescueBytes(const Tune& tune, const MainForm& form);
 
 /// The rescue copies of finished runs that lie in a folder, as file names, oldest first.
 std::vector<std::string> RescueCopiesIn(const std::string& folder);
@@ -28,8 +29,8 @@ std::vector<std::string> RescueCopiesIn(const std::string& folder);
 class RescueCopy {
 public:
     /// The copies of this run go into `programFolder`.
-    RescueCopy(MainWin& mainWin, std::string programFolder)
-        : win(mainWin), folder(std::move(programFolder))
+    RescueCopy(const Tune& theTune, MainForm& mainForm, std::string programFolder)
+        : tune(theTune), form(mainForm), folder(std::move(programFolder))
     {
     }
 
@@ -55,7 +56,8 @@ private:
     void Write();
     std::string KeepElsewhere() const;
 
-    MainWin& win;
+    const Tune& tune;
+    MainForm& form;
     std::string folder;
     std::string path;                     // "" until a copy was written
     std::string written;                  // what it holds

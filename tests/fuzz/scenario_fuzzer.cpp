@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ostringstream output;
     Scenario scenario(folder.Path(), output);
     Play(scenario, script);
-    if (RescueBytes(scenario.Window()).empty())
+    if (RescueBytes(scenario.Window().tune, scenario.Window().form).empty())
         std::abort();
     return 0;
 }

@@ -71,7 +71,7 @@ protected:
     const std::string elsewhere = folder.Path("elsewhere");
     std::ostringstream output;
     Scenario scenario{folder.Path(), output};
-    RescueCopy copy{scenario.Window(), own};
+    RescueCopy copy{scenario.Window().tune, scenario.Window().form, own};
 };
 
 TEST_F(FreshRescueCopy, IsThereAfterTheFirstKeyAndHoldsEveryLaterOne)
@@ -230,7 +230,8 @@ TEST_F(FreshRescueCopy, OfASaveThatFailsIsKeptThoughNothingWasChanged)
 
 TEST_F(FreshRescueCopy, OnAFullDiskIsSimplyNotThere)
 {
-    RescueCopy nowhere(scenario.Window(), "/dev/full");  // a file where the folder should be
+    RescueCopy nowhere(scenario.Window().tune, scenario.Window().form,
+                       "/dev/full");  // a file where the folder should be
     Play("type 3");
     nowhere.Refresh();
     EXPECT_EQ(nowhere.Path(), "");
@@ -273,7 +274,7 @@ TEST_F(FreshRescueCopy, ThatCannotBeBroughtUpToDateIsKeptElsewhereAtAFault)
 
 TEST_F(FreshRescueCopy, InAFolderThatCannotBeWrittenIsSimplyNotThere)
 {
-    RescueCopy nowhere(scenario.Window(), folder.Path("missing"));
+    RescueCopy nowhere(scenario.Window().tune, scenario.Window().form, folder.Path("missing"));
     Play("type 3");
     nowhere.Refresh();
     EXPECT_EQ(nowhere.Path(), "");
@@ -291,7 +292,7 @@ TEST_F(FreshRescueCopy, OfALivingRunIsLockedAndNotOffered)
 TEST_F(FreshRescueCopy, IsOfferedOnceItsRunHasEnded)
 {
     {
-        RescueCopy finished(scenario.Window(), own);
+        RescueCopy finished(scenario.Window().tune, scenario.Window().form, own);
         scenario.Play("type 3");
         finished.Refresh();
     }
@@ -309,12 +310,13 @@ TEST_F(FreshRescueCopy, ThatIsLeftBehindIsOfferedAtOnce)
 
 TEST_F(FreshRescueCopy, OfALivingRunCannotBeSavedOver)
 {
-    RescueCopy other(scenario.Window(), own);
+    RescueCopy other(scenario.Window().tune, scenario.Window().form, own);
     Play("type 3");
     other.Refresh();
     const std::string held = ReadFileBytes(other.Path());
     Play("key Enter\ndialog " + other.Path() + "\nmenu mnuSaveAs");
-    EXPECT_EQ(scenario.Window().form.Saved, 0) << "as after any failure of Save As";
+    EXPECT_EQ(scenario.Window().form.Saved, SavedState::Unsaved)
+        << "as after any failure of Save As";
     EXPECT_EQ(ReadFileBytes(other.Path()), held);
     Play("menu mnuSave");
     EXPECT_EQ(scenario.Status(), 0) << "no name, no Save";

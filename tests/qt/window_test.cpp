@@ -587,11 +587,11 @@ private slots:
     {
         for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
             QTest::keyClicks(Staff(), "1");
-            QCOMPARE(RescueCopiesIn(RescueFolder()).size(), 1U);
+            QVERIFY(IsLocked(program->rescue.Path()));
             QTimer::singleShot(0, qApp, [signal] { std::raise(signal); });
             QCOMPARE(QApplication::exec(), 0);
             QVERIFY(!Window().isVisible());
-            QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core()));
+            QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core().tune, Core().form));
             End();
             Begin();
         }
@@ -605,7 +605,7 @@ private slots:
             QApplication::sendEvent(qApp, &quit);
         });
         QCOMPARE(QApplication::exec(), 0);
-        QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core()));
+        QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core().tune, Core().form));
     }
 
     void GreetingTellsOfRescueCopies()

@@ -24,7 +24,7 @@ protected:
     /// Path of a copy that is written for the first time.
     std::string Written()
     {
-        RescueCopy copy(win, folder.Path());
+        RescueCopy copy(win.tune, win.form, folder.Path());
         copy.Refresh();
         return copy.Path();
     }
@@ -38,7 +38,7 @@ protected:
     Tune Rescued()
     {
         Tune tune;
-        ItemReader reader(RescueBytes(win));
+        ItemReader reader(RescueBytes(win.tune, win.form));
         ReadTune(reader, tune);
         return tune;
     }
@@ -132,7 +132,7 @@ TEST_F(Rescue, CopyHoldsEveryMeasureOfAPasteThatRanPastTheTable)
     win.form.FrmCopyBox = {"1", "2"};
     win.editor.cmdCopyMeasure();
     EXPECT_FAULT(win.editor.mnuPaste(), SubscriptOutOfRange);
-    const std::string bytes = RescueBytes(win);
+    const std::string bytes = RescueBytes(win.tune, win.form);
     for (int fret = 1; fret <= 299; ++fret)
         ASSERT_NE(bytes.find("\"" + std::to_string(fret) + "\""), std::string::npos) << fret;
 }
@@ -142,7 +142,7 @@ TEST_F(Rescue, CopyHoldsAParkedTextThatItsScratchFileCannotHold)
     OpenFullMeasures(3);
     win.tune[8].ChordText = "a\", \"b";
     win.editor.mnuInsMeas();
-    const std::string bytes = RescueBytes(win);
+    const std::string bytes = RescueBytes(win.tune, win.form);
     EXPECT_NE(bytes.find("\"a\", \"b\"\r\n"), std::string::npos);
     EXPECT_NE(bytes.find("\r\n3,7,48\r\n"), std::string::npos);
 }
@@ -161,7 +161,7 @@ TEST_F(Rescue, CopyHoldsATableThatHasRunFull)
             Type("9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r9\r");
         } catch (const Fault&) {
         }
-        EXPECT_NO_THROW(RescueBytes(win));
+        EXPECT_NO_THROW(RescueBytes(win.tune, win.form));
     }
 }
 
@@ -170,11 +170,11 @@ TEST_F(Rescue, CopyHoldsNoTailOnceItIsBack)
     OpenFullMeasures(3);
     win.editor.mnuInsMeas();
     win.editor.cmdPrevious();
-    EXPECT_EQ(RescueBytes(win), TuneBytes(win.tune));
+    EXPECT_EQ(RescueBytes(win.tune, win.form), TuneBytes(win.tune));
     win.editor.mnuInsMeas();
     Type("9\r");
     win.editor.cmdNext();
-    EXPECT_EQ(RescueBytes(win), TuneBytes(win.tune));
+    EXPECT_EQ(RescueBytes(win.tune, win.form), TuneBytes(win.tune));
 }
 
 TEST_F(Rescue, CopyHoldsTheTailThoughEditsCountedTheTableBelowNothing)
@@ -182,13 +182,13 @@ TEST_F(Rescue, CopyHoldsTheTailThoughEditsCountedTheTableBelowNothing)
     OpenFullMeasures(1);
     win.editor.mnuInsMeas();
     win.tune.LastNote = -1;
-    EXPECT_NE(RescueBytes(win).find("\r\n1,7,48\r\n"), std::string::npos);
+    EXPECT_NE(RescueBytes(win.tune, win.form).find("\r\n1,7,48\r\n"), std::string::npos);
 }
 
 TEST_F(Rescue, AnAppendThatThrowsTheTailAwayLeavesOneCopyBehind)
 {
     OpenFullMeasures(3);
-    RescueCopy copy(win, folder.Path());
+    RescueCopy copy(win.tune, win.form, folder.Path());
     win.editor.mnuInsMeas();
     copy.Refresh();
     const std::string left = copy.Path();
@@ -205,7 +205,7 @@ TEST_F(Rescue, AnAppendThatThrowsTheTailAwayLeavesOneCopyBehind)
 TEST_F(Rescue, AnInsertionWithinAnEmptyInsertedMeasureLeavesTheCopyWithTheTailBehind)
 {
     OpenFullMeasures(3);
-    RescueCopy copy(win, folder.Path());
+    RescueCopy copy(win.tune, win.form, folder.Path());
     win.editor.mnuInsMeas();
     copy.Refresh();
     const std::string left = copy.Path();
