@@ -26,16 +26,16 @@ BREAKS = {
     "nothing": ("the program as it is", []),
     "tail": (
         "a parked tail is not in the copy",
-        [(RESCUE, "if (!win.form.Parked.Bytes.empty())", "if (win.form.Parked.RecordsBack < 0)")],
+        [(RESCUE, "if (!form.Parked.Bytes.empty())", "if (form.Parked.RecordsBack < 0)")],
     ),
     "second-save": (
         "the second Save of a run writes nothing",
         [
             (
                 "src/shell/main_win.cpp",
-                "    WriteTuneFile();\n    form.Saved = 1;\n}\n\nvoid MainWin::mnuSaveAs",
+                "    WriteTuneFile();\n    form.Saved = SavedState::Saved;\n}\n\nvoid MainWin::mnuSaveAs",
                 "    static int saves = 0;\n    if (++saves != 2)\n        WriteTuneFile();\n"
-                "    form.Saved = 1;\n}\n\nvoid MainWin::mnuSaveAs",
+                "    form.Saved = SavedState::Saved;\n}\n\nvoid MainWin::mnuSaveAs",
             )
         ],
     ),
@@ -67,15 +67,15 @@ BREAKS = {
     ),
     "name": (
         "a new copy overwrites a file of its name",
-        [(RESCUE, '"-" + RandomLetters() + "."', '"-" + RandomLetters().substr(8) + "."')],
+        [(RESCUE, 'RandomLetters() + "."', 'RandomLetters().substr(8) + "."')],
     ),
     "named": (
         "a tune with a name gets no copy",
         [
             (
                 RESCUE,
-                "if (win.form.Saved == 0) {\n        Write",
-                "if (win.form.Saved == 0) {\n        if (win.tune.FileName.empty())\n            Write",
+                "if (form.Saved == SavedState::Unsaved) {\n        Write",
+                "if (form.Saved == SavedState::Unsaved) {\n        if (tune.FileName.empty())\n            Write",
             )
         ],
     ),

@@ -128,7 +128,7 @@ class RescueCopies(RunTest):
         lines = second.boxes[1].split(r"\n")
         self.assertEqual(lines[3], f"The file: {self.copy} "
                          "(a Quillon that is running keeps its unsaved work there)")
-        kept = pathlib.Path(lines[2].removeprefix("Your work was kept in "))
+        kept = pathlib.Path(lines[2].removeprefix("Your work has been saved in "))
         self.assertRegex(kept.name, r"^greensleeves-Rescue-[-0-9]{15}-[a-z]{8}\.gui$")
         self.assertNotIn(kept.read_bytes(), (held, TUNES[1].read_bytes()))
         self.assertEqual(second.end(), 1)
@@ -243,7 +243,7 @@ class Links(RunTest):
         path.unlink()
         path.mkdir()
         self.assertFalse(window.do("menu mnuSave"))
-        kept = pathlib.Path(window.boxes[0].partition("kept in ")[2].partition(r"\n")[0])
+        kept = pathlib.Path(window.boxes[0].partition("been saved in ")[2].partition(r"\n")[0])
         self.assertEqual(kept.parent, self.home / "temporary")
         self.assertFalse(kept.is_symlink())
         self.assertEqual(kept.stat().st_mode & 0o777, 0o600)
