@@ -115,7 +115,7 @@ class Typist(ScriptWriter):
         self.folder = folder
         self.named = named
         self.tail = []  # what an insertion has taken out of the table
-        self.actions = []
+        self.played = []
         self.disk = Disk(None, [], tunes)
         super().__init__(seed, 0, tunes)
 
@@ -177,7 +177,7 @@ class Typist(ScriptWriter):
             return
         self.lines += lines
         self._follow(line, tail)
-        self.actions.append(Action(line, tokens + self._answer_tokens(), self.disk, between))
+        self.played.append(Action(line, tokens + self._answer_tokens(), self.disk, between))
 
     def _answer_tokens(self):
         """Keys for the dialogs that come, in their order."""
@@ -234,13 +234,13 @@ class Typist(ScriptWriter):
 
     def greet(self):
         """The start without a tune."""
-        self.actions.append(Action("start", ["?Splash", "Return", "?MainWin"], self.disk))
+        self.played.append(Action("start", ["?Splash", "Return", "?MainWin"], self.disk))
 
     def open_named(self):
         """The start with a tune, which is opened as from the menu."""
         self.emit("dialog " + self.named)
         self.emit("menu mnuOpen")
-        self.actions[-1].tokens = ["?MainWin", "?StaffBox"]
+        self.played[-1].tokens = ["?MainWin", "?StaffBox"]
 
     # Chapters
 
@@ -288,10 +288,10 @@ class Typist(ScriptWriter):
         self.edit()
         self.leave_modes()
         for full in (True, True, False):
-            before, count = self.disk, len(self.actions)
+            before, count = self.disk, len(self.played)
             self.emit("type " + self.pick(*"0123"))
-            if full and len(self.actions) > count:
-                action = self.actions[-1]
+            if full and len(self.played) > count:
+                action = self.played[-1]
                 action.full = True
                 action.disk = self.disk = Disk(before.copy, before.left, before.tunes)
 
@@ -319,8 +319,8 @@ class Typist(ScriptWriter):
 
     def wander(self, count):
         """Any actions, at least as many as that."""
-        end = len(self.actions) + count
-        while len(self.actions) < end:
+        end = len(self.played) + count
+        while len(self.played) < end:
             (action,) = self.rng.choices(list(WANDERINGS), list(WANDERINGS.values()))
             action(self)
 
@@ -338,7 +338,7 @@ class Typist(ScriptWriter):
         for chapter in chapters:
             chapter(self)
             self.wander(self.rng.randrange(8))
-        looked_at = len(self.actions)
+        looked_at = len(self.played)
         self.wander(250)
         return looked_at
 

@@ -172,7 +172,7 @@ def live(home, given, seed, named):
     chance = random.Random(f"kill {seed}")
     typist = Typist(seed, home.work, home.tunes(), named)
     looked_at = typist.tell()
-    actions = typist.actions
+    actions = typist.played
     life = Life(home, given.program, given.feed, [named] if named else [])
     try:
         for action in actions[:looked_at]:
