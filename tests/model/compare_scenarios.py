@@ -23,7 +23,7 @@ from tune_model import tune_output
 
 LOOK = ["state", "table", "log", "shown"]
 SCRIPT_NAME = "script.scn"
-SECONDS = 20
+SECONDS = 60
 
 
 def run(arguments, folder):

@@ -37,6 +37,8 @@
 #include <iostream>
 #include <sstream>
 
+#include <unistd.h>
+
 using namespace quillon;
 
 namespace {
@@ -44,6 +46,7 @@ namespace {
 constexpr int kWrongWindow = 3;        // exit status
 constexpr double kScale = 1.5;         // of the staff: two pixels a point, so that clicks are exact
 constexpr int kNever = 24 * 3600'000;  // milliseconds
+constexpr unsigned kMostSeconds = 45;  // of a run: one that waits for ever ends by SIGALRM
 
 struct AnyFont : QtSystem {
     bool HasFont(const std::string&) const override { return true; }
@@ -136,13 +139,88 @@ void Click(QWidget* widget, const QPoint& place)
     QTest::mouseClick(widget, Qt::LeftButton, {}, place);
 }
 
+// The window ------------------------------------------------------------------------------------
+
+/// The editor with its window, past the greeting.
+class Desk {
+public:
+    Desk()
+    {
+        if (!win.Load())
+            Fail("no start");
+        window = std::make_unique<EditorWindow>(win, system, runner, "");
+        timer = window->findChild<QTimer*>("Timer1", Qt::FindDirectChildrenOnly);
+        timer->setInterval(kNever);
+        const auto open = system.OnShow;
+        system.OnShow = [open](Form form) {
+            if (form == Form::Splash || form == Form::FrmCopyBox)
+                open(form);
+        };
+        window->show();
+        window->resize(1400, 780);
+        while (!Widget("Splash"))
+            QCoreApplication::processEvents();
+        Settle();
+        Widget("Splash")->close();
+        while (!Widget("StaffBox")->hasFocus())
+            ToFront();
+        if (Widget("StaffBox")->size() != StaffView::SizeAt(kScale))
+            Fail("no start");
+    }
+
+    /// Lets the toolkit do what it has put off.
+    static void Settle()
+    {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+
+    /// The main form is the active one again, unless the copy box has the focus. A window manager
+    /// sees to that where there is one.
+    void ToFront() const
+    {
+        Settle();
+        const bool isThere = QGuiApplication::focusWindow() == window->windowHandle();
+        if (win.form.Focus >= Control::Text1 || isThere || !window->isVisible())
+            return;
+        window->activateWindow();
+        Settle();
+    }
+
+    QWidget* Widget(const char* name) const { return window->findChild<QWidget*>(name); }
+
+    bool CopyBoxIsThere() const
+    {
+        const QWidget* box = Widget("FrmCopyBox");
+        return box && box->isVisible();
+    }
+
+    AnyFont system;
+    MemorySettings settings;
+    Runner runner;
+    QtDialogs dialogs{runner};
+    NoPrinter printer;
+    NoClipboard clipboard;
+    NoPlayer player;
+    NoMidiPorts midiPorts;
+    FixedTextMetrics metrics;
+    MainWin win{
+        {dialogs, settings, system, printer, clipboard, player, midiPorts},
+        metrics
+    };
+    std::unique_ptr<EditorWindow> window;
+    bool DialogWasThere = false;  // since the last command
+    QTimer* timer = nullptr;      // the cursor's: it fires when the script says so
+};
+
 // Dialogs ---------------------------------------------------------------------------------------
 
 /// Answers each dialog as it comes up.
 class Answerer {
 public:
-    Answerer(ScriptedDialogs& dialogAnswers, Output& theOutput)
-        : answers(dialogAnswers), output(theOutput)
+    Answerer(Desk& theDesk, ScriptedDialogs& dialogAnswers, Output& theOutput)
+        : desk(theDesk), answers(dialogAnswers), output(theOutput)
     {
         timer.setInterval(0);
         QObject::connect(&timer, &QTimer::timeout, [this] { Answer(); });
@@ -153,8 +231,11 @@ private:
     void Answer()
     {
         QWidget* dialog = QApplication::activeModalWidget();
-        if (dialog && !dialog->isActiveWindow())
-            return;  // it is still coming up
+        if (dialog && !dialog->isActiveWindow()) {
+            dialog->activateWindow();
+            return;
+        }
+        desk.DialogWasThere |= dialog != nullptr;
         if (auto* box = qobject_cast<QMessageBox*>(dialog))
             AnswerBox(box);
         else if (auto* prompt = qobject_cast<QInputDialog*>(dialog))
@@ -218,98 +299,29 @@ private:
         files->QDialog::done(QDialog::Accepted);
     }
 
+    Desk& desk;
     ScriptedDialogs& answers;
     Output& output;
     QTimer timer;
 };
 
-// The window ------------------------------------------------------------------------------------
-
-/// The editor with its window, past the greeting.
-class Desk {
-public:
-    Desk()
-    {
-        if (!win.Load())
-            Fail("no start");
-        window = std::make_unique<EditorWindow>(win, system, runner, "");
-        const auto open = system.OnShow;
-        system.OnShow = [open](Form form) {
-            if (form == Form::Splash || form == Form::FrmCopyBox)
-                open(form);
-        };
-        window->show();
-        window->resize(1400, 780);
-        while (!Widget("Splash"))
-            QCoreApplication::processEvents();
-        Settle();
-        Widget("Splash")->close();
-        while (!Widget("StaffBox")->hasFocus())
-            ToFront();
-        timer = window->findChild<QTimer*>("Timer1", Qt::FindDirectChildrenOnly);
-        if (!timer || Widget("StaffBox")->size() != StaffView::SizeAt(kScale))
-            Fail("no start");
-        timer->setInterval(kNever);
-    }
-
-    /// Lets the toolkit do what it has put off.
-    static void Settle()
-    {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCoreApplication::processEvents();
-    }
-
-    /// The main form is the active one again, unless the copy box has the focus. A window manager
-    /// sees to that where there is one.
-    void ToFront() const
-    {
-        Settle();
-        const bool isThere = QGuiApplication::focusWindow() == window->windowHandle();
-        if (win.form.Focus >= Control::Text1 || isThere || !window->isVisible())
-            return;
-        window->activateWindow();
-        Settle();
-    }
-
-    QWidget* Widget(const char* name) const { return window->findChild<QWidget*>(name); }
-
-    bool CopyBoxIsThere() const
-    {
-        const QWidget* box = Widget("FrmCopyBox");
-        return box && box->isVisible();
-    }
-
-    AnyFont system;
-    MemorySettings settings;
-    Runner runner;
-    QtDialogs dialogs{runner};
-    NoPrinter printer;
-    NoClipboard clipboard;
-    NoPlayer player;
-    NoMidiPorts midiPorts;
-    FixedTextMetrics metrics;
-    MainWin win{
-        {dialogs, settings, system, printer, clipboard, player, midiPorts},
-        metrics
-    };
-    std::unique_ptr<EditorWindow> window;
-    QTimer* timer = nullptr;  // the cursor's: it fires when the script says so
-};
-
-/// The main form that becomes active while the copy box is still there: the scripts know nothing
-/// of it.
+/// Keeps from the windows what scripts know nothing of while the copy box is there: that the main
+/// form becomes active by a command that is given to it, and that a dialog of such a command gives
+/// the copy box back what it had.
 class QuietActivation : public QObject {
 public:
-    explicit QuietActivation(Desk& theDesk) : desk(theDesk)
-    {
-        desk.window->installEventFilter(this);
-    }
+    explicit QuietActivation(Desk& theDesk) : desk(theDesk) { qApp->installEventFilter(this); }
 
 protected:
-    bool eventFilter(QObject*, QEvent* event) override
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
-        return event->type() == QEvent::ActivationChange && desk.CopyBoxIsThere();
+        if (watched == desk.window.get())
+            return event->type() == QEvent::ActivationChange && desk.CopyBoxIsThere();
+        if (!desk.DialogWasThere ||
+            (event->type() != QEvent::WindowActivate && event->type() != QEvent::FocusIn))
+            return false;
+        const auto* widget = qobject_cast<QWidget*>(watched);
+        return widget && desk.CopyBoxIsThere() && widget->window() == desk.Widget("FrmCopyBox");
     }
 
 private:
@@ -545,6 +557,7 @@ int main(int argc, char** argv)
         return 2;
     }
     std::ifstream script(argv[1], std::ios::binary);
+    alarm(kMostSeconds);
     qInstallMessageHandler(Warn);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QString folder = QDir::currentPath();
@@ -555,14 +568,16 @@ int main(int argc, char** argv)
     QApplication::setQuitOnLastWindowClosed(false);
     ScriptedDialogs answers;
     Output output;
-    const Answerer answerer(answers, output);
     Desk desk;
+    const Answerer answerer(desk, answers, output);
     const QuietActivation quiet(desk);
     WindowScript player(desk, answers, output.Text);
     std::string line;
     while (std::getline(script, line) && player.Play(line)) {
         desk.ToFront();
+        desk.DialogWasThere = false;
         player.Check(line);
+        output.Flush();
     }
     output.Flush();
     return player.Status();
