@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     win.page = {};
     platform.dialogs.Shown.clear();
     try {
-        win.ShowTune({reinterpret_cast<const char*>(data), size});
+        win.ShowTune(std::string(reinterpret_cast<const char*>(data), size));
     } catch (const Fault& fault) {
         if (fault.Number() == Error::ObjectRequired && platform.dialogs.Shown.size() != 1)
             std::abort();
