@@ -27,7 +27,9 @@ std::string OneLine(const std::string& text)
 
 int StringsOf(const std::string& path)
 {
-    const InstrumentMode* mode = FindModeOfExtension(path.substr(path.find_last_of('.') + 1));
+    const std::size_t dot = path.find_last_of('.');
+    const InstrumentMode* mode =
+        dot == std::string::npos ? nullptr : FindModeOfExtension(path.substr(dot + 1));
     return mode ? mode->NumStrings : 6;
 }
 

@@ -58,6 +58,7 @@ TEST_F(ExportTest, TheExtensionTellsTheStringsUnlessAnOptionDoes)
     EXPECT_EQ(Load("a.bjo").Window().tune.NumStrings, 5);
     EXPECT_EQ(Load("a.bss").Window().tune.NumStrings, 4);
     EXPECT_EQ(Load("a.BSS").Window().tune.NumStrings, 6);
+    EXPECT_EQ(Load("bjo").Window().tune.NumStrings, 6) << "a name without an extension";
     options.Strings = 5;
     EXPECT_EQ(Load("a.gui").Window().tune.NumStrings, 5);
 }
