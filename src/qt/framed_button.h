@@ -1,5 +1,5 @@
-// A button of the main form. The frame that tells that it has the focus is as plain as the staff's:
-// in some styles a focused button is hard to tell from the others.
+// A button of the main form. When it has the focus, its frame is as easy to see as the staff's: in
+// some styles a focused button is hard to tell from the others.
 
 #pragma once
 

@@ -1,7 +1,7 @@
-// The folder of a run's scratch files.
+// The folder for a run's scratch files.
 //
-// Their names are the same in every run, so two runs in one folder would take each other's. Each
-// run has a folder of its own, open to nobody else, as its current directory.
+// Their names are the same in every run, so two runs in one folder would overwrite each other's.
+// Each run therefore has a private folder as its current directory.
 
 #pragma once
 
@@ -9,18 +9,18 @@
 
 namespace quillon {
 
-/// Makes a folder of this run alone the current directory: under $XDG_RUNTIME_DIR or, where none
-/// can be made there, among the temporary files. It goes at the end of the run; what a killed run
-/// has left goes at a later start. Where no folder can be made, the current directory stays. Paths
-/// in the program's own environment variables are made absolute before.
+/// Creates a folder for this run only and makes it the current directory: in $XDG_RUNTIME_DIR or, if
+/// that fails, among the temporary files. It is removed when the run ends; folders left by killed
+/// runs are removed at a later start. If no folder can be created, the current directory stays.
+/// Paths in the program's own environment variables are made absolute first.
 void EnterScratchFolder();
 
-/// The folder that the program was started in, or the user's home where that cannot be written.
-/// The file dialogs begin there.
+/// The folder that the program was started in, or the user's home if that is not writable. The file
+/// dialogs start there.
 std::string StartFolder();
 
-/// The command line with its path made absolute, so that it means the same file in every folder. A
-/// leading quote stays in front.
+/// The command line with its path made absolute, so that it means the same file whatever the
+/// current directory is. A leading quote stays in front.
 std::string AbsoluteCommandLine(const std::string& commandLine);
 
 }  // namespace quillon

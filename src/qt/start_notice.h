@@ -1,6 +1,7 @@
-// What a start has to tell: unsaved work of earlier sessions, and a folder that cannot be used.
+// What the user should know at the start: unsaved work from earlier sessions, and a folder that
+// cannot be used.
 //
-// The greeting tells it. A start with a tune has no greeting; then a note beside the window does.
+// The greeting says it. A start with a tune has no greeting, so a note beside the window does.
 
 #pragma once
 
@@ -10,10 +11,10 @@ class QWidget;
 
 namespace quillon {
 
-/// "" when there is nothing to tell.
+/// "" if there is nothing to say.
 QString StartNotice();
 
-/// The note; none when there is nothing to tell. It leaves the keys to the window.
+/// Shows the note, unless there is nothing to say. The keyboard focus stays in the window.
 void ShowStartNote(QWidget* mainWindow);
 
 }  // namespace quillon
