@@ -9,10 +9,10 @@
 
 namespace quillon {
 
-/// Creates a folder for this run only and makes it the current directory: in $XDG_RUNTIME_DIR or, if
-/// that fails, among the temporary files. It is removed when the run ends; folders left by killed
-/// runs are removed at a later start. If no folder can be created, the current directory stays.
-/// Paths in the program's own environment variables are made absolute first.
+/// Creates a folder for this run only and makes it the current directory: in $XDG_RUNTIME_DIR or,
+/// if that fails, among the temporary files. It is removed when the run ends; folders left by
+/// killed runs are removed at a later start. If no folder can be created, the current directory
+/// stays. Paths in the program's own environment variables are made absolute first.
 void EnterScratchFolder();
 
 /// The folder that the program was started in, or the user's home if that is not writable. The file
