@@ -1,46 +1,12 @@
 #include "history/history.h"
 
-#include "history/bytes.h"
+#include "history/entries.h"
 
 #include <algorithm>
 
 namespace quillon {
 
 namespace {
-
-/// Moving about that takes more than this is merged into one delta.
-constexpr std::size_t kLongMoving = 32'000;
-
-/// The deltas of a list, each after its length.
-std::vector<std::string_view> Split(std::string_view deltas)
-{
-    std::vector<std::string_view> list;
-    for (ByteReader bytes(deltas); !bytes.AtEnd();)
-        list.push_back(bytes.Text());
-    return list;
-}
-
-void ApplyAll(std::string_view deltas, Direction direction, Moment& moment)
-{
-    std::vector<std::string_view> list = Split(deltas);
-    if (direction == Direction::Backward)
-        std::reverse(list.begin(), list.end());
-    for (std::string_view delta : list)
-        Apply(delta, direction, moment);
-}
-
-std::string BehindItsLength(std::string_view delta)
-{
-    ByteWriter bytes;
-    bytes.Text(delta);
-    return bytes.Take();
-}
-
-void MoveLast(std::vector<std::string>& from, std::vector<std::string>& to)
-{
-    to.push_back(std::move(from.back()));
-    from.pop_back();
-}
 
 std::string BaseName(const std::string& path)
 {
@@ -50,9 +16,9 @@ std::string BaseName(const std::string& path)
 }  // namespace
 
 History::History(const Values& theProgram)
-    : program(theProgram), last(theProgram), picture(theProgram.StaffBox.Picture().Revision()),
-      openings(theProgram.Form.Openings), writes(theProgram.Form.Writes), steps(1),
-      written{WorkBytes(theProgram.Music)}
+    : program(theProgram), timeline(Moment(theProgram), WorkBytes(theProgram.Music)),
+      picture(theProgram.StaffBox.Picture().Revision()), openings(theProgram.Form.Openings),
+      writes(theProgram.Form.Writes)
 {
 }
 
@@ -124,12 +90,13 @@ void History::Begin()
 
 void History::Observe(Input input, std::string_view name)
 {
-    const Open before = TypingIn(last.Values());
+    const Open before = TypingIn(timeline.Last().Values());
     const Open after = TypingIn(program);
-    const int measureBefore = last.Music.CurMeas;
-    const bool beginsTune = TakeWritten();
+    const int measureBefore = timeline.Last().Music.CurMeas;
+    Event event;
+    const bool beginsTune = TakeOpening(event);
     Changes changes;
-    const std::string delta = TakeChanges(changes);
+    event.Delta = TakeChanges(changes);
 
     const bool entered = IsText(after.What) && after.What != before.What;
     const bool changed = changes.Work || changes.Name || changes.Page;
@@ -137,31 +104,35 @@ void History::Observe(Input input, std::string_view name)
     const bool typed = input == Input::Key && before == after;
     const bool goesOn = !beginsTune && (entered || typed || after.What == Typing::PageSetup);
     if (begins)
-        BeginStep(StepName(name, goesOn ? after : Open(), changes, measureBefore), beginsTune);
-    if (!delta.empty())
-        Append(delta, !begins && !changed);
+        event.Begins = {StepName(name, goesOn ? after : Open(), changes, measureBefore),
+                        beginsTune};
+    event.Moving = !begins && !changed;
+    Add(event);
     if (begins)
         open = goesOn ? after : Open();
     else if (open != after || input == Input::Enter)
         open = {};
 }
 
-/// Checks whether a tune was begun or opened, and keeps the work that is in its file.
-bool History::TakeWritten()
+/// Checks whether a tune was begun or opened, and whether one was saved: before a tune is begun,
+/// the one that goes.
+bool History::TakeOpening(Event& event)
 {
     const MainForm& form = program.Form;
-    const bool wrote = form.Writes != writes;
     const bool begun = form.Openings != openings;
-    writes = form.Writes;
+    const bool wrote = form.Writes != writes;
+    event.SavedBefore = wrote && begun;
+    event.SavedAfter = wrote && !begun;
     openings = form.Openings;
-    if (wrote)  // before a tune is begun, the one that goes is saved
-        written.back() = WorkBytes(begun ? last.Music : program.Music);
+    writes = form.Writes;
     return begun;
 }
 
+/// The delta that leads from the last moment to the present one, which becomes the last.
 std::string History::TakeChanges(Changes& changes)
 {
     const Tune& tune = program.Music;
+    Moment& last = timeline.Last();
     const bool moved = tune.CurNote != last.Music.CurNote || tune.LastNote != last.Music.LastNote;
     Scratch scratch;
     for (std::size_t i = 0; i < scratch.size(); ++i)
@@ -172,118 +143,61 @@ std::string History::TakeChanges(Changes& changes)
     return delta;
 }
 
-/// What was undone is forgotten.
-void History::BeginStep(std::string name, bool beginsTune)
+void History::Add(const Event& event)
 {
-    Step& before = steps[static_cast<std::size_t>(position)];
-    before.Deltas += before.Detour;
-    before.Detour.clear();
-    steps.resize(static_cast<std::size_t>(position) + 1);
-    writtenUndone.clear();
-    if (beginsTune)
-        written.push_back(WorkBytes(program.Music));
-    steps.push_back({std::move(name), {}, {}, 0, beginsTune});
-    ++position;
-}
-
-void History::Append(std::string_view delta, bool moving)
-{
-    Step& step = steps[static_cast<std::size_t>(position)];
-    if (RedoCount() > 0) {
-        step.Detour += BehindItsLength(delta);
-        if (step.Detour.size() > kLongMoving)
-            Shorten(step.Detour, 0);
+    if (event.IsEmpty())
         return;
-    }
-    if (position == 0)
-        return;  // nothing ever goes back to it
-    const std::size_t size = step.Deltas.size();
-    step.Deltas += BehindItsLength(delta);
-    step.Moving = moving ? step.Moving + step.Deltas.size() - size : 0;
-    if (step.Moving > kLongMoving) {
-        const std::size_t from = step.Deltas.size() - step.Moving;
-        Shorten(step.Deltas, from);
-        const std::size_t shortened = step.Deltas.size() - from;
-        step.Moving = shortened < kLongMoving / 2 ? shortened : 0;  // else it would not pay again
-    }
-}
-
-/// Makes one delta of those from `from` on. They lead to `last`.
-void History::Shorten(std::string& deltas, std::size_t from)
-{
-    Moment start = last;
-    ApplyAll(std::string_view(deltas).substr(from), Direction::Backward, start);
-    Changes ignored;
-    const std::string delta = TakeDelta(last.Values(), last.ScratchFiles, start, false, ignored);
-    deltas.resize(from);
-    deltas += BehindItsLength(delta);
+    timeline.Add(event);
+    Keep(EntryOf(event));
 }
 
 void History::Undo(int count)
 {
     Begin();
-    if (count <= 0 || position == 0)
-        return;
-    Moment moment = last;
-    int at = position;
-    for (; count > 0 && at > 0; --count, --at) {
-        const Step& step = steps[static_cast<std::size_t>(at)];
-        ApplyAll(step.Detour, Direction::Backward, moment);
-        ApplyAll(step.Deltas, Direction::Backward, moment);
-    }
-    Arrive(std::move(moment), at);
+    GoBack(std::clamp(count, 0, UndoCount()));
 }
 
-// A step that is gone through leads to where the next one began, not to where its detour led.
 void History::Redo(int count)
 {
     Begin();
-    if (count <= 0 || RedoCount() == 0)
-        return;
-    const auto from = steps.begin() + position;
-    const auto to = from + std::min(count, RedoCount());
-    Moment moment = last;
-    ApplyAll(from->Detour, Direction::Backward, moment);
-    for (auto step = from + 1; step <= to; ++step)
-        ApplyAll(step->Deltas, Direction::Forward, moment);
-    ApplyAll(to->Detour, Direction::Forward, moment);
-    Arrive(std::move(moment), static_cast<int>(to - steps.begin()));
-    for (auto step = from; step < to; ++step)
-        step->Detour.clear();
+    GoBack(-std::clamp(count, 0, RedoCount()));
 }
 
-/// Goes to a moment at which step `at` is the last one done.
-void History::Arrive(Moment moment, int at)
+void History::GoBack(int back)
 {
+    if (back == 0)
+        return;
+    Moment moment = timeline.MomentAt(back);
     moment.PutBack(program);
-    last = std::move(moment);
+    timeline.GoBack(back, std::move(moment));
+    Keep(EntryOf(back));
+    Arrived();
+}
+
+void History::Adopt(const Timeline& run, std::string name)
+{
+    Begin();
+    Moment end = run.Last();
+    end.PutBack(program);
+    const auto append = [this](Step step) {
+        Keep(EntryOf(step));
+        timeline.Append(std::move(step));
+    };
+    append(timeline.StepTo(run, std::move(name)));
+    for (int place = 1; place <= run.UndoCount(); ++place)
+        append(run.At(place));
+    for (int place = 1; place <= run.RedoCount(); ++place) {
+        timeline.AppendUndone(run.At(run.UndoCount() + place));
+        Keep(EntryOfUndone(run.At(run.UndoCount() + place)));
+    }
+    Arrived();
+}
+
+void History::Arrived()
+{
     picture = program.StaffBox.Picture().Revision();
-    for (; position > at; --position)
-        if (steps[static_cast<std::size_t>(position)].BeginsTune)
-            MoveLast(written, writtenUndone);
-    for (; position < at; ++position)
-        if (steps[static_cast<std::size_t>(position) + 1].BeginsTune)
-            MoveLast(writtenUndone, written);
     program.Form.Saved = Changed() ? SavedState::Unsaved : SavedState::Saved;
     open = {};
-}
-
-std::string History::UndoName() const
-{
-    return steps[static_cast<std::size_t>(position)].Name;
-}
-
-std::string History::RedoName() const
-{
-    return RedoCount() > 0 ? steps[static_cast<std::size_t>(position) + 1].Name : "";
-}
-
-std::size_t History::Size() const
-{
-    std::size_t size = 0;
-    for (const Step& step : steps)
-        size += sizeof step + step.Deltas.capacity() + step.Detour.capacity();
-    return size;
 }
 
 }  // namespace quillon

@@ -13,11 +13,12 @@
 
 #pragma once
 
-#include "history/delta.h"
+#include "history/timeline.h"
 
+#include <array>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace quillon {
 
@@ -39,31 +40,29 @@ public:
     void Undo(int count = 1);
     void Redo(int count = 1);
 
-    int UndoCount() const { return position; }
-    int RedoCount() const { return static_cast<int>(steps.size()) - 1 - position; }
+    int UndoCount() const { return timeline.UndoCount(); }
+    int RedoCount() const { return timeline.RedoCount(); }
 
     /// What would be undone or redone next, such as "Delete Measure 7"; "" if there is nothing.
-    std::string UndoName() const;
-    std::string RedoName() const;
+    std::string UndoName() const { return timeline.UndoName(); }
+    std::string RedoName() const { return timeline.RedoName(); }
 
     /// The moment after the last event. At a fault: the one before the event that failed.
-    const Moment& Last() const { return last; }
+    const Moment& Last() const { return timeline.Last(); }
 
     /// Whether the table differs from its file: as last saved, opened or begun.
-    bool Changed() const { return WorkBytes(program.Music) != written.back(); }
+    bool Changed() const { return timeline.Changed(); }
 
-    /// How many bytes the steps take.
-    std::size_t Size() const;
+    /// Opens the tune in which another run has ended, as a step. The steps of that run come after
+    /// it, so they can be undone as well. A Fault as above.
+    void Adopt(const Timeline& run, std::string name);
+
+    const Timeline& Steps() const { return timeline; }
+
+    /// Takes each entry of the timeline as it grows, for the journal.
+    std::function<void(std::string_view entry)> Keep = [](std::string_view) {};
 
 private:
-    struct Step {
-        std::string Name;
-        std::string Deltas;      // up to the next step, each behind its length
-        std::string Detour;      // moving about since the steps after this one were undone
-        std::size_t Moving = 0;  // length of what of Deltas is moving about, at their end
-        bool BeginsTune = false;
-    };
-
     /// What is being typed, and into which record.
     enum class Typing { Note, Chord, LeftHand, RightHand, Bracket, PageSetup, Nothing };
     struct Open {
@@ -78,26 +77,19 @@ private:
     std::string StepName(std::string_view name, Open typing, const Changes& changes,
                          int measureBefore) const;
     bool BelongsToOpen(const Changes& changes) const;
-    bool TakeWritten();
+    bool TakeOpening(Event& event);
     std::string TakeChanges(Changes& changes);
-    void BeginStep(std::string name, bool beginsTune);
-    void Append(std::string_view delta, bool moving);
-    void Shorten(std::string& deltas, std::size_t from);
-    void Arrive(Moment moment, int at);
+    void Add(const Event& event);
+    void GoBack(int back);
+    void Arrived();
 
     Values program;
-    Moment last;
-    unsigned picture = 0;  // revision of the picture in `last`
+    Timeline timeline;
+    unsigned picture = 0;  // revision of the picture in the last moment
     std::array<ScratchFile, kScratchFiles.size()> scratchFiles;
     int openings = 0;  // form.Openings and form.Writes at the last look
     int writes = 0;
-    std::vector<Step> steps;  // 0 is no step: what happened before the first one
-    int position = 0;         // the step that was done last
     Open open;
-
-    // Work as the file has it, of each tune that was begun; the last is the present one's.
-    std::vector<std::string> written;
-    std::vector<std::string> writtenUndone;
 };
 
 }  // namespace quillon

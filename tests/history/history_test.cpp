@@ -287,7 +287,7 @@ TEST_F(HistoryTest, WanderingAboutForLongTakesLittleRoom)
     Play({"key F6"});
     for (int i = 0; i < 2000; ++i)
         Play({"press cmdNext"});
-    EXPECT_LT(past.Size(), 200'000U);
+    EXPECT_LT(past.Steps().Size(), 200'000U);
     const std::string end = Look();
     Play({"undo", "redo"});
     EXPECT_EQ(Look(), end);

@@ -1,12 +1,15 @@
 // Plays random scripts and goes back and forth in them: after k undos everything is as it was k
 // steps before, redo brings the end back, and what is done after an undo comes out as it did when
-// the undone part had never happened.
+// the undone part had never happened. The journal tells the same, also when it has been shortened,
+// and another run goes on from it.
 //
 //     undo_property FIRST_SEED COUNT
 //
 // Each difference is told with its seed and the script so far; the exit status is then 1.
 
 #include "headless/scenario.h"
+#include "history/memory_journal.h"
+#include "shell/steps.h"
 #include "store/tune_file.h"
 #include "support/temporary_directory.h"
 
@@ -24,7 +27,7 @@ namespace {
 constexpr int kMostEvents = 160;
 
 /// One event: the line that is played, and before it the answers that it will take.
-struct Event {
+struct Played {
     std::vector<std::string> Answers;
     std::string Line;
 };
@@ -50,13 +53,16 @@ public:
             Do(NextEvent());
             if (ended == 0 && Below(8) == 0)
                 GoBackAndForth();
+            if (ended == 0 && Below(16) == 0)
+                ReadBack();
         }
+        GoOnInAnotherRun();
         if (passed && ended == 0)
             GoBackAndDoAgain();
         return passed;
     }
 
-    const std::vector<Event>& Events() const { return events; }
+    const std::vector<Played>& Events() const { return events; }
 
 private:
     int Below(int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
@@ -90,11 +96,11 @@ private:
         return std::atoi(steps.c_str() + steps.find(which) + std::strlen(which));
     }
 
-    Event NextEvent();
+    Played NextEvent();
     std::string Typing();
     std::string Command();
 
-    bool Play(const Event& event)
+    bool Play(const Played& event)
     {
         for (const std::string& answer : event.Answers)
             scenario.Play(answer);
@@ -102,7 +108,7 @@ private:
     }
 
     /// Plays an event and keeps what it came to.
-    void Do(const Event& event)
+    void Do(const Played& event)
     {
         events.push_back(event);
         savedBefore.push_back(win.form.Saved);
@@ -171,8 +177,55 @@ private:
         Expect(Count("redo=") == 0, "a new step forgets what was undone");
     }
 
+    /// The journal tells the steps as they are. Then it is shortened, or not.
+    void ReadBack()
+    {
+        const Timeline& steps = scenario.Steps()->Steps();
+        const JournalContents contents = ReadJournal(journal.Bytes());
+        Expect(contents.Run && contents.Trouble.empty(), "the journal can be read");
+        if (!passed)
+            return;
+        const Timeline& read = *contents.Run;
+        Expect(BytesOf(read.Last()) == BytesOf(steps.Last()), "it ends in the last moment");
+        Expect(read.RedoCount() == steps.RedoCount(), "what was undone is in it");
+        Expect(read.Changed() == steps.Changed(), "it knows whether there is work in no file");
+        const int back = Below(std::min(read.UndoCount(), steps.UndoCount()) + 1);
+        Expect(back == 0 || BytesOf(read.MomentAt(back)) == BytesOf(steps.MomentAt(back)),
+               "undo " + std::to_string(back) + " in the journal");
+        if (Below(2) == 0)
+            journal.Shorten(static_cast<std::size_t>(Below(30'000)));
+    }
+
+    /// Another run takes over, all steps are undone and redone, and this one goes on as it was.
+    void GoOnInAnotherRun()
+    {
+        const JournalContents contents = ReadJournal(journal.Bytes());
+        if (!contents.Run) {
+            Expect(false, "the journal can be read at the end");
+            return;
+        }
+        const Moment mine = scenario.Steps()->Last();
+        TemporaryDirectory otherFolder;
+        {
+            std::ostringstream ignored;
+            Scenario other(otherFolder.Path(), ignored);
+            const std::string before = BytesOf(other.Steps()->Last());
+            other.Steps()->Adopt(*contents.Run, "Rescue");
+            Expect(BytesOf(Moment(ValuesOf(other.Window()))) == BytesOf(mine),
+                   "another run goes on from the journal");
+            Expect(other.Steps()->Changed() == scenario.Steps()->Changed(),
+                   "it knows whether there is work in no file");
+            other.Steps()->Redo(Below(100));
+            other.Steps()->Undo(1'000'000);
+            Expect(BytesOf(other.Steps()->Last()) == before, "what was there before comes back");
+            other.Steps()->Redo(1'000'000);
+        }
+        std::filesystem::current_path(folder.Path());
+        Moment(mine).PutBack(ValuesOf(win));
+    }
+
     /// How many events there were when a file that stays was written last.
-    std::size_t LookAtDisk(const Event& event)
+    std::size_t LookAtDisk(const Played& event)
     {
         const bool wrote = win.form.Writes != writes || event.Line.starts_with("copy");
         writes = win.form.Writes;
@@ -190,8 +243,9 @@ private:
     TemporaryDirectory folder;
     std::ostringstream output;
     Scenario scenario;
+    MemoryJournal journal{*scenario.Steps()};
     MainWin& win;
-    std::vector<Event> events;
+    std::vector<Played> events;
     std::vector<Look> looks;              // before each event, and after the last
     std::vector<SavedState> savedBefore;  // `Saved` before each event
     std::vector<std::size_t> begins;      // the events that began the steps
@@ -243,7 +297,7 @@ std::string Run::Command()
     }
 }
 
-Event Run::NextEvent()
+Played Run::NextEvent()
 {
     std::vector<std::string> answers;
     const bool asks = win.form.Saved == SavedState::Unsaved;
@@ -271,10 +325,10 @@ Event Run::NextEvent()
     }
 }
 
-void Tell(unsigned seed, const std::vector<Event>& events)
+void Tell(unsigned seed, const std::vector<Played>& events)
 {
     std::cout << "seed " << seed << ":\n";
-    for (const Event& event : events) {
+    for (const Played& event : events) {
         for (const std::string& answer : event.Answers)
             std::cout << "    " << answer << '\n';
         std::cout << "    " << event.Line << '\n';

@@ -1,0 +1,63 @@
+// A journal in memory.
+
+#pragma once
+
+#include "history/entries.h"
+#include "history/history.h"
+#include "history/journal_file.h"
+
+#include <string>
+
+namespace quillon {
+
+class MemoryJournal {
+public:
+    explicit MemoryJournal(History& theHistory) : history(theHistory)
+    {
+        Begin();
+        history.Keep = [this](std::string_view entry) { Append(entry); };
+    }
+
+    ~MemoryJournal()
+    {
+        history.Keep = [](std::string_view) {};
+    }
+
+    MemoryJournal(const MemoryJournal&) = delete;
+    MemoryJournal& operator=(const MemoryJournal&) = delete;
+
+    void Append(std::string_view entry)
+    {
+        bytes += Frame(entry, progress);
+        if (history.UndoCount() < progress.Forgotten)
+            Begin();
+    }
+
+    const std::string& Bytes() const { return bytes; }
+
+    void Shorten(std::size_t goal)
+    {
+        const JournalContents contents = ReadJournal(bytes);
+        progress = contents.Reached;
+        bytes = Summary(*contents.Run, contents.Saved, goal, progress);
+    }
+
+private:
+    void Begin()
+    {
+        progress.Forgotten = 0;
+        bytes = Summary(history.Steps(), {}, 1'000'000, progress);
+    }
+
+    History& history;
+    std::string bytes;
+    Progress progress;
+};
+
+/// A moment as bytes, to compare it by.
+inline std::string BytesOf(const Moment& moment)
+{
+    return EntryOf(moment, {}, {});
+}
+
+}  // namespace quillon
