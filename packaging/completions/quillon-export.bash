@@ -11,13 +11,14 @@ _quillon_export()
     --format) COMPREPLY=($(compgen -W "$formats" -- "$cur")) ;;
     --strings) COMPREPLY=($(compgen -W '4 5 6' -- "$cur")) ;;
     --center-title) COMPREPLY=($(compgen -W 'yes no' -- "$cur")) ;;
+    --look) COMPREPLY=($(compgen -W 'engraved plain' -- "$cur")) ;;
     --tempo | --tuning | --capo | --instrument | --*-font | --*-size | --left | --right | --top | \
         --stave-space | --help | -h) ;;
     *)
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W '-o --output --check --order --format --strings --tempo --tuning
                 --tuning-file --capo --instrument --body-font --body-size --title-font --title-size
-                --left --right --top --stave-space --center-title --help' -- "$cur"))
+                --left --right --top --stave-space --center-title --look --help' -- "$cur"))
         else
             _filedir '@(gui|bjo|bss)'
         fi

@@ -31,6 +31,7 @@ const char* const kExportHelp =
     "  --body-font NAME, --body-size S, --title-font NAME, --title-size S\n"
     "  --left I, --right I, --top I, --stave-space I   in inches\n"
     "  --center-title yes|no\n"
+    "  --look L          how pages are painted: engraved, or plain as in the window\n"
     "  --help            this text\n";
 
 namespace {
@@ -104,6 +105,12 @@ const std::map<std::string, Setter> kOptions = {
          if (text != "yes" && text != "no")
              Bad("--center-title must be yes or no");
          c.Options.CenterTitle = text == "yes";
+     }},
+    {"--look",
+     [](auto& c, auto&, auto& text) {
+         if (text != "engraved" && text != "plain")
+             Bad("--look must be engraved or plain");
+         c.As = text == "plain" ? Look::Plain : Look::Engraved;
      }},
 };
 // clang-format on

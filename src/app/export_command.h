@@ -3,6 +3,7 @@
 #pragma once
 
 #include "headless/export.h"
+#include "notation/look.h"
 
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ struct ExportCommand {
     bool Check = false;  // list the problems of the tunes; Output and Format are ""
     bool Order = false;  // print the order in which they are played, likewise
     bool Help = false;
+    Look As = Look::Engraved;
 };
 
 /// Reads the arguments after the program's name. Bad usage: a std::invalid_argument whose what()

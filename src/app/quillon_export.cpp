@@ -61,13 +61,15 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const std::stri
         return {tune.PrintLog()};
     if (format == "mid" || format == "wav")
         return {tune.MidiFile(command.Options)};
+    const PageChoices choices{command.As, tune.Title()};
     if (format == "pdf")
-        return {TheRenderer().Pdf(tune.Print(), tune.Title())};
+        return {TheRenderer().Pdf(tune.Print(), choices)};
     std::vector<std::string> pages;
     const int count = tune.LayOut();
     for (int i = 0; i < count; ++i) {
         const Drawing& page = tune.Window().pages.Page(i).Surface.Picture();
-        pages.push_back(format == "svg" ? TheRenderer().Svg(page) : TheRenderer().Png(page));
+        pages.push_back(format == "svg" ? TheRenderer().Svg(page, choices)
+                                        : TheRenderer().Png(page, choices));
     }
     return pages;
 }

@@ -275,7 +275,7 @@ void Editor::EnterFret(char character)
         note.Slot(s) = character;  // the first character over an old text wipes it
     else
         note.Slot(s) += character;
-    view.StaffBox.PrintLine({&character, 1});
+    view.StaffBox.PrintLine({&character, 1}, Role::Figure);
     note.Measure = tune.CurMeas;
     if (note.XPos == 0)
         note.XPos = form.CursorX;
@@ -345,7 +345,7 @@ void Editor::HandKey(char character)
         if (IsControl(character))
             return;
         const int y = form.CursorY - (left ? 8 : 16);
-        view.StaffBox.PrintLineAt(form.CursorX, y, {&character, 1});
+        view.StaffBox.PrintLineAt(form.CursorX, y, {&character, 1}, Role::Fingering);
         (left ? Current().LeftHand : Current().RightHand) = character;
     }
     form.InputMode = InputMode::Fret;

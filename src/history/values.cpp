@@ -77,6 +77,11 @@ void Put(ByteWriter& bytes, PenStyle value)
 {
     bytes.Byte(static_cast<unsigned>(value));
 }
+void Put(ByteWriter& bytes, Role value)
+{
+    bytes.Byte(static_cast<unsigned>(value));
+}
+
 void Put(ByteWriter& bytes, Shape value)
 {
     bytes.Byte(static_cast<unsigned>(value));
@@ -144,6 +149,11 @@ void Get(ByteReader& bytes, PenMode& value)
 void Get(ByteReader& bytes, PenStyle& value)
 {
     GetOneOf(bytes, value, {PenStyle::Solid, PenStyle::Dotted});
+}
+
+void Get(ByteReader& bytes, Role& value)
+{
+    value = static_cast<Role>(bytes.Count(static_cast<std::size_t>(Role::Fingering)));
 }
 
 void Get(ByteReader& bytes, Shape& value)

@@ -26,6 +26,7 @@ void Put(ByteWriter& bytes, EntryState value);
 void Put(ByteWriter& bytes, InputMode value);
 void Put(ByteWriter& bytes, PenMode value);
 void Put(ByteWriter& bytes, PenStyle value);
+void Put(ByteWriter& bytes, Role value);
 void Put(ByteWriter& bytes, Shape value);
 void Put(ByteWriter& bytes, const std::string& value);
 void Put(ByteWriter& bytes, const ParkedTail& value);
@@ -43,6 +44,7 @@ void Get(ByteReader& bytes, EntryState& value);
 void Get(ByteReader& bytes, InputMode& value);
 void Get(ByteReader& bytes, PenMode& value);
 void Get(ByteReader& bytes, PenStyle& value);
+void Get(ByteReader& bytes, Role& value);
 void Get(ByteReader& bytes, Shape& value);
 void Get(ByteReader& bytes, std::string& value);
 void Get(ByteReader& bytes, ParkedTail& value);
@@ -75,7 +77,7 @@ inline auto FieldsOf(Operation& op)
 {
     return std::tie(op.X1, op.Y1, op.X2, op.Y2, op.Text, op.Kind, op.TextFont.Size, op.Width,
                     op.TextFont.Name, op.TextFont.Bold, op.Radius, op.Filled, op.Start, op.End,
-                    op.Aspect, op.Mode, op.Style);
+                    op.Aspect, op.Mode, op.Style, op.Part);
 }
 
 template <typename Fields, typename Visit, std::size_t... places>

@@ -12,6 +12,14 @@
 
 namespace quillon {
 
+/// What is black of a text, from the text's top left corner. Empty if nothing is.
+struct InkBox {
+    double Left = 0;
+    double Top = 0;
+    double Right = 0;
+    double Bottom = 0;
+};
+
 /// Sizes of texts, in points.
 class TextMetrics {
 public:
@@ -19,14 +27,17 @@ public:
 
     virtual double Width(std::string_view text, const Typeface& font) const = 0;
     virtual double LineHeight(const Typeface& font) const = 0;
+    virtual InkBox Ink(std::string_view text, const Typeface& font) const = 0;
 };
 
 /// Metrics that are the same on every machine: a character is half the font's size wide, a line
-/// 1.2 times the size high, in every font and weight.
+/// 1.2 times the size high, in every font and weight. All of it is ink but a tenth of the size on
+/// each side.
 class FixedTextMetrics : public TextMetrics {
 public:
     double Width(std::string_view text, const Typeface& font) const override;
     double LineHeight(const Typeface& font) const override;
+    InkBox Ink(std::string_view text, const Typeface& font) const override;
 };
 
 constexpr double kPoints = 1;  // surface units to the point
@@ -55,28 +66,29 @@ public:
     void Clear();
 
     /// Leaves the cursor at the line's end.
-    void Line(double x1, double y1, double x2, double y2);
+    void Line(double x1, double y1, double x2, double y2, Role role = Role::Other);
 
     /// A rectangle between two corners. Leaves the cursor at the second.
     void Box(double x1, double y1, double x2, double y2);
 
     /// Leaves the cursor at the centre, as Arc does.
-    void Circle(double x, double y, double radius);
+    void Circle(double x, double y, double radius, Role role = Role::Other);
 
     /// Part of an ellipse, angles in radians, counter-clockwise from the positive x axis;
     /// `aspect` is height to width, `radius` the horizontal one.
-    void Arc(double x, double y, double radius, double start, double end, double aspect);
+    void Arc(double x, double y, double radius, double start, double end, double aspect,
+             Role role = Role::Other);
 
     double TextWidth(std::string_view text) const;
 
     /// Prints at the cursor, which moves to the end of the text.
-    void Print(std::string_view text);
+    void Print(std::string_view text, Role role = Role::Other);
 
     /// Prints at the cursor, which goes to x 0 of the next text line.
-    void PrintLine(std::string_view text);
+    void PrintLine(std::string_view text, Role role = Role::Other);
 
     /// As the above, at a place.
-    void PrintLineAt(double x, double y, std::string_view text);
+    void PrintLineAt(double x, double y, std::string_view text, Role role = Role::Other);
 
     /// The drawing so far.
     const Drawing& Picture() const { return drawing; }
@@ -88,7 +100,7 @@ public:
     Drawing TakePicture();
 
 private:
-    Operation Make(Shape shape, double x, double y) const;
+    Operation Make(Shape shape, double x, double y, Role role) const;
 
     const TextMetrics* metrics;
     double unitsPerPoint;

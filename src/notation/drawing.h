@@ -17,6 +17,28 @@ enum class Shape { Line, Box, Circle, Arc, Text };
 enum class PenMode { Invert = 6, Xor = 10, Plain = 1 };
 enum class PenStyle { Solid = 0, Dotted = 2 };
 
+/// What an operation stands for: how it is painted depends on it (notation/look.h), and nothing
+/// else. No log shows it.
+enum class Role {
+    Other,
+    StringLine,
+    Bar,  // a plain one, or the edge of a line
+    ThickBar,
+    ThinBar,    // beside a thick one, and drawn after it
+    RepeatDot,  // beside a thin bar, and drawn after it
+    Bracket,    // of a repeat or a triplet
+    Stem,
+    Beam,
+    SecondBeam,  // or a stub of it
+    BlockRest,
+    Tie,
+    Figure,  // a fret number
+    Joint,   // what joins two fret numbers
+    Dot,     // behind a fret number
+    Number,  // of a triplet, in a gap of its bracket
+    Fingering,
+};
+
 struct Typeface {
     std::string Name;
     double Size = 0;  // points
@@ -42,6 +64,7 @@ struct Operation {
     PenStyle Style = PenStyle::Solid;
     std::string Text;  // bytes of Windows-1252
     Typeface TextFont;
+    Role Part = Role::Other;
 
     bool operator==(const Operation&) const = default;
 };

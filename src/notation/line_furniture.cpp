@@ -79,8 +79,8 @@ void LineFurniture::DrawRepeatBracket(int n)
     while (columns[j].BarCode < kPlainBar && j < line.k)
         ++j;
     const int end = j == line.k ? line.LineRight : columns[j].XPos;
-    surface.Line(start, line.PenY - kBracketGap, start, RowTop);
-    surface.Line(start, RowTop, end, RowTop);
+    surface.Line(start, line.PenY - kBracketGap, start, RowTop, Role::Bracket);
+    surface.Line(start, RowTop, end, RowTop, Role::Bracket);
     surface.PrintLineAt(start + kBracketGap, line.PenY - 3 * values.StringGap, columns[n].Slot(2));
 }
 
@@ -146,7 +146,8 @@ void LineFurniture::DrawStaff()
 {
     surface.DrawWidth = values.Pens.Staff;
     for (int s = 1; s <= line.tune.NumStrings; ++s)
-        surface.Line(values.LineLeft, line.StringY(s), line.LineRight, line.StringY(s));
+        surface.Line(values.LineLeft, line.StringY(s), line.LineRight, line.StringY(s),
+                     Role::StringLine);
 }
 
 void LineFurniture::PrintSignature(int n)
@@ -165,7 +166,7 @@ void LineFurniture::PrintSignature(int n)
 
 void LineFurniture::DrawLeftEdge()
 {
-    StaffHighLine(values.LineLeft, values.Pens.Edge);
+    StaffHighLine(values.LineLeft, values.Pens.Edge, Role::Bar);
 }
 
 void LineFurniture::DrawBar(int n)
@@ -176,7 +177,7 @@ void LineFurniture::DrawBar(int n)
     const int atStart = n == 1 ? values.LineLeft : ownX;
     const int atEnd = n == line.k ? int{line.LineRight} : nextX;
     if (bar == kPlainBar) {
-        StaffHighLine(atEnd, values.Pens.Edge);
+        StaffHighLine(atEnd, values.Pens.Edge, Role::Bar);
     } else if (bar == kDoubleBar || bar == kRepeatEnd) {
         DoubleBar(atEnd, -1, bar == kRepeatEnd);
     } else if (bar == kBeginDoubleBar || bar == kRepeatStart) {
@@ -185,10 +186,10 @@ void LineFurniture::DrawBar(int n)
     surface.DrawWidth = 1;
 }
 
-void LineFurniture::StaffHighLine(double x, int width)
+void LineFurniture::StaffHighLine(double x, int width, Role role)
 {
     surface.DrawWidth = width;
-    surface.Line(x, line.PenY, x, line.StringY(line.tune.NumStrings));
+    surface.Line(x, line.PenY, x, line.StringY(line.tune.NumStrings), role);
 }
 
 /// From the thick line on the outside to the dots on the inside: `inwards` is 1 for a measure's
@@ -196,8 +197,8 @@ void LineFurniture::StaffHighLine(double x, int width)
 void LineFurniture::DoubleBar(int thickX, int inwards, bool repeat)
 {
     const int thinX = thickX + inwards * kThinBarGap;
-    StaffHighLine(thickX, values.Pens.ThickBar);
-    StaffHighLine(thinX, values.Pens.ThinBar);
+    StaffHighLine(thickX, values.Pens.ThickBar, Role::ThickBar);
+    StaffHighLine(thinX, values.Pens.ThinBar, Role::ThinBar);
     if (repeat)
         RepeatDots(thinX + inwards * kRepeatDotGap);
 }
@@ -207,7 +208,7 @@ void LineFurniture::RepeatDots(int x)
     const PageSizes& sizes = SizesOf(line.tune.NumStrings).Page;
     surface.FillSolid = true;
     for (double gaps : {sizes.UpperDot, sizes.LowerDot})
-        surface.Circle(x, line.PenY + gaps * values.StringGap, kRepeatDot);
+        surface.Circle(x, line.PenY + gaps * values.StringGap, kRepeatDot, Role::RepeatDot);
 }
 
 }  // namespace quillon

@@ -34,7 +34,7 @@ private:
     void PrintSignature(int n);
     void DrawLeftEdge();
     void DrawBar(int n);
-    void StaffHighLine(double x, int width);
+    void StaffHighLine(double x, int width, Role role);
     void DoubleBar(int thickX, int inwards, bool repeat);
     void RepeatDots(int x);
 

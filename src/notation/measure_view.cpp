@@ -252,7 +252,7 @@ void MeasureView::DrawCell(int s)
         DrawCellText(cell.Text, StringTextY(s));
         if (HasDot(note.BeamCode) || note.NoteCode == kDottedHalf) {
             StaffBox.FillSolid = true;
-            StaffBox.Circle(EndOf(cell.Text), DotY(s), 1);
+            StaffBox.Circle(EndOf(cell.Text), DotY(s), 1, Role::Dot);
         }
     }
     if (cell.Tie)
@@ -279,7 +279,7 @@ void MeasureView::DrawSlash()
 void MeasureView::DrawTie(const std::string& text, double y)
 {
     const int radius = kCharWidth / 2 * (tune[tune.CurNote].Spacing - Length(text));
-    StaffBox.Arc(EndOf(text) + radius, y, radius, 0.5, 3, 0.5);
+    StaffBox.Arc(EndOf(text) + radius, y, radius, 0.5, 3, 0.5, Role::Tie);
 }
 
 void MeasureView::DrawBend(char mark, int place, double y)
@@ -297,7 +297,7 @@ void MeasureView::DrawCellText(const std::string& text, double y)
 {
     const std::size_t mark = FindConnection(text);
     if (mark == std::string::npos)
-        StaffBox.PrintLine(text);
+        StaffBox.PrintLine(text, Role::Figure);
     else
         DrawConnected(text, mark, text[mark] == kHammerMark ? y - 2 : y - 3);
 }
@@ -305,14 +305,14 @@ void MeasureView::DrawCellText(const std::string& text, double y)
 /// Two frets with a connection mark between them, its top at `markY`.
 void MeasureView::DrawConnected(const std::string& text, std::size_t mark, double markY)
 {
-    StaffBox.Print(text.substr(0, mark));
+    StaffBox.Print(text.substr(0, mark), Role::Figure);
     const double y = StaffBox.CurrentY;
     UseFont(kTabFont);
     StaffBox.CurrentY = markY;
-    StaffBox.Print(text.substr(mark, 1));
+    StaffBox.Print(text.substr(mark, 1), Role::Joint);
     StaffBox.CurrentY = y;
     UseBodyFont();
-    StaffBox.PrintLine(text.substr(mark + 1));
+    StaffBox.PrintLine(text.substr(mark + 1), Role::Figure);
 }
 
 void MeasureView::DrawStemless()
@@ -338,7 +338,7 @@ void MeasureView::DrawBlockRest(double y)
 {
     const int x = tune[tune.CurNote].XPos;
     StaffBox.DrawWidth = 5;
-    StaffBox.Line(x + 8, y, x + 16, y);
+    StaffBox.Line(x + 8, y, x + 16, y, Role::BlockRest);
     StaffBox.DrawWidth = 1;
 }
 
@@ -348,11 +348,11 @@ void MeasureView::DrawStem(int lowestString)
     const NoteRecord& note = tune[tune.CurNote];
     const int code = note.NoteCode;
     const int stemTopY = StringY(std::max(lowestString, 1)) + 4;
-    StaffBox.Line(noteX, stemTopY, noteX, StemBaseY());
+    StaffBox.Line(noteX, stemTopY, noteX, StemBaseY(), Role::Stem);
     DrawBeam();
     CountTriplet(code);
-    StaffBox.PrintLineAt(noteX + 3, StemBaseY() - kFlagRise, {&note.RightHand, 1});
-    StaffBox.PrintLineAt(noteX, StemBaseY(), {&note.LeftHand, 1});
+    StaffBox.PrintLineAt(noteX + 3, StemBaseY() - kFlagRise, {&note.RightHand, 1}, Role::Fingering);
+    StaffBox.PrintLineAt(noteX, StemBaseY(), {&note.LeftHand, 1}, Role::Fingering);
 }
 
 void MeasureView::DrawBeam()
@@ -365,11 +365,12 @@ void MeasureView::DrawBeam()
         break;
     case kBothBeams:
         MainBeam(x - 1);
-        StaffBox.Line(x - 1, y - kBeamGap, beam2StartX + kStemX - 1, y - kBeamGap);
+        StaffBox.Line(x - 1, y - kBeamGap, beam2StartX + kStemX - 1, y - kBeamGap,
+                      Role::SecondBeam);
         break;
     case kBackStub:
         MainBeam(x - 1);
-        StaffBox.Line(x - 1, y - kBeamGap, x - 1 - kStub, y - kBeamGap);
+        StaffBox.Line(x - 1, y - kBeamGap, x - 1 - kStub, y - kBeamGap, Role::SecondBeam);
         break;
     case kEighthFlag:
     case kDottedEighthFlag:
@@ -393,13 +394,13 @@ void MeasureView::DrawBeam()
 
 void MeasureView::MainBeam(double x)
 {
-    StaffBox.Line(x, StemBaseY(), beamStartX + kStemX - 1, StemBaseY());
+    StaffBox.Line(x, StemBaseY(), beamStartX + kStemX - 1, StemBaseY(), Role::Beam);
 }
 
 void MeasureView::ForwardStub()
 {
     const int y = StemBaseY() - kBeamGap;
-    StaffBox.Line(noteX, y, noteX + kStub, y);
+    StaffBox.Line(noteX, y, noteX + kStub, y, Role::SecondBeam);
 }
 
 /// The first of the three draws the bracket. The bracket of quarters has a length of its own.
@@ -431,11 +432,11 @@ void MeasureView::DrawTripletBracket(bool longForm, double farEnd)
     const int top = StemBaseY() + 2;
     const int bottom = StemBaseY() + 6;
     const int gap = noteX + (longForm ? kLongTripletGapX : kTripletGapX);
-    StaffBox.Line(left, top, left, bottom);
-    StaffBox.Line(left, bottom, gap, bottom);
-    StaffBox.Line(gap + kCharWidth, bottom, farEnd, bottom);
-    StaffBox.Line(farEnd, top, farEnd, bottom);
-    StaffBox.PrintLineAt(gap + 1, StemBaseY() + 3, "3");
+    StaffBox.Line(left, top, left, bottom, Role::Bracket);
+    StaffBox.Line(left, bottom, gap, bottom, Role::Bracket);
+    StaffBox.Line(gap + kCharWidth, bottom, farEnd, bottom, Role::Bracket);
+    StaffBox.Line(farEnd, top, farEnd, bottom, Role::Bracket);
+    StaffBox.PrintLineAt(gap + 1, StemBaseY() + 3, "3", Role::Number);
 }
 
 void MeasureView::Glyph(double x, double y, std::string_view glyph)
@@ -448,37 +449,37 @@ void MeasureView::Glyph(double x, double y, std::string_view glyph)
 void MeasureView::ThickBar(double x)
 {
     StaffBox.DrawWidth = 3;
-    StaffBox.Line(x, kBarTopY, x, BarBottomY());
+    StaffBox.Line(x, kBarTopY, x, BarBottomY(), Role::ThickBar);
     StaffBox.DrawWidth = 1;
 }
 
-void MeasureView::ThinBar(double x)
+void MeasureView::ThinBar(double x, Role role)
 {
-    StaffBox.Line(x, kBarTopY, x, BarBottomY());
+    StaffBox.Line(x, kBarTopY, x, BarBottomY(), role);
 }
 
 void MeasureView::RepeatDots(double x)
 {
     const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     StaffBox.FillSolid = true;
-    StaffBox.Circle(x, sizes.UpperDotY, 2);
-    StaffBox.Circle(x, sizes.LowerDotY, 2);
+    StaffBox.Circle(x, sizes.UpperDotY, 2, Role::RepeatDot);
+    StaffBox.Circle(x, sizes.LowerDotY, 2, Role::RepeatDot);
 }
 
 void MeasureView::DrawBar(std::string_view barCode, bool closingBar)
 {
     if (barCode.empty()) {
-        ThinBar(EndBarX);
+        ThinBar(EndBarX, Role::Bar);
     } else if (barCode == kRepeatEnd || barCode == kDoubleBar) {
         ThickBar(EndBarX);
-        ThinBar(EndBarX - kEndThinGap);
+        ThinBar(EndBarX - kEndThinGap, Role::ThinBar);
         if (barCode == kRepeatEnd)
             RepeatDots(EndBarX - kEndDotsGap);
     } else if (barCode == kRepeatStart || barCode == kBeginDoubleBar || barCode == kPlainBar) {
         ThickBar(kStartBarX);
-        ThinBar(kStartThinX);
+        ThinBar(kStartThinX, Role::ThinBar);
         if (closingBar)
-            ThinBar(EndBarX);
+            ThinBar(EndBarX, Role::Bar);
         if (barCode == kRepeatStart)
             RepeatDots(kStartDotsX);
     }
@@ -486,8 +487,8 @@ void MeasureView::DrawBar(std::string_view barCode, bool closingBar)
 
 void MeasureView::DrawBracket()
 {
-    StaffBox.Line(kBracketX, kBracketHookY, kBracketX, kBracketY);
-    StaffBox.Line(kBracketX, kBracketY, EndBarX, kBracketY);
+    StaffBox.Line(kBracketX, kBracketHookY, kBracketX, kBracketY, Role::Bracket);
+    StaffBox.Line(kBracketX, kBracketY, EndBarX, kBracketY, Role::Bracket);
 }
 
 void MeasureView::DrawSign(std::string_view signCode)

@@ -83,7 +83,7 @@ private:
     double TripletEnd();
     void Glyph(double x, double y, std::string_view glyph);
     void ThickBar(double x);
-    void ThinBar(double x);
+    void ThinBar(double x, Role role);
     void RepeatDots(double x);
     int BarBottomY() const { return StringY(tune.NumStrings); }
 

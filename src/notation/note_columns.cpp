@@ -152,7 +152,7 @@ void NoteColumns::DrawTieIn(int n, int s)
 {
     const int x = columns[n].XPos;
     Surface().DrawWidth = values.Pens.TieIn;
-    Surface().Arc(values.LineLeft, line.StringY(s), x - values.LineLeft, 0, 1.5, 0.25);
+    Surface().Arc(values.LineLeft, line.StringY(s), x - values.LineLeft, 0, 1.5, 0.25, Role::Tie);
     Surface().DrawWidth = 1;
     Surface().CurrentX = x;
     Surface().CurrentY = FretY(s);
@@ -163,18 +163,18 @@ void NoteColumns::PrintFret(const std::string& text, bool connected)
 {
     const std::size_t mark = FindConnection(text);
     if (!connected || mark == std::string::npos) {
-        Surface().PrintLine(text);
+        Surface().PrintLine(text, Role::Figure);
         return;
     }
     const int raise = text[mark] == kHammerMark ? kDashRise : kBowRise;
-    Surface().Print(text.substr(0, mark));
+    Surface().Print(text.substr(0, mark), Role::Figure);
     Surface().Font.Name = kTabFont;
     const double y = Surface().CurrentY;
     Surface().CurrentY = y - raise;
-    Surface().Print(text.substr(mark, 1));
+    Surface().Print(text.substr(mark, 1), Role::Joint);
     Surface().Font.Name = line.page.BodyFontName;
     Surface().CurrentY = y;
-    Surface().PrintLine(text.substr(mark + 1));
+    Surface().PrintLine(text.substr(mark + 1), Role::Figure);
 }
 
 /// Beside the text, half a line gap above the text line that follows it.
@@ -183,7 +183,8 @@ void NoteColumns::DrawDot(int n, const std::string& text)
     const double x =
         columns[n].XPos + Surface().TextWidth(text) + IntegerDivide(Surface().TextWidth("5"), 2);
     Surface().FillSolid = true;
-    Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), kDotRadius);
+    Surface().Circle(x, Surface().CurrentY - IntegerDivide(values.StringGap, 2), kDotRadius,
+                     Role::Dot);
 }
 
 void NoteColumns::PrintBend(int n, int s, char mark, std::size_t place)
@@ -207,7 +208,7 @@ void NoteColumns::DrawTie(int n, int s, const std::string& text)
     const int radius = IntegerDivide(span - width, 2) - values.TieInset;
     Surface().DrawWidth = values.Pens.Tie;
     Surface().Arc(x + width + radius + values.TieShift, line.StringY(s), radius, atLineEnd ? 1 : 0,
-                  atLineEnd ? 3 : 3.25, 0.5);
+                  atLineEnd ? 3 : 3.25, 0.5, Role::Tie);
     Surface().DrawWidth = 1;
 }
 
@@ -220,7 +221,7 @@ void NoteColumns::DrawBlockRest(const NoteRecord& column)
     const double y = line.PenY + (whole ? values.StringGap + kWholeRestDrop
                                         : 2 * values.StringGap - kHalfRestRise);
     Surface().DrawWidth = values.Pens.BlockRest;
-    Surface().Line(x, y, x + 1.5 * line.UnitSpacing, y);
+    Surface().Line(x, y, x + 1.5 * line.UnitSpacing, y, Role::BlockRest);
     Surface().DrawWidth = 1;
 }
 
@@ -253,7 +254,7 @@ void NoteColumns::DrawStem(const NoteRecord& column)
     if (column.NoteCode >= kWhole || StemString == 0)
         return;
     StemX = column.XPos + kStemInset;
-    Surface().Line(StemX, line.StringY(StemString + 1) - kStemRise, StemX, StemEnd);
+    Surface().Line(StemX, line.StringY(StemString + 1) - kStemRise, StemX, StemEnd, Role::Stem);
 }
 
 void NoteColumns::StartBeams(const NoteRecord& column)
@@ -311,18 +312,18 @@ void NoteColumns::PrintFlag(const NoteRecord& column, std::string_view glyph)
 
 void NoteColumns::MainBeam()
 {
-    BeamToStem(BeamEnd(BeamStartX), StemEnd);
+    BeamToStem(BeamEnd(BeamStartX), StemEnd, Role::Beam);
 }
 
 void NoteColumns::SecondBeam(int x)
 {
-    BeamToStem(x, StemEnd - kSecondBeamRise);
+    BeamToStem(x, StemEnd - kSecondBeamRise, Role::SecondBeam);
 }
 
-void NoteColumns::BeamToStem(int x, double y)
+void NoteColumns::BeamToStem(int x, double y, Role role)
 {
     Surface().DrawWidth = values.Pens.Beam;
-    Surface().Line(x, y, StemX, y);
+    Surface().Line(x, y, StemX, y, role);
     Surface().DrawWidth = 1;
 }
 
@@ -331,7 +332,7 @@ void NoteColumns::ForwardStub(int n)
     const int half = IntegerDivide(columns[n + 1].XPos - StemX, 2);
     Surface().DrawWidth = values.Pens.ForwardStub;
     const double y = StemEnd - kForwardStubRise;
-    Surface().Line(StemX, y, StemX + half, y);
+    Surface().Line(StemX, y, StemX + half, y, Role::SecondBeam);
     Surface().DrawWidth = 1;
 }
 
@@ -340,7 +341,7 @@ void NoteColumns::PrintRightHand(const NoteRecord& column)
 {
     if (IsHandMark(column.RightHand))
         Surface().PrintLineAt(column.XPos + kRightHandInset, StemEnd - 3 * values.StringGap,
-                              {&column.RightHand, 1});
+                              {&column.RightHand, 1}, Role::Fingering);
 }
 
 /// The bracket of the group that column n opens. Where the line ends before the group does, the
@@ -354,11 +355,11 @@ void NoteColumns::DrawTriplet(int n)
     const int end = third + kBracketGap;
     const double top = StemEnd + kBracketTop;
     const double bottom = StemEnd + kBracketBottom;
-    Surface().Line(start, top, start, bottom);
-    Surface().Line(start, bottom, middle, bottom);
-    Surface().Line(middle + kBracketGap, bottom, end, bottom);
-    Surface().Line(end, top, end, bottom);
-    Surface().PrintLineAt(middle, StemEnd - kThreeRise, "3");
+    Surface().Line(start, top, start, bottom, Role::Bracket);
+    Surface().Line(start, bottom, middle, bottom, Role::Bracket);
+    Surface().Line(middle + kBracketGap, bottom, end, bottom, Role::Bracket);
+    Surface().Line(end, top, end, bottom, Role::Bracket);
+    Surface().PrintLineAt(middle, StemEnd - kThreeRise, "3", Role::Number);
     LineReaches(StemEnd - kThreeRise);
 }
 
@@ -369,7 +370,7 @@ void NoteColumns::PrintLeftHand(const NoteRecord& column)
         return;
     const double y = StemEnd + (TripletCount > 0 ? kLeftHandUnderBracket : kLeftHandDrop);
     LineReaches(y);
-    Surface().PrintLineAt(column.XPos + 1, y, {&column.LeftHand, 1});
+    Surface().PrintLineAt(column.XPos + 1, y, {&column.LeftHand, 1}, Role::Fingering);
 }
 
 }  // namespace quillon

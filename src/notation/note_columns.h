@@ -41,7 +41,7 @@ private:
     void PrintFlag(const NoteRecord& column, std::string_view glyph);
     void MainBeam();
     void SecondBeam(int x);
-    void BeamToStem(int x, double y);
+    void BeamToStem(int x, double y, Role role);
     void ForwardStub(int n);
     void PrintRightHand(const NoteRecord& column);
     void DrawTriplet(int n);

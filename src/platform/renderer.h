@@ -10,6 +10,13 @@ namespace quillon {
 
 class Drawing;
 class TextMetrics;
+enum class Look;
+
+/// How pages are made.
+struct PageChoices {
+    Look As{};
+    std::string Title;  // of a PDF
+};
 
 class Renderer {
 public:
@@ -22,9 +29,10 @@ public:
 
     // The bytes of a file. Pages are drawn in twips, on Letter paper. With the environment's
     // SOURCE_DATE_EPOCH (seconds since 1970) as its date, a PDF is the same bytes each time.
-    virtual std::string Pdf(const std::vector<Drawing>& pages, const std::string& title) const = 0;
-    virtual std::string Svg(const Drawing& page) const = 0;
-    virtual std::string Png(const Drawing& page) const = 0;  // as the window shows it at 96 dpi
+    virtual std::string Pdf(const std::vector<Drawing>& pages,
+                            const PageChoices& choices) const = 0;
+    virtual std::string Svg(const Drawing& page, const PageChoices& choices) const = 0;
+    virtual std::string Png(const Drawing& page, const PageChoices& choices) const = 0;
 
     /// Writes a WAV file at `path`. `progress` is told the part done, 0..1. A std::runtime_error on
     /// failure, after which a part of it may be there.

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFontDatabase>
 #include <QFontMetricsF>
+#include <QPainterPath>
 
 #include <algorithm>
 #include <array>
@@ -19,6 +20,13 @@ namespace {
 constexpr const char* kArial = "Arial";
 constexpr const char* kServesForArial = "Liberation Sans";
 constexpr std::size_t kLongText = 2000;  // characters, more than stand on any line
+constexpr std::size_t kMostInks = 1000;  // kept; a tune has about fifty different figures
+
+int SizeInTwips(const Typeface& typeface)
+{
+    const double twips = std::isfinite(typeface.Size) ? typeface.Size * kTwips : 1;
+    return static_cast<int>(std::lround(std::clamp(twips, 1.0, 20000.0)));
+}
 
 /// The widths of single characters in twips, measured when they are first asked for.
 class CharacterWidths {
@@ -66,9 +74,8 @@ QString NameOfFont(const QString& family)
 QFont FontInTwips(const Typeface& typeface)
 {
     const QString name = ToUnicode(typeface.Name);
-    const double twips = std::isfinite(typeface.Size) ? typeface.Size * kTwips : 1;
     QFont font(name);
-    font.setPixelSize(static_cast<int>(std::lround(std::clamp(twips, 1.0, 20000.0))));
+    font.setPixelSize(SizeInTwips(typeface));
     font.setHintingPreference(QFont::PreferNoHinting);
     // The signs have one weight, and a character that is no sign shows nothing else's letter.
     if (name.compare(kTabFont, Qt::CaseInsensitive) == 0)
@@ -108,6 +115,22 @@ double FontMetrics::Width(std::string_view text, const Typeface& font) const
 double FontMetrics::LineHeight(const Typeface& font) const
 {
     return QFontMetricsF(FontInTwips(font)).height() / kTwips;
+}
+
+InkBox FontMetrics::Ink(std::string_view text, const Typeface& typeface) const
+{
+    const std::string shown(text.substr(0, kLongText));
+    const InkKey key{shown, typeface.Name, SizeInTwips(typeface), typeface.Bold};
+    if (const auto known = inks.find(key); known != inks.end())
+        return known->second;
+    const QFont font = FontInTwips(typeface);
+    QPainterPath path;
+    path.addText(0, QFontMetricsF(font).ascent(), font, ToUnicode(shown));
+    const QRectF ink = path.boundingRect();
+    if (inks.size() >= kMostInks)
+        inks.clear();
+    return inks[key] = {ink.left() / kTwips, ink.top() / kTwips, ink.right() / kTwips,
+                        ink.bottom() / kTwips};
 }
 
 }  // namespace quillon

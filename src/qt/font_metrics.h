@@ -9,7 +9,10 @@
 
 #include <QFont>
 
+#include <map>
+#include <string>
 #include <string_view>
+#include <tuple>
 
 namespace quillon {
 
@@ -38,6 +41,12 @@ class FontMetrics : public TextMetrics {
 public:
     double Width(std::string_view text, const Typeface& font) const override;
     double LineHeight(const Typeface& font) const override;
+    InkBox Ink(std::string_view text, const Typeface& font) const override;
+
+private:
+    using InkKey = std::tuple<std::string, std::string, int, bool>;  // text, font, twips, bold
+
+    mutable std::map<InkKey, InkBox> inks;
 };
 
 }  // namespace quillon

@@ -44,11 +44,11 @@ bool CanBePainted(const Operation& op)
     return false;
 }
 
-/// One operation, its lengths in twips.
-class OperationPainter {
+/// One stroke, its lengths in twips.
+class StrokePainter {
 public:
-    OperationPainter(QPainter& thePainter, const Operation& operation, const PaintStyle& paintStyle)
-        : painter(thePainter), op(operation), style(paintStyle),
+    StrokePainter(QPainter& thePainter, const Stroke& theStroke, const PaintStyle& paintStyle)
+        : painter(thePainter), stroke(theStroke), op(theStroke.Drawn), style(paintStyle),
           scale(kTwips / paintStyle.UnitsPerPoint)
     {
     }
@@ -68,7 +68,10 @@ public:
             painter.drawEllipse(From(), Twips(op.Radius), Twips(op.Radius));
             break;
         case Shape::Arc:
-            Arc();
+            if (stroke.Outline.empty())
+                Arc();
+            else
+                Area();
             break;
         case Shape::Text:
             Text();
@@ -80,12 +83,13 @@ private:
     double Twips(double length) const { return std::clamp(length * scale, -kFarTwips, kFarTwips); }
     QPointF From() const { return {Twips(op.X1), Twips(op.Y1)}; }
     QPointF To() const { return {Twips(op.X2), Twips(op.Y2)}; }
-    double PenWidth() const { return std::max(op.Width, 1) * style.Dot; }
+    double PenWidth() const { return Twips(stroke.Pen); }
 
     QPen Pen() const
     {
         const Qt::PenStyle line = op.Style == PenStyle::Dotted ? Qt::DotLine : Qt::SolidLine;
-        return QPen(Qt::black, PenWidth(), line, Qt::FlatCap, Qt::MiterJoin);
+        return stroke.Pen > 0 ? QPen(Qt::black, PenWidth(), line, Qt::FlatCap, Qt::MiterJoin)
+                              : QPen(Qt::NoPen);
     }
 
     void Line() const
@@ -128,6 +132,17 @@ private:
         painter.strokePath(path, Pen());
     }
 
+    /// An area with round corners of the pen's width.
+    void Area() const
+    {
+        QPolygonF polygon;
+        for (const Point& point : stroke.Outline)
+            polygon << QPointF(Twips(point.X), Twips(point.Y));
+        painter.setPen(QPen(Qt::black, PenWidth(), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setBrush(Qt::black);
+        painter.drawPolygon(polygon);
+    }
+
     void Text() const
     {
         const QFont font = FontInTwips(op.TextFont);
@@ -145,6 +160,7 @@ private:
     }
 
     QPainter& painter;
+    const Stroke& stroke;
     const Operation& op;
     const PaintStyle& style;
     double scale;  // twips to a unit of the drawing
@@ -174,20 +190,28 @@ void PaintCrispLine(QPainter& painter, double x1, double y1, double x2, double y
     painter.setRenderHint(QPainter::Antialiasing, smooth);
 }
 
+std::vector<Stroke> StrokesFor(const Drawing& drawing, const PaintStyle& style)
+{
+    static const FontMetrics metrics;
+    const double dot = style.Dot * style.UnitsPerPoint / kTwips;
+    return StrokesOf(drawing, {style.As, dot, style.UnitsPerPoint}, metrics);
+}
+
 void Paint(QPainter& painter, const Drawing& drawing, const PaintStyle& style)
 {
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    for (const Operation& op : drawing.Operations())
-        if (op.Mode == PenMode::Plain && CanBePainted(op))
-            OperationPainter(painter, op, style).Paint();
+    const std::vector<Stroke> strokes = StrokesFor(drawing, style);
+    for (const Stroke& stroke : strokes)
+        if (stroke.Drawn.Mode == PenMode::Plain && CanBePainted(stroke.Drawn))
+            StrokePainter(painter, stroke, style).Paint();
     // Both modes turn what is below to its opposite. Being painted from the list each time, they
     // leave nothing behind when they have gone from it.
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setCompositionMode(QPainter::RasterOp_NotSourceXorDestination);
-    for (const Operation& op : drawing.Operations())
-        if (op.Mode != PenMode::Plain && CanBePainted(op))
-            OperationPainter(painter, op, style).Paint();
+    for (const Stroke& stroke : strokes)
+        if (stroke.Drawn.Mode != PenMode::Plain && CanBePainted(stroke.Drawn))
+            StrokePainter(painter, stroke, style).Paint();
     painter.restore();
 }
 

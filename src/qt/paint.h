@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "notation/drawing.h"
+#include "notation/look.h"
 
 class QPainter;
 
@@ -18,7 +18,11 @@ struct PaintStyle {
     double Dot = kScreenDot;
     bool Crisp = false;     // upright and level lines fill whole pixels: on a screen
     bool Outlines = false;  // texts as outlines, for viewers without the fonts
+    Look As = Look::Plain;
 };
+
+/// The strokes that Paint paints.
+std::vector<Stroke> StrokesFor(const Drawing& drawing, const PaintStyle& style);
 
 /// The painter works in twips. What is drawn in xor or invert mode comes last, and shows only on
 /// pixels. Operations that have no finite place or size are left out.

@@ -62,7 +62,7 @@ public:
 
     bool HasFont(const std::string& name) const override { return FontAvailable(ToUnicode(name)); }
 
-    std::string Pdf(const std::vector<Drawing>& pages, const std::string& title) const override
+    std::string Pdf(const std::vector<Drawing>& pages, const PageChoices& choices) const override
     {
         QByteArray bytes;
         QBuffer buffer(&bytes);
@@ -72,23 +72,27 @@ public:
             writer.setResolution(kPdfResolution);
             writer.setPageSize(QPageSize(QPageSize::Letter));
             writer.setPageMargins({});
-            writer.setTitle(ToUnicode(title));
+            writer.setTitle(ToUnicode(choices.Title));
             writer.setCreator("Quillon");
             QPainter painter(&writer);
             painter.scale(kPdfResolution / kTwipsPerInch, kPdfResolution / kTwipsPerInch);
             for (std::size_t i = 0; i < pages.size(); ++i) {
                 if (i > 0)
                     writer.newPage();
-                Paint(painter, pages[i], {.UnitsPerPoint = kTwips, .Dot = kPrinterDot});
+                Paint(painter, pages[i],
+                      {.UnitsPerPoint = kTwips, .Dot = kPrinterDot, .As = choices.As});
             }
         }
         FixDate(bytes);
         return bytes.toStdString();
     }
 
-    std::string Svg(const Drawing& page) const override { return SvgPage(page); }
+    std::string Svg(const Drawing& page, const PageChoices& choices) const override
+    {
+        return SvgPage(page, choices.As);
+    }
 
-    std::string Png(const Drawing& page) const override
+    std::string Png(const Drawing& page, const PageChoices& choices) const override
     {
         QImage image(static_cast<int>(kPageWidth / kScreenDot),
                      static_cast<int>(kPageHeight / kScreenDot), QImage::Format_RGB32);
@@ -96,7 +100,7 @@ public:
         {
             QPainter painter(&image);
             painter.scale(1 / kScreenDot, 1 / kScreenDot);
-            Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true});
+            Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true, .As = choices.As});
         }
         QByteArray bytes;
         QBuffer buffer(&bytes);

@@ -61,11 +61,12 @@ std::string PathData(const QPainterPath& path)
 
 class SvgWriter {
 public:
-    std::string Write(const Drawing& page)
+    std::string Write(const std::vector<Stroke>& strokes)
     {
-        for (const Operation& op : page.Operations())
-            if (op.Mode == PenMode::Plain && std::isfinite(op.X1) && std::isfinite(op.Y1))
-                Add(op);
+        for (const Stroke& stroke : strokes)
+            if (stroke.Drawn.Mode == PenMode::Plain && std::isfinite(stroke.Drawn.X1) &&
+                std::isfinite(stroke.Drawn.Y1))
+                Add(stroke);
         const std::string width = NumberText(kPageWidth);
         const std::string height = NumberText(kPageHeight);
         std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
@@ -84,28 +85,31 @@ public:
     }
 
 private:
-    void Add(const Operation& op)
+    void Add(const Stroke& stroke)
     {
+        const Operation& op = stroke.Drawn;
         switch (op.Kind) {
         case Shape::Line:
             shapes += "<path d=\"M" + Number(op.X1) + " " + Number(op.Y1) + "L" + Number(op.X2) +
-                      " " + Number(op.Y2) + "\"" + Pen(op) + "/>\n";
+                      " " + Number(op.Y2) + "\"" + Pen(stroke) + "/>\n";
             break;
         case Shape::Box:
             shapes += "<rect" + Attribute("x", std::min(op.X1, op.X2)) +
                       Attribute("y", std::min(op.Y1, op.Y2)) +
                       Attribute("width", std::abs(op.X2 - op.X1)) +
-                      Attribute("height", std::abs(op.Y2 - op.Y1)) + Pen(op) + "/>\n";
+                      Attribute("height", std::abs(op.Y2 - op.Y1)) + Pen(stroke) + "/>\n";
             break;
         case Shape::Circle:
             if (op.Radius > 0)
                 shapes += "<circle" + Attribute("cx", op.X1) + Attribute("cy", op.Y1) +
                           Attribute("r", op.Radius) + (op.Filled ? " fill=\"#000\"" : "") +
-                          Pen(op) + "/>\n";
+                          Pen(stroke) + "/>\n";
             break;
         case Shape::Arc:
-            if (op.Radius > 0)
-                AddArc(op);
+            if (!stroke.Outline.empty())
+                AddArea(stroke);
+            else if (op.Radius > 0)
+                AddArc(stroke);
             break;
         case Shape::Text:
             if (IsNotation(op.TextFont))
@@ -116,13 +120,23 @@ private:
         }
     }
 
-    static std::string Pen(const Operation& op)
+    static std::string Pen(const Stroke& stroke)
     {
-        return Attribute("stroke-width", op.Width * kScreenDot);
+        return stroke.Pen > 0 ? Attribute("stroke-width", stroke.Pen) : " stroke=\"none\"";
     }
 
-    void AddArc(const Operation& op)
+    void AddArea(const Stroke& stroke)
     {
+        std::string data;
+        for (const Point& point : stroke.Outline)
+            data += (data.empty() ? "M" : "L") + Number(point.X) + " " + Number(point.Y);
+        shapes += "<path d=\"" + data + "Z\"" + Pen(stroke) +
+                  " fill=\"#000\" stroke-linejoin=\"round\"/>\n";
+    }
+
+    void AddArc(const Stroke& stroke)
+    {
+        const Operation& op = stroke.Drawn;
         const double ry = op.Radius * op.Aspect;
         const auto at = [&](double angle) {
             return Number(op.X1 + op.Radius * std::cos(angle)) + " " +
@@ -130,7 +144,7 @@ private:
         };
         const bool large = op.End - op.Start > std::acos(-1.0);
         shapes += "<path d=\"M" + at(op.Start) + "A" + Number(op.Radius) + " " + Number(ry) +
-                  " 0 " + (large ? "1" : "0") + " 0 " + at(op.End) + "\"" + Pen(op) + "/>\n";
+                  " 0 " + (large ? "1" : "0") + " 0 " + at(op.End) + "\"" + Pen(stroke) + "/>\n";
     }
 
     /// Control characters, which XML forbids, become replacement characters.
@@ -186,9 +200,9 @@ private:
 
 }  // namespace
 
-std::string SvgPage(const Drawing& page)
+std::string SvgPage(const Drawing& page, Look look)
 {
-    return SvgWriter().Write(page);
+    return SvgWriter().Write(StrokesFor(page, {.UnitsPerPoint = kTwips, .As = look}));
 }
 
 }  // namespace quillon

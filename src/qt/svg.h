@@ -2,13 +2,13 @@
 
 #pragma once
 
-#include "notation/drawing.h"
+#include "notation/look.h"
 
 #include <string>
 
 namespace quillon {
 
 /// The page is drawn in twips on Letter paper.
-std::string SvgPage(const Drawing& page);
+std::string SvgPage(const Drawing& page, Look look);
 
 }  // namespace quillon

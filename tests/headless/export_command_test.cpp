@@ -89,6 +89,14 @@ TEST(ExportCommandTest, WithoutOptionsNothingIsSet)
     EXPECT_EQ(o.TuningFile, "");
 }
 
+TEST(ExportCommandTest, PagesAreEngravedUnlessTheyAreToBePlain)
+{
+    EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "t.pdf"}).As, Look::Engraved);
+    EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "t.pdf", "--look", "engraved"}).As,
+              Look::Engraved);
+    EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "t.pdf", "--look=plain"}).As, Look::Plain);
+}
+
 TEST(ExportCommandTest, AValueMayFollowAnEqualsSignAndATuneTheDoubleDash)
 {
     const ExportCommand command =
@@ -123,6 +131,7 @@ TEST(ExportCommandTest, BadUsageIsRefusedWithItsReason)
          "several tunes go into a folder, but 'out.mid' looks like a file"                                       },
         {{"a.gui", "b.gui", "-o", "o.bss", "--format=mid"},
          "several tunes go into a folder, but 'o.bss' looks like a file"                                         },
+        {{"t.gui", "-o", "a.pdf", "--look", "fine"},          "--look must be engraved or plain"                 },
         {{"t.gui", "--check", "--order"},                     "--check and --order cannot be combined"           },
         {{"t.gui", "--check", "-o", "a.pdf"},                 "--check and --order write to standard output only"},
     };

@@ -29,6 +29,8 @@ std::string TextOf(Moment moment)
     std::apply([&](const auto&... field) { (add(field), ...); }, FieldsOf(moment.Values()));
     for (const ScratchBytes& file : moment.ScratchFiles)
         text += file ? *file : "none";
+    for (const Operation& op : moment.StaffBox.Picture().Operations())
+        text += std::to_string(static_cast<int>(op.Part)) + ' ';
     return text;
 }
 

@@ -63,7 +63,9 @@ class PagePicture(unittest.TestCase):
     def compare(self, name):
         tune = ROOT / "examples" / name
         png = subprocess.run(
-            [EXPORT, tune, "--format", "png", "-o", "-"], check=True, capture_output=True
+            [EXPORT, tune, "--look", "plain", "--format", "png", "-o", "-"],
+            check=True,
+            capture_output=True,
         ).stdout
         page = Picture.from_png(png)
         self.assertEqual(page.width, PAPER_WIDTH)
