@@ -243,5 +243,18 @@ TEST_F(CopyPaste, PastTheTableIsASubscriptFaultWithTheTailNotYetBack)
     EXPECT_GT(form.Parked.RecordsBack, 0);
 }
 
+TEST_F(CopyPaste, AtTheEndPastTheTableIsASubscriptFaultOnTheLastMeasureThatFitted)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 299);
+    Show();
+    Copy("1", "2");
+    Goto("299");
+    EXPECT_FAULT(editor.mnuPaste(), SubscriptOutOfRange);
+    EXPECT_EQ(form.MeasHead, 1496);
+    EXPECT_EQ(form.MeasEnd, 1500);
+    EXPECT_EQ(tune.LastMeas, 300);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -716,6 +716,20 @@ TEST_F(StaffInput, TheFiguresReachFromTheirLowerBoundUpToTheirUpperOne)
     }
 }
 
+TEST_F(StaffInput, AMeasureOfAHeadAloneThatIsNotOpenKeepsItsSignature)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddFullMeasures(tune, 1);
+    Show();
+    Goto("2");
+    EXPECT_EQ(form.MeasEnd, form.MeasHead);
+    Click(5, 60);
+    EXPECT_EQ(form.CurBeatUnit, 4);
+    EXPECT_EQ(tune[6].BeatUnit, 4);
+}
+
 TEST_F(StaffInput, ASignatureClickPaintsTheNewSignature)
 {
     form.CursorY = StringY(2);

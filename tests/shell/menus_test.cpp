@@ -166,5 +166,24 @@ TEST_F(MenusOnTheDesk, RunTheHandlerOfTheirName)
     EXPECT_FALSE(win.pages.LargeView);
 }
 
+TEST_F(MenusOnTheDesk, EachFormIsReadyWhenItIsShown)
+{
+    Start();
+    midiPorts.Names = {"A port"};
+    win.tune[0].ChordText = "Air";
+    win.mnuOpnMidi();
+    EXPECT_TRUE(win.frmBldMidi.Loaded);
+    win.mnuSetup();
+    EXPECT_TRUE(win.frmMidiSetup.Visible);
+    EXPECT_EQ(win.frmMidiSetup.ComboMidiOut, (std::vector<std::string>{"Default", "A port"}));
+    win.mnuTuning();
+    EXPECT_TRUE(win.tuningForms[0].Loaded);
+    win.mnuPageSet();
+    EXPECT_EQ(win.frmPgSetup->Text1, "Air");
+    win.mnuAbout();
+    EXPECT_EQ(system.Forms, (std::vector{Form::frmBldMidi, Form::frmMidiSetup, Form::Guitar,
+                                         Form::frmPgSetup, Form::frmAbout}));
+}
+
 }  // namespace
 }  // namespace quillon

@@ -153,6 +153,57 @@ TEST_F(PageSetupTest, AMarginThatIsNoNumberIsZeroAndItsTextGoesIntoTheSettings)
     EXPECT_EQ(settings.Values.at({kPrefs, "PageTop"}), "one");
 }
 
+TEST_F(PageSetupTest, TheExitButtonWritesEachMarginAsANumberAndThenAsItWasTyped)
+{
+    PageSetup& setup = OpenForm();
+    setup.txtLeft = "1.10 in";
+    setup.txtRight = "1.20 in";
+    setup.txtTop = "1.30 in";
+    setup.txtStaveSpace = ".40 in";
+    settings.Written.clear();
+    setup.cmdPgExit();
+    settings.Written.resize(8);
+    const std::vector<std::string> expected = {"Prefs/StaveSpace=0.4",   "Prefs/PageTop=1.3",
+                                               "Prefs/PageRight=1.2",    "Prefs/PageLeft=1.1",
+                                               "Prefs/PageLeft=1.10 in", "Prefs/PageRight=1.20 in",
+                                               "Prefs/PageTop=1.30 in",  "Prefs/StaveSpace=.40 in"};
+    EXPECT_EQ(settings.Written, expected);
+    EXPECT_EQ(win.page.PageLeft, 1.1F);
+    EXPECT_EQ(win.page.PageRight, 1.2F);
+    EXPECT_EQ(win.page.PageTop, 1.3F);
+    EXPECT_EQ(win.page.StaveSpace, .4F);
+}
+
+TEST_F(PageSetupTest, TheSystemsCloseTakesAllFourMargins)
+{
+    PageSetup& setup = OpenForm();
+    setup.txtLeft = "1.1";
+    setup.txtRight = "1.2";
+    setup.txtTop = "1.3";
+    setup.txtStaveSpace = ".4";
+    setup.Unload();
+    EXPECT_EQ(win.page.PageLeft, 1.1F);
+    EXPECT_EQ(win.page.PageRight, 1.2F);
+    EXPECT_EQ(win.page.PageTop, 1.3F);
+    EXPECT_EQ(win.page.StaveSpace, .4F);
+    EXPECT_FALSE(setup.Loaded);
+}
+
+TEST_F(PageSetupTest, FontsGoIntoTheSettingsOnClosing)
+{
+    PageSetup& setup = OpenForm();
+    dialogs.Fonts.push_back(FontChoice{"Courier", 12});
+    setup.cmdBodyFont();
+    dialogs.Fonts.push_back(FontChoice{"Serif", 14.5F});
+    setup.cmdTitleFont();
+    settings.Written.clear();
+    setup.Unload();
+    EXPECT_EQ(settings.Values.at({kPrefs, "FontName"}), "Courier");
+    EXPECT_EQ(settings.Values.at({kPrefs, "FontSize"}), "12");
+    EXPECT_EQ(settings.Values.at({kPrefs, "TitleFont"}), "Serif");
+    EXPECT_EQ(settings.Values.at({kPrefs, "TFontSize"}), "14.5");
+}
+
 TEST_F(PageSetupTest, TheFormShowsWhatIsInForce)
 {
     win.tune[0].ChordText = "Air";

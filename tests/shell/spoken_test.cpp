@@ -76,6 +76,17 @@ TEST_F(Spoken, TextModesTellTheirText)
     EXPECT_NE(Cursor().find("right-hand fingering i"), std::string::npos);
 }
 
+TEST_F(Spoken, TheTablesLastRecordIsAColumnAndTheNextOneTellsThatTheTableIsFull)
+{
+    win.form.MeasHead = 1498;
+    win.form.MeasEnd = 1500;
+    win.tune[1500].NoteCode = kQuarter;
+    win.tune.CurNote = 1500;
+    EXPECT_EQ(Cursor(), "Measure 1, column 2 of 2, string 6, no fret, quarter note");
+    win.tune.CurNote = 1501;
+    EXPECT_EQ(Cursor(), "Measure 1, the table is full");
+}
+
 TEST_F(Spoken, AnyStateGivesAText)
 {
     for (int note : {-5, 0, 1, 1500, 1501, 32767})
