@@ -3,7 +3,7 @@
 #
 #   tests/commands_test.sh
 #
-# Uses build/release, where ./run builds; the files that ./run makes lie in build/headless.
+# Uses build/release, where ./run builds; the files that ./run makes are in build/headless.
 set -u
 root=$(cd -- "$(dirname -- "$0")/.." && pwd)
 scratch=$(mktemp -d)

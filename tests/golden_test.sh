@@ -3,7 +3,7 @@
 # NAME.options holds further options for quillon-export.
 #
 #   tests/golden_test.sh QUILLON_EXPORT          compares
-#   tests/golden_test.sh QUILLON_EXPORT accept   writes them anew; say why in the commit
+#   tests/golden_test.sh QUILLON_EXPORT accept   rewrites them; say why in the commit
 set -u
 cd "$(dirname -- "$0")/.."
 export_program=$1

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Damaged tunes through every text form of the export command: it ends by itself with status 0 or 1,
-# says why in one line, and leaves no file behind when it fails.
+# says why in one line, and leaves no file when it fails.
 #
 #   tests/mutation_test.sh QUILLON_EXPORT COUNT [FIRST_SEED]
 set -u

@@ -107,7 +107,7 @@ check "more than 64 MB are no tune" fails_at_once "File is incompatible" large.g
 check "page 2 is another page" draws_a_page_more pages-2.svg pages.svg
 check "page 3 is another page" draws_a_page_more pages-3.svg pages-2.svg
 make a.b.svg
-check "the number stands before the last dot" test -s a.b-2.svg
+check "the number comes before the last dot" test -s a.b-2.svg
 make pages.pdf
 check "PDF: the pages in one file" test "$(pdfinfo pages.pdf | sed -n 's/^Pages: *//p') $(echo pages*.pdf)" = "4 pages.pdf"
 cd - > /dev/null || exit

@@ -3,7 +3,7 @@
 # status and the names of the files that it leaves are compared with the .out beside it.
 #
 #   tests/scenarios_test.sh PLAY_SCENARIO [NAME...]          compares, all or those named
-#   tests/scenarios_test.sh PLAY_SCENARIO accept [NAME...]   writes the .out anew; read it before you keep it
+#   tests/scenarios_test.sh PLAY_SCENARIO accept [NAME...]   rewrites the .out; read it before you keep it
 #
 # The model plays them as well: tests/scenarios_test.sh tests/model/editor_model.py
 set -u
@@ -21,7 +21,7 @@ trap 'rm -rf "$scratch"' EXIT
 passed=0
 failed=0
 
-play() {  # name; what lies in NAME.files lies beside the script as it begins
+play() {  # name; the script begins with the files of NAME.files next to it
     local folder=$scratch/$1 status
     mkdir "$folder"
     cp "$1.scn" "$folder"

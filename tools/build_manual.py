@@ -180,7 +180,7 @@ class Page:
 
 
 def blocks(text):
-    """The text's blocks as lists of lines: what stands between empty lines. A heading is a block."""
+    """The text's blocks as lists of lines: the lines between empty ones. A heading is a block."""
     block = []
     for line in re.sub(r"<!--.*?-->", "", text, flags=re.S).splitlines():
         if line.startswith("#"):

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Checks the includes of src/ against the rooms.
 
-A room may include itself and what its quillon_room(... USES ...) line names, never a room that
-stands above it. Inside a room, too, includes go one way: a header and its source count as one.
+A room may include itself and what its quillon_room(... USES ...) line names, never a room
+above it. Inside a room, too, includes go one way: a header and its source count as one.
 The core rooms include no header but the C++ standard library's and their own;
 one file of theirs may call the system as well.
 Prints `file:line: reason` for each violation; exit status 1 if there is one.
@@ -63,7 +63,7 @@ def breach(path, room, used, opening, header):
     if other == room:
         return None
     if LEVEL[other] >= LEVEL[room]:
-        return f"{room}/ includes {other}/, which does not stand below it"
+        return f"{room}/ includes {other}/, which is not below it"
     if room != "app" and other not in used:
         return f"{room}/ includes {other}/, which it does not USE"
     return None
@@ -117,7 +117,7 @@ def main():
         used = rooms_used(room)
         above = sorted(name for name in used if LEVEL[name] >= LEVEL[room] and name != room)
         for name in above:
-            print(f"src/{room}/CMakeLists.txt:1: {room} USES {name}, which does not stand below it")
+            print(f"src/{room}/CMakeLists.txt:1: {room} USES {name}, which is not below it")
             breaches += 1
         for path in sorted((SRC / room).glob("**/*")):
             if path.suffix not in (".h", ".cpp"):

@@ -54,7 +54,7 @@ def digest(path):
 
 
 def key(command, files, configuration):
-    """Stands for all that the findings depend on, wherever the tree lies."""
+    """Identifies all that the findings depend on, wherever the tree is."""
     parts = [configuration, command.replace(str(ROOT), ""), *sorted(map(digest, files))]
     return hashlib.sha256("\n".join(parts).encode()).hexdigest()
 

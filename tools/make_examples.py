@@ -160,7 +160,7 @@ class Typist:
     def __init__(self, tune):
         self.tune = tune
         self.lines = []
-        self.string = tune.strings  # where the cursor stands
+        self.string = tune.strings  # the cursor's string
         self.value = 7
 
     def key(self, name, times=1):

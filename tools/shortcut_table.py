@@ -105,7 +105,7 @@ def shortcut_table(menus):
 
 
 def fill(text, marker, end, content):
-    """`text` with what stands between two markers replaced."""
+    """`text` with everything between two markers replaced."""
     opening, closing = f"<!-- {marker} -->", f"<!-- {end} -->"
     start = text.find(opening)
     stop = text.find(closing, start)

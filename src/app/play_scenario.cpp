@@ -20,7 +20,7 @@ int main(int argc, char** argv)
         std::cerr << "play-scenario: " << argv[1] << ": cannot be read\n";
         return 2;
     }
-    // Tuning files of the run lie in a folder of their own, not in the user's.
+    // Tuning files of the run are in a folder of their own, not in the user's.
     std::string folder = (std::filesystem::temp_directory_path() / "play-scenario-XXXXXX").string();
     std::ios::sync_with_stdio(false);
     int status = 2;

@@ -54,7 +54,7 @@ void Editor::mnuPaste()
     if (form.EntryState == EntryState::Append)
         PasteAtEnd();
     else
-        PasteBehindMeasure();
+        PasteAfterMeasure();
 }
 
 /// Reads the next record after CurNote. Measures are numbered by counting head records.
@@ -89,7 +89,7 @@ void Editor::PasteAtEnd()
 }
 
 // Leaves CurNote at the tune's end and the old picture on StaffBox, until the next command.
-void Editor::PasteBehindMeasure()
+void Editor::PasteAfterMeasure()
 {
     ParkTail(kPasteScratch, form.MeasEnd + 1);
     tune.LastMeas = tune.CurMeas;

@@ -146,7 +146,7 @@ private:
     void BracketKey(char character);
     bool EnterHandMode(InputMode mode, char NoteRecord::*mark, int cursorY);
     bool ClickOnTimeSignature(double y);
-    void ClickBehindLastNote();
+    void ClickAfterLastNote();
     void ClickOnNote(double x);
     void Paint();
     void TakeValueOfNote();
@@ -163,7 +163,7 @@ private:
 
     // Copy and paste
     void PasteAtEnd();
-    void PasteBehindMeasure();
+    void PasteAfterMeasure();
     void PasteRecord(ItemReader& reader);
 
     // Rests, bars, endings and signs

@@ -33,7 +33,7 @@ enum class Control {
 struct ParkedTail {
     std::string Bytes;  // in the format of the scratch file; "" when nothing is parked
 
-    /// The same as they stood in the table: a text with a double quote does not come back from
+    /// The same as they were in the table: a text with a double quote does not come back from
     /// Bytes.
     std::vector<NoteRecord> Records;
     int RecordsBack = 0;  // how many of them are back in the table

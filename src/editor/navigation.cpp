@@ -35,7 +35,7 @@ void Editor::SetToolbarValue(int code)
 }
 
 /// Finds the measure CurMeas. One that is not there leaves MeasHead and MeasEnd as they were.
-/// MeasEnd comes to stand at least `leastSteps` behind the head, whatever measure that is.
+/// MeasEnd ends up at least `leastSteps` after the head, whatever measure that is.
 bool Editor::FindMeasure(int leastSteps)
 {
     int i = 1;
@@ -66,7 +66,7 @@ void Editor::CursorToFirstNoteOr(int otherwise)
     form.CursorY = s > 0 ? StringY(s) : otherwise;
 }
 
-/// X of the position behind a note.
+/// X of the position after a note.
 int Editor::EndOf(int note) const
 {
     return tune[note].XPos + tune[note].Spacing * 6;

@@ -471,7 +471,7 @@ void Editor::StaffBoxMouseDown(double x, double y)
         form.CursorX = kFirstNoteX;
     } else {
         if (x > tune[form.MeasEnd].XPos + kEndOfNoteX)
-            ClickBehindLastNote();
+            ClickAfterLastNote();
         else
             ClickOnNote(x);
         TakeValueOfNote();
@@ -483,7 +483,7 @@ void Editor::StaffBoxMouseDown(double x, double y)
 }
 
 /// To the free end of the tune if the measure is its last and has room, else to the last note.
-void Editor::ClickBehindLastNote()
+void Editor::ClickAfterLastNote()
 {
     if (form.MeasEnd == tune.LastNote && form.MeasFill < form.MeasCapacity) {
         form.EntryState = EntryState::Append;

@@ -11,7 +11,7 @@ namespace quillon {
 
 namespace {
 
-/// A box's text on one line: each run of line ends becomes a blank, where none stands before it.
+/// A box's text on one line: each run of line ends becomes a blank, unless one precedes it.
 std::string OneLine(const std::string& text)
 {
     std::string line;

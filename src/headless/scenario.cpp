@@ -196,7 +196,7 @@ void Scenario::KeyInCopyBox(int keyCode, char character)
     }
 }
 
-/// As any one-line box takes a key. A box that has just been filled with less text than stood
+/// As any one-line box takes a key. A box that has just been filled with less text than was
 /// before the caret has its caret at the end.
 void Scenario::EditText(std::string& text, int keyCode, char character)
 {

@@ -35,8 +35,8 @@ public:
     /// Ends the last track.
     void FinishTracks();
 
-    /// Puts the finished file in place of whatever is there. A path/file-access Fault on
-    /// failure, which leaves nothing behind.
+    /// Replaces whatever is there with the finished file. A failure is a path/file-access
+    /// Fault and leaves what was there.
     void CloseFile() const;
 
     /// The finished file.

@@ -16,7 +16,7 @@ namespace quillon {
 constexpr int kMidiFile = 0;  // FType: a file next to the tune, for the user to keep
 constexpr int kPlayFile = 1;  // FType: a scratch file in the program's own folder
 
-/// The controls as they stand when the form is made. Each is what the control of that name shows.
+/// The controls as they are when the form is made. Each is what the control of that name shows.
 struct MidiControls {
     std::vector<std::string> Combo1;  // names of the tunings
     int Combo1Index = -1;             // selected line, -1 is none

@@ -197,7 +197,7 @@ void Performance::SkipToCoda()
     } while (Record().Slot(1) != kCoda);
 }
 
-/// False when the table ends before another head comes. What stands above LastNote counts too.
+/// False when the table ends before another head comes. Records above LastNote count too.
 bool Performance::NextMeasureHead()
 {
     while (++tune.CurNote <= kLastRecord)

@@ -232,8 +232,8 @@ void BeamPass::TakeShortNote()
         ++BeamHalves;
 }
 
-/// The second beam begins anew with a triplet's sixteenth on an eighth, and in compound time with a
-/// sixteenth after a rest or a long note.
+/// The second beam starts again with a triplet's sixteenth on an eighth, and in compound time with
+/// a sixteenth after a rest or a long note.
 int BeamPass::ShapeInGroup() const
 {
     const int c = tune.CurNote;

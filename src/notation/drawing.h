@@ -69,7 +69,7 @@ struct Operation {
     bool operator==(const Operation&) const = default;
 };
 
-/// `text` between double quotes: `"` and `\` behind a backslash, bytes outside 32..126 as \xnn.
+/// `text` between double quotes: `"` and `\` after a backslash, bytes outside 32..126 as \xnn.
 std::string Quoted(std::string_view text);
 
 class Drawing {
@@ -93,8 +93,7 @@ public:
     const std::vector<Operation>& Operations() const { return operations; }
     bool WasCleared() const { return cleared; }
 
-    /// Changes with every Clear, Show and Add: tells whoever shows the drawing when to paint it
-    /// anew.
+    /// Changes with every Clear, Show and Add; whoever shows the drawing repaints it then.
     unsigned Revision() const { return revision; }
 
     /// The drawing as text, one operation per line.

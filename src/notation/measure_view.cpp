@@ -19,7 +19,7 @@ constexpr int kLineGap = 8;   // between two staff lines
 constexpr int kTextSize = 10;
 constexpr int kBendSize = 8;
 
-// The stem stands in the middle of a note's first character, and beams begin one point left of it.
+// The stem is in the middle of a note's first character, and beams begin one point left of it.
 constexpr int kStemX = 3;
 constexpr int kFlagRise = 18;  // above the stem's lower end, as letters of the right hand
 constexpr int kBeamGap = 3;    // between main and second beam
@@ -32,7 +32,7 @@ constexpr int kLongTripletGapX = 15;
 constexpr int kTripletEndX = 27;
 constexpr int kLongTripletEndX = 39;
 
-// Bars: the thick line, then inwards the thin one and a repeat's dots. They stand a little further
+// Bars: the thick line, then inwards the thin one and a repeat's dots. They are a little further
 // apart at a measure's start.
 constexpr int kStartBarX = 23;
 constexpr int kStartThinX = 27;
@@ -66,7 +66,7 @@ std::string Trimmed(const std::string& text)
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-/// A cell's text with its marks set apart. A mark is expected last: wherever it stands, the last
+/// A cell's text with its marks set apart. A mark is expected last: wherever it is, the last
 /// character goes (docs/kept_behaviour.md, "The measure view").
 struct Cell {
     explicit Cell(const std::string& slot)
@@ -416,9 +416,9 @@ void MeasureView::CountTriplet(int code)
     tripletCount = (tripletCount + 1) % 3;
 }
 
-/// Where the bracket of a triplet of short notes ends: behind the next note but one, as the
+/// Where the bracket of a triplet of short notes ends: after the next note but one, as the
 /// previous redraw placed it (docs/kept_behaviour.md, "The measure view"), or at a fixed distance
-/// when that note lies in another measure.
+/// when that note is in another measure.
 double MeasureView::TripletEnd()
 {
     const int last = tune[tune.CurNote + 2].XPos;

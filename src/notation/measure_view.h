@@ -17,7 +17,7 @@ namespace quillon {
 constexpr double kStaffBoxWidth = 360;
 constexpr double kStaffBoxHeight = 150;
 constexpr int kBarTopY = 36;
-constexpr int kFirstNoteX = 48;  // where the first note of a measure stands
+constexpr int kFirstNoteX = 48;  // where the first note of a measure is
 constexpr int kStaffEndX = 350;
 constexpr int kCharWidth = 6;  // points: a character of fret text, and the unit of Spacing
 
@@ -87,7 +87,7 @@ private:
     void RepeatDots(double x);
     int BarBottomY() const { return StringY(tune.NumStrings); }
 
-    /// Where the stems end and the beams lie: four gaps under the lowest string.
+    /// Where the stems end and the beams are: four gaps under the lowest string.
     int StemBaseY() const { return StringY(tune.NumStrings + 4); }
     void UseFont(const std::string& name) { StaffBox.Font.Name = name; }
     void UseBodyFont() { UseFont(page.BodyFontName); }

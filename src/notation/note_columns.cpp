@@ -110,7 +110,7 @@ void NoteColumns::DrawCell(int n, int s)
 }
 
 /// A rhythm slash leaves the string's tie as it is. Where a notation font of another size than was
-/// asked for is in force, it stands lower.
+/// asked for is in force, it is drawn lower.
 void NoteColumns::DrawSlash(int s)
 {
     Surface().Font.Name = kTabFont;
@@ -131,7 +131,7 @@ void NoteColumns::DrawFret(int n, int s)
     const std::size_t bend = FindBend(text);
     const bool isBent = bend != std::string::npos;
 
-    // The mark is expected last: wherever it stands, the last character goes
+    // The mark is expected last: wherever it is, the last character goes
     // (docs/kept_behaviour.md, "Pages and paper").
     std::string shown = text;
     if (tie || isBent)

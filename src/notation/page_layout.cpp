@@ -19,8 +19,8 @@ constexpr int kFirstColumnInset = 120;  // twips from the left edge
 // A staff that ends before the right margin: beyond which x it does not, in twips, and how far it
 // continues after its last column, in width units
 constexpr int kNearLineEnd = 9000;
-constexpr int kRoomBehindTune = 6;
-constexpr int kRoomBehindLongRest = 12;
+constexpr int kRoomAfterTune = 6;
+constexpr int kRoomAfterLongRest = 12;
 
 // The screen's page, in twips
 constexpr int kScreenLeft = 400;
@@ -181,7 +181,7 @@ void PageFormatter::MakeRoomForChords()
     }
 }
 
-/// Lets a chord use the room of the columns behind it. Before the next chord its own column is
+/// Lets a chord use the room of the columns after it. Before the next chord its own column is
 /// widened instead, and the walk goes on.
 void PageFormatter::SpreadChordText(int n)
 {
@@ -223,7 +223,7 @@ void PageFormatter::MakeRoomForSignatures()
     }
 }
 
-/// An end bar stands on the head and is drawn at the measure's last column. On a head without
+/// An end bar is stored in the head and drawn at the measure's last column. On a head without
 /// notes it is lost, as it moves onto itself.
 void PageFormatter::MoveBars()
 {
@@ -289,9 +289,9 @@ void PageFormatter::SpreadLine()
     // column count is compared with the record's index on purpose (docs/kept_behaviour.md, "Pages
     // and paper"): it is equal in a one-line tune.
     if (last.XPos < kNearLineEnd && line.k == tune.LastNote)
-        line.Attempt([&] { line.LineRight = last.XPos + kRoomBehindTune * unit; });
+        line.Attempt([&] { line.LineRight = last.XPos + kRoomAfterTune * unit; });
     if ((last.NoteCode == kHalfRest || last.NoteCode == kWholeRest) && last.XPos < kNearLineEnd)
-        line.Attempt([&] { line.LineRight = last.XPos + kRoomBehindLongRest * unit; });
+        line.Attempt([&] { line.LineRight = last.XPos + kRoomAfterLongRest * unit; });
 }
 
 void PageFormatter::FinishLine(int lastRecord)

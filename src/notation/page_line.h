@@ -90,7 +90,7 @@ struct PageLine {
     int k = 0;                           // the line's last column
     Int16 LineRight = values.LineRight;  // of this line's staff
     int UnitSpacing = 0;                 // twips to a width unit
-    double PenY = 0;        // while a line is drawn, its first staff line once the rows above stand
+    double PenY = 0;        // while a line is drawn, its first staff line, below the rows above it
     double LineBottom = 0;  // the lowest y that a line reached on this page
     bool RightHandInLine = false;
 

@@ -32,7 +32,7 @@ public:
     std::vector<PageSurface> picPage1;  // kPageCount of them
     Int16 ShownPage;                    // in view, or touched by the mouse last
     Int16 PageMax;                      // highest page that the formatter reached
-    Int16 MarqueeOn;                    // -1 while a marquee stands on the page, else 0
+    Int16 MarqueeOn;                    // -1 while there is a marquee on the page, else 0
     double MarqueeX1 = 0;               // where the drag began
     Int16 MarqueeY1;                    // rounded
     double MarqueeX2 = 0;               // the moving corner

@@ -52,7 +52,7 @@ private:
 };
 
 /// A Yes/No question that needs an answer: "No" may discard work, so neither Escape nor
-/// the close button stands for it.
+/// the close button means "No".
 class Question : public QMessageBox {
 public:
     using QMessageBox::QMessageBox;

@@ -64,7 +64,7 @@ private:
     FluidPtr<fluid_audio_driver_t> driver;  // goes first, see Load
 
     double tempoFactor = 1;
-    bool playing = false;  // from Play to Stop or the end, also while it stands still
+    bool playing = false;  // from Play to Stop or the end, also while it is halted
     int plays = 0;         // numbers them, so that a late end is told from the present play's
 
     /// Number of the play whose end is to be told, 0 for none. Shared with the sound thread.

@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* kArial = "Arial";
 constexpr const char* kServesForArial = "Liberation Sans";
-constexpr std::size_t kLongText = 2000;  // characters, more than stand on any line
+constexpr std::size_t kLongText = 2000;  // characters, more than any line has
 constexpr std::size_t kMostInks = 1000;  // kept; a tune has about fifty different figures
 
 int SizeInTwips(const Typeface& typeface)

@@ -62,7 +62,7 @@ void OtherForms::Open(Form form)
     for (const auto& [opened, widget] : forms) {
         if (opened == form) {
             if (auto* copyBox = dynamic_cast<CopyBox*>(widget.data()))
-                copyBox->StartAnew();
+                copyBox->StartAgain();
             widget->raise();
             widget->activateWindow();
             return;

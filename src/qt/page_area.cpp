@@ -104,7 +104,7 @@ void PageArea::mousePressEvent(QMouseEvent* event)
     for (int i = 0; i < kPageCount; ++i) {
         const PageSurface& page = pages->picPage1[static_cast<std::size_t>(i)];
         if (page.Visible && Paper(page).contains(event->pos()))
-            touched = i;  // the one that lies on top
+            touched = i;  // the one on top
     }
     if (touched < 0)
         return;

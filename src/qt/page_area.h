@@ -1,4 +1,4 @@
-// picPage on the screen: a window on the page surfaces, which lie on a desk.
+// picPage on the screen: a window on the page surfaces, which are laid out on a desk.
 
 #pragma once
 

@@ -16,7 +16,7 @@ PageSetupWindow::PageSetupWindow(QWidget* mainWindow, MainWin& mainWin, Runner& 
 {
     ui->setupUi(this);
     ui->Text1->setMinimumWidth(ui->Text1->fontMetrics().averageCharWidth() * 50);
-    ui->Label5->setMinimumWidth(ui->Label2->sizeHint().width());  // the boxes stand in one line
+    ui->Label5->setMinimumWidth(ui->Label2->sizeHint().width());  // the boxes are aligned
     ConnectTexts();
     ConnectButtons();
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &PageSetupWindow::FocusWindowChanged);
@@ -71,7 +71,7 @@ void PageSetupWindow::ConnectButtons()
     });
 }
 
-/// The form is activated anew when the user comes back to it from another form of the program,
+/// The form is activated again when the user comes back to it from another form of the program,
 /// not from a dialog or another program. The main form is disabled and gives the focus back at
 /// once.
 void PageSetupWindow::FocusWindowChanged(const QWindow* focused)

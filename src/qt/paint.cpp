@@ -109,7 +109,7 @@ private:
     }
 
     /// On a screen the border of a box fills the dots right of and below its coordinates, so that
-    /// what lies between two of its dots is free of it at every density.
+    /// the space between two of its dots is free of it at every density.
     void Box() const
     {
         const double shift = style.Crisp ? PenWidth() / 2 : 0;
@@ -206,7 +206,7 @@ void Paint(QPainter& painter, const Drawing& drawing, const PaintStyle& style)
         if (stroke.Drawn.Mode == PenMode::Plain && CanBePainted(stroke.Drawn))
             StrokePainter(painter, stroke, style).Paint();
     // Both modes turn what is below to its opposite. Being painted from the list each time, they
-    // leave nothing behind when they have gone from it.
+    // leave no trace once they are gone from it.
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setCompositionMode(QPainter::RasterOp_NotSourceXorDestination);
     for (const Stroke& stroke : strokes)

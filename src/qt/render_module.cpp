@@ -50,7 +50,7 @@ public:
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-        QHashSeed::setDeterministicGlobalSeed();  // else tables stand in a PDF in any order
+        QHashSeed::setDeterministicGlobalSeed();  // else tables in a PDF are in any order
         static int argc = 1;
         static char name[] = "quillon-export";
         static char* argv[] = {name, nullptr};

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int kSplashMilliseconds = 5000;
 
-/// Where the manual lies, installed or built. "" where it has been left out.
+/// The manual's path, installed or built. "" if it has been left out.
 QString ManualFile()
 {
     const QString bin = QCoreApplication::applicationDirPath();
@@ -145,7 +145,7 @@ void CopyBox::Handle(const std::function<void()>& handler)
         close();
 }
 
-void CopyBox::StartAnew()
+void CopyBox::StartAgain()
 {
     ShowTexts();
     Text1->setFocus();

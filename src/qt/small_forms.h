@@ -43,7 +43,7 @@ public:
     CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Runner& theRunner);
 
     /// The command was used again while the form is open.
-    void StartAnew();
+    void StartAgain();
 
 protected:
     bool event(QEvent* event) override;

@@ -16,7 +16,7 @@ constexpr int kFrets = 7;            // that the picture shows
 constexpr int kShortStringFret = 5;  // where it begins
 constexpr int kPegHeight = 12;
 
-/// Where a fret lies on the neck, 0 for the nut. Frets lie closer towards the body, less so here
+/// The place of a fret on the neck, 0 for the nut. Frets get closer towards the body, less so here
 /// than on a real neck.
 int FretX(const QRect& neck, int fret)
 {

@@ -15,7 +15,7 @@
 
 namespace quillon {
 
-/// The form while it is open, made anew each time. Texts of margins are in inches.
+/// The form while it is open; each opening makes a new one. Texts of margins are in inches.
 class PageSetup {
 public:
     enum class Box { Text1, Text2, Text3, cmdPgExit };

@@ -50,7 +50,7 @@ public:
     /// `mode`. A file that may not be written, or that is no regular file, is not replaced.
     explicit StagedFile(const std::filesystem::path& path, unsigned mode = kNewFileMode);
 
-    /// Where it lies until it takes its place. Who writes there directly calls Sync in the end.
+    /// Its path until it takes its place. Whoever writes there directly has to call Sync.
     const std::string& Path() const { return file.Path(); }
 
     /// All its bytes, brought to the disk.

@@ -54,7 +54,7 @@ TEST_F(CopyPaste, EnterInABoxCutsItsLastCharacterAndGoesOn)
     editor.CopyBoxEnter(Control::Text1);
     EXPECT_EQ(form.FrmCopyBox.Text1, "2");
     EXPECT_EQ(form.Focus, Control::Text2);
-    form.FrmCopyBox.Text2 = " 23";  // typed behind the blank: the cut takes a digit
+    form.FrmCopyBox.Text2 = " 23";  // typed after the blank: the cut takes a digit
     editor.CopyBoxEnter(Control::Text2);
     EXPECT_EQ(form.Focus, Control::StaffBox);
     EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), RecordBytes(tune, 6, 10));
@@ -120,7 +120,7 @@ TEST_F(CopyPaste, From3To3CopiesOneMeasureWithItsHeadAndAPasteAddsExactlyOne)
     ExpectNumbersInOrder();
 }
 
-TEST_F(CopyPaste, BehindTheMeasureStandsOnTheLastPastedWithCurNoteAtTheEndAndNoRedraw)
+TEST_F(CopyPaste, AfterTheMeasureStaysOnTheLastPastedWithCurNoteAtTheEndAndNoRedraw)
 {
     ShowFullMeasures(4);
     Copy("3", "4");
@@ -138,7 +138,7 @@ TEST_F(CopyPaste, BehindTheMeasureStandsOnTheLastPastedWithCurNoteAtTheEndAndNoR
     EXPECT_EQ(form.Saved, SavedState::Saved) << "a paste leaves it alone";
 }
 
-TEST_F(CopyPaste, ASecondPasteBehindMeasure2PutsTheNewCopyAt3AndMovesTheEarlierTo4)
+TEST_F(CopyPaste, ASecondPasteAfterMeasure2PutsTheNewCopyAt3AndMovesTheEarlierTo4)
 {
     ShowFullMeasures(3);
     Copy("1", "1");

@@ -30,7 +30,7 @@ TEST_F(Insertion, ANoteBeforeTheFirstOfTheLastMeasureShiftsTheRecordsAndNoNumber
     EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
-TEST_F(Insertion, ANoteAfterStandsBehindTheOldOneWithTheCursorOnIt)
+TEST_F(Insertion, ANoteAfterComesAfterTheOldOneWithTheCursorOnIt)
 {
     ShowFullMeasures(2);
     editor.mnuInsNoteAfter();

@@ -31,7 +31,7 @@ TEST_F(Navigation, TheButtonInAnEmptyOpenMeasureGivesTheFocusBackToStaffBox)
     EXPECT_EQ(Table(), table);
 }
 
-TEST_F(Navigation, NextAfterAFullMeasureOpensANewOneBehindItsLastNote)
+TEST_F(Navigation, NextAfterAFullMeasureOpensANewOneAfterItsLastNote)
 {
     Type("1\r1\r1\r1\r\r");
     EXPECT_EQ(tune.CurMeas, 2);
@@ -260,8 +260,8 @@ TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
 }
 
 // A damaged tune: nothing bears the number of its second measure. The first one is gone through
-// once more, and is full, so that a fresh measure opens behind its head and note.
-TEST_F(Navigation, NextToAMeasureThatIsNotThereStartsAfreshBehindTheOneThatStood)
+// once more, and is full, so that a fresh measure opens after its head and note.
+TEST_F(Navigation, NextToAMeasureThatIsNotThereStartsAfreshAfterTheOneThatWasThere)
 {
     EmptyTable();
     for (int measure = 1; measure <= 3; ++measure) {
@@ -345,7 +345,7 @@ TEST_F(Navigation, GotoLeavesTheUnfilledLastMeasureInEditState)
     EXPECT_EQ(tune.CurNote, 7);
 }
 
-TEST_F(Navigation, AppendGoesBehindTheTunesEnd)
+TEST_F(Navigation, AppendGoesPastTheTunesEnd)
 {
     ShowFullMeasures(2);
     editor.mnuAppend();

@@ -18,7 +18,7 @@ TEST_F(RestsAndSigns, ARestTypedAsTheLastValueThatFillsAMeasureSendsTheFocusToNe
     EXPECT_FALSE(form.Timer1Enabled);
 }
 
-TEST_F(RestsAndSigns, ARestInAnUnfilledMeasureMovesOnBehindItself)
+TEST_F(RestsAndSigns, ARestInAnUnfilledMeasureMovesOnPastItself)
 {
     editor.mnuRest();
     EXPECT_EQ(RecordText(tune[2]),

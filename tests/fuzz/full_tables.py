@@ -12,7 +12,7 @@ LAST_RECORD = 1500
 LAST_TUNING = 50
 HEAD, QUARTER = 999, 7
 
-# What comes close to the table's end in full.gui, which lies beside the fuzzer's scripts.
+# Scripts that come close to the table's end in full.gui, which is next to them.
 SCRIPTS = {
     "append": "menu mnuAppend\ntoolbar 7\ntype 5\nkey Enter\npress cmdNext\n",
     "next": "press cmdPrevious\npress cmdNext\n",

@@ -389,7 +389,7 @@ TEST_F(CheckTest, AnEndingForAPassThatHasOneAlreadyIsNeverReached)
     EXPECT_EQ(MeasureOrder(tune), (Order{1, 2, 1, 4, 5}));
 }
 
-TEST_F(CheckTest, TheBracketOfAMeasureBehindAnEmptyOneIsNeverReached)
+TEST_F(CheckTest, TheBracketOfAMeasureAfterAnEmptyOneIsNeverReached)
 {
     AddFullMeasures(tune, 1);
     AddMeasure(tune);
@@ -437,7 +437,7 @@ TEST_F(CheckTest, AFineIsReachedAfterASignAlFine)
     EXPECT_EQ(Performance(), Lines{"measure 4: the Fine is never reached"});
 }
 
-TEST_F(CheckTest, AFineBehindTheJumpIsNeverReachedAndTheJumpNeverEnds)
+TEST_F(CheckTest, AFineAfterTheJumpIsNeverReachedAndTheJumpNeverEnds)
 {
     AddFullMeasures(tune, 5);
     Sign(3, kDcAlFine);

@@ -32,7 +32,7 @@ protected:
     Tune tune;
 };
 
-TEST_F(ExportTest, PagesBehindTheSixthHaveNoClearLine)
+TEST_F(ExportTest, PagesAfterTheSixthHaveNoClearLine)
 {
     AddFullMeasures(tune, 60);
     for (int i = 1; i <= tune.LastNote; i += 5)

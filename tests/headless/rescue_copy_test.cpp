@@ -42,7 +42,7 @@ protected:
 
     std::size_t Copies() const { return CopiesIn(own); }
 
-    /// Nothing can be written where the copies lie until it is given back.
+    /// Nothing can be written where the copies are until it is given back.
     void TakeAway() const
     {
         std::filesystem::rename(own, folder.Path("away"));

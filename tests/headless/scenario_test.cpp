@@ -97,7 +97,7 @@ TEST_F(ScenarioTest, AMissingScratchFileIsFault53)
     EXPECT_EQ(Play({"press cmdNext", "state"}), "fault: run-time error 53: file not found\n");
 }
 
-TEST_F(ScenarioTest, AnIncompatibleTuneIsFault424BehindItsBox)
+TEST_F(ScenarioTest, AnIncompatibleTuneIsFault424AfterItsBox)
 {
     WriteFileBytes("broken.gui", "1");
     EXPECT_EQ(Play({"dialog broken.gui", "menu mnuOpen"}),
@@ -243,7 +243,7 @@ TEST_F(ScenarioTest, KeysMoveTheCaretOfATextBoxAndDelete)
     }
 }
 
-TEST_F(ScenarioTest, BehindItsBlankTheCopyBoxLosesADigitAtEnter)
+TEST_F(ScenarioTest, AfterItsBlankTheCopyBoxLosesADigitAtEnter)
 {
     OpenFullMeasures(3);
     Play({"menu mnuCopy", "key End", "type 12", "key Enter"});
@@ -282,7 +282,7 @@ TEST_F(ScenarioTest, AMenuCommandLeavesTheCaretOfTheOpenCopyBox)
     EXPECT_EQ(Form().FrmCopyBox.Text1, ".21");
     EXPECT_EQ(Form().Focus, Control::Text2);
     Play({"type 1", "menu mnuCopy", "type 7"});
-    EXPECT_EQ(Form().FrmCopyBox.Text1, "7 ") << "shown anew, each box holds one blank";
+    EXPECT_EQ(Form().FrmCopyBox.Text1, "7 ") << "shown again, each box holds one blank";
     EXPECT_EQ(Form().FrmCopyBox.Text2, " ");
 }
 

@@ -108,7 +108,7 @@ TEST(MidiFileWriter, PutsTheFileOnDiskOnlyWhenItIsComplete)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
 }
 
-TEST(MidiFileWriter, LeavesNothingBehindWhereItCannotWrite)
+TEST(MidiFileWriter, LeavesNoFileWhereItCannotWrite)
 {
     const TemporaryDirectory folder;
     std::filesystem::create_directories("taken/inside");

@@ -413,7 +413,7 @@ TEST_F(MidiFormTest, AFileThatCannotBeWrittenIsReported)
               "Run-time error 75: path/file access error\r\nThe MIDI file cannot be written.");
 }
 
-TEST_F(MidiFormTest, ClearStopsAndStartsThePlayerAnew)
+TEST_F(MidiFormTest, ClearStopsAndStartsThePlayerAgain)
 {
     form.Show();
     form.cmdCreate();

@@ -96,7 +96,7 @@ def export(program, arguments, output):
 
 
 def first_difference(expected, found):
-    """Lines that show the first difference, with the track and position where it stands."""
+    """Lines that show the first difference, with its track and position."""
     at = next((i for i, (a, b) in enumerate(zip(expected, found)) if a != b),
               min(len(expected), len(found)))
     track = next((line for line in reversed(expected[:at]) if line.startswith("track")), "header")
@@ -113,7 +113,7 @@ def failure_differences(failure, status, data, complaint):
     if status != 1:
         wrong.append(f"  expected exit status 1, found {status}")
     if data is not None:
-        wrong.append("  a file was left behind")
+        wrong.append("  a file was left")
     if failure.text.lower() not in complaint.lower():
         wrong.append(f"  expected {failure.text!r}, found {complaint!r}")
     # Only the report of a missing Coda has its second line laid down.

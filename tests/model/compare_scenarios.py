@@ -124,7 +124,7 @@ def with_looks(lines):
 
 
 def shortest_script(program, tunes, lines):
-    """A short script that still differs: cut behind the first difference that
+    """A short script that still differs: cut after the first difference that
     full looks show, then thinned out."""
     looked = Comparison(program, tunes, with_looks(lines))
     at = looked.first_line()

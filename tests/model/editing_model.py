@@ -149,7 +149,7 @@ class Editing:
     # Copy and paste
 
     def mnuCopy(self):
-        """The copy form takes the focus; each box holds one blank, behind the caret."""
+        """The copy form takes the focus; each box holds one blank, after the caret."""
         self.copy_boxes = {"Text1": TextBox(" "), "Text2": TextBox(" ")}
         self.focus = "Text1"
 
@@ -195,7 +195,7 @@ class Editing:
         if self.EntryState == APPEND:
             self.paste_at_end()
         else:
-            self.paste_behind_measure()
+            self.paste_after_measure()
 
     def paste_at_end(self):
         self.CurMeas = self.LastMeas
@@ -213,7 +213,7 @@ class Editing:
         while self.head().NoteCode != HEAD:
             self.MeasHead -= 1
 
-    def paste_behind_measure(self):
+    def paste_after_measure(self):
         self.write_records("Temp.Dat", self.MeasEnd + 1, self.LastNote)
         self.LastMeas = self.CurMeas
         self.CurNote = self.LastNote = self.MeasEnd
@@ -226,7 +226,7 @@ class Editing:
         self.CurMeas = self.head().Measure
 
     def take_records(self, name):
-        """Reads records behind CurNote, numbering measures by their heads."""
+        """Reads records after CurNote, numbering measures by their heads."""
         for index, record in self.read_parked(name, self.CurNote + 1):
             self.CurNote = index
             if record.NoteCode == HEAD:

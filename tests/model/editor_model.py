@@ -3,7 +3,7 @@
 
     editor_model.py SCRIPT
 
-Scratch files and tunes lie in the current directory. The exit status is 0, 1
+Scratch files and tunes are in the current directory. The exit status is 0, 1
 after a run-time fault, 2 after an unknown command."""
 
 import sys

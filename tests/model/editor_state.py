@@ -14,33 +14,33 @@ REST_CODES = {1: 94, 2: 95, 3: 96, 4: 97, 5: 97, 6: 98, 7: 99, 8: 99, 9: 92, 10:
 
 
 class TextBox:
-    """A one-line text box: what stands before its caret, and what behind it."""
+    """A one-line text box: the text before its caret, and the text after it."""
 
     def __init__(self, text=""):
-        self.before, self.behind = "", text
+        self.before, self.after = "", text
 
     def copy(self):
         box = TextBox()
-        box.before, box.behind = self.before, self.behind
+        box.before, box.after = self.before, self.after
         return box
 
     @property
     def text(self):
-        return self.before + self.behind
+        return self.before + self.after
 
     def key(self, name, character):
         if name == "Left":
-            self.before, self.behind = self.before[:-1], self.before[-1:] + self.behind
+            self.before, self.after = self.before[:-1], self.before[-1:] + self.after
         elif name == "Right":
-            self.before, self.behind = self.before + self.behind[:1], self.behind[1:]
+            self.before, self.after = self.before + self.after[:1], self.after[1:]
         elif name == "Home":
-            self.before, self.behind = "", self.text
+            self.before, self.after = "", self.text
         elif name == "End":
-            self.before, self.behind = self.text, ""
+            self.before, self.after = self.text, ""
         elif name == "Backspace":
             self.before = self.before[:-1]
         elif name == "Delete":
-            self.behind = self.behind[1:]
+            self.after = self.after[1:]
         elif character is not None and character >= " ":
             self.before += character
 

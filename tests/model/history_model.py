@@ -22,7 +22,7 @@ fields_of = attrgetter(*FIELDS)
 AT = {name: i for i, name in enumerate(FIELDS)}
 CLEAR = fields_of(NoteRecord())
 
-# A redraw works these out anew
+# A redraw derives these again
 DERIVED = {AT["XPos"], AT["Spacing"], AT["BeamCode"]}
 WORK = [i for i in range(len(FIELDS)) if i not in DERIVED]
 

@@ -334,7 +334,7 @@ class StaffInput:
         self.CursorY = min(snapped, self.lowest_line())
 
     def click_signature(self, y):
-        """True if a figure was hit, changed and the staff painted anew."""
+        """True if a figure was hit, which changes it and repaints the staff."""
         upper, lower = FIGURE_RANGES[self.NumStrings]
         if lower[0] <= y < lower[1]:
             if self.CurBeatUnit == 8:

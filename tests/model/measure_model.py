@@ -50,7 +50,7 @@ def derived_spacing(record):
 
 
 def next_x(record):
-    """Where the note after this one stands."""
+    """The X of the note after this one."""
     return int16(record.XPos + int16(record.Spacing * 6))
 
 
@@ -528,7 +528,7 @@ class NotesPass:
 
 
 def gather_slashes(note):
-    """A rhythm slash always stands on string 3; moving it there edits the record."""
+    """A rhythm slash is always on string 3; moving it there edits the record."""
     for s in STRINGS:
         if note.Slot[s] == "/":
             note.Slot[s] = ""

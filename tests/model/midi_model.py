@@ -196,7 +196,7 @@ def read_record(items, record):
 
 
 def load_tune(data):
-    """The tune as it stands after opening its file, measure 1 shown once."""
+    """The tune as opening its file leaves it, measure 1 shown once."""
     tune = Tune(NoteTable())
     items = ItemReader(data)
     index = 0

@@ -98,7 +98,7 @@ class Navigation:
         self.CurMeas = self.LastMeas if self.CurMeas < 2 else self.CurMeas - 1
         if self.find_measure():
             if self.MeasEnd == self.MeasHead:
-                # The walk back takes one step past the head, whatever stands there.
+                # The walk back takes one step past the head, whatever is there.
                 self.MeasEnd += 1
                 self.step_end_up()
             self.CurNote = self.MeasEnd

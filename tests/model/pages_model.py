@@ -281,7 +281,7 @@ class Layout:
                 int16(column.Spacing)
 
     def move_bars(self, k):
-        """An end bar stands on the head and is drawn at the measure's last column."""
+        """An end bar is stored in the head and drawn at the measure's last column."""
         slots = self.LayoutTable
         for n in range(1, k + 1):
             bar = slots[n].BarCode
@@ -574,7 +574,7 @@ class Layout:
         surface = self.surface
         for mark, rise in (("-", 70), ("=", 80)):
             if joined and mark in shown:
-                before, behind = shown.split(mark, 1)
+                before, after = shown.split(mark, 1)
                 surface.put(before)
                 surface.FontName = "Tab"
                 line_y = surface.CurrentY
@@ -582,7 +582,7 @@ class Layout:
                 surface.put(mark)
                 surface.FontName = self.settings.BodyFontName
                 surface.CurrentY = line_y
-                surface.print(behind)
+                surface.print(after)
                 return
         surface.print(shown)
 

@@ -29,7 +29,7 @@ def line_height(size):
 
 
 class Surface:
-    """One page. What was drawn stands in `log`."""
+    """One page. `log` has what was drawn."""
 
     Width = 12240
     Height = 15840
@@ -62,7 +62,7 @@ class Surface:
         self._record("arc", x, y, radius, start, end, aspect)
 
     def put(self, text):
-        """Prints without a line end: the cursor stays behind the text."""
+        """Prints without a line end: the cursor stays after the text."""
         if text.strip(" "):
             self.log.append(f"text {number_text(self.CurrentX)} {number_text(self.CurrentY)}"
                             f" size={number_text(self.FontSize)} font={quoted(self.FontName)}"

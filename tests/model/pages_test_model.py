@@ -309,7 +309,7 @@ class Pages(unittest.TestCase):
         self.assertGreater(len(layout.pages), 10)
 
     def test_a_page_may_begin_after_the_last_line(self):
-        # One line ends at 1440 + 4 * 165 + 6 * 165 + 82.5 + 165 = 3337.5; 9 inches lie below it.
+        # One line ends at 1440 + 4 * 165 + 6 * 165 + 82.5 + 165 = 3337.5; 9 inches are below it.
         layout = layout_of(measures(1), Printer, StaveSpace=9)
         layout.run()
         self.assertEqual([len(page.log) > 0 for page in layout.pages], [True, False])
@@ -350,7 +350,7 @@ class Furniture(unittest.TestCase):
 
 
 class Columns(unittest.TestCase):
-    """Frets stand at y 650 + 165 * (s - 1), stems end at 1837.5, column 2 is at x 970."""
+    """Frets are at y 650 + 165 * (s - 1), stems end at 1837.5, column 2 is at x 970."""
 
     def columns(self, *records, **settings):
         log = log_of([head(1)] + list(records), **settings)
@@ -385,7 +385,7 @@ class Columns(unittest.TestCase):
 
     def test_tie_over_the_bar(self):
         log = self.columns(note(1, 7, "3^"), head(2), note(2), note(2))
-        # Column 3 is a head and column 4 stands 3 + 2 units on.
+        # Column 3 is a head and column 4 is 3 + 2 units further on.
         self.assertEqual(log[1], "arc 1385 765 305 0 3.25 0.5 w=1")
 
     def test_tie_over_the_line_end(self):

@@ -1,7 +1,7 @@
 """The tune as the page model sees it: number rules, records, the file reader and measure 1.
 
 Part of the page model, which is written apart from the program so that the two can be compared.
-Texts are single-byte: one Python character stands for one byte of the file.
+Texts are single-byte: one Python character is one byte of the file.
 """
 
 import re
@@ -192,7 +192,7 @@ def read_tune(data):
 
 
 def open_tune(data):
-    """The tune of a file's text as it stands once measure 1 has been shown."""
+    """The tune of a file's text once measure 1 has been shown."""
     tune = read_tune(data)
     show_first_measure(tune)
     return tune
@@ -266,7 +266,7 @@ def derive_spacing(note):
 
 
 def gather_slash(note):
-    """A rhythm slash stands on string 3, whichever string it was typed on."""
+    """A rhythm slash is on string 3, whichever string it was typed on."""
     for string in range(1, 7):
         if note.Slot[string] == "/":
             note.Slot[string] = ""

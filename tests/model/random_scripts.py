@@ -191,7 +191,7 @@ class ScriptWriter:
         self.emit("tick")
 
     def caret_under_bar(self):
-        """A bar sign drawn while the caret stands there, and the caret moved after it."""
+        """A bar sign drawn over the caret, which moves afterwards."""
         self.emit("tick")
         self.command(*self.pick(("mnuRptSign", "F6"), ("mnuRptStart", "F8"), ("mnuDoubBar", "F9")))
         for _ in range(self.rng.randrange(1, 4)):
@@ -401,7 +401,7 @@ class ScriptWriter:
         self.emit("menu " + self.pick("mnuTuning", "mnuOpnMidi", "mnuSetup", "mnuAbout", "mnuPrint"))
 
     def leave_mode(self):
-        """Out of a text mode, an inserted measure or a copy box that was left standing."""
+        """Out of a text mode, an inserted measure or a copy box that was left open."""
         mode = self.editor.InputMode
         if self.editor.focus in COPY_BOXES:
             self.leave_copy_box()

@@ -39,7 +39,7 @@ class RecordingSurface:
         self.CurrentX, self.CurrentY = x, y
 
     def text(self, text):
-        """Prints at the cursor and leaves it behind the text, on the line."""
+        """Prints at the cursor and leaves it after the text, on the same line."""
         if text.strip(" "):
             self._add(
                 f"text {decimal(self.CurrentX)} {decimal(self.CurrentY)} size={decimal(self.FontSize)}"

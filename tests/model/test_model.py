@@ -79,7 +79,7 @@ class TuneFiles(unittest.TestCase):
         note = record({2: "3"}, Measure=1, NoteCode=7, XPos=48, BeatUnit=4, Beats=4, Spacing=4)
         self.assertEqual(record_text(note), '1,7,48\r\n0,4,4,4\r\n0,""," "," ",""\r\n""\r\n"3"\r\n' + '""\r\n' * 4)
 
-    def test_a_quoted_text_reads_as_number_0_and_a_rest_behind_a_quote_is_lost(self):
+    def test_a_quoted_text_reads_as_number_0_and_a_rest_after_a_quote_is_lost(self):
         reader = ItemReader(b'"7",2.5\r\n"a"bc,"d\r\ne"\r\n')
         self.assertEqual([reader.number(), reader.number()], [0, 2])
         self.assertEqual([reader.string(), reader.string()], ["a", "d\r\ne"])
@@ -130,7 +130,7 @@ class MeasureView(unittest.TestCase):
         self.assertEqual(beam_codes([2, 99, 2], 6, 8)[2], 3)
         self.assertEqual(beam_codes([2, 99, 2])[2], 1)
 
-    def test_a_short_measure_ends_at_350_and_a_full_one_behind_its_last_note(self):
+    def test_a_short_measure_ends_at_350_and_a_full_one_after_its_last_note(self):
         self.assertEqual(opened(measure(1, [7])).EndBarX, 350)
         self.assertEqual(opened(measure(1, [7, 7, 7, 7])).EndBarX, 48 + 4 * 24)
 
@@ -140,7 +140,7 @@ class MeasureView(unittest.TestCase):
         editor.redraw()
         self.assertEqual((editor.table[2].Spacing, editor.table[3].XPos), (6, 84))
 
-    def test_a_long_note_stands_in_brackets_with_its_tie_behind_them(self):
+    def test_a_long_note_stands_in_brackets_with_its_tie_after_them(self):
         lines = opened(measure(1, [(9, "12^")])).surface.lines
         self.assertIn('text 48 36 size=10 font="Arial" bold=1 "[12]"', lines)
         self.assertIn("arc 84 42 12 0.5 3 0.5 w=1", lines)
@@ -223,7 +223,7 @@ class Typing(unittest.TestCase):
         self.assertEqual(editor_after("click 5 60" + "\nclick 5 40" * 3).CurBeats, 12)
         self.assertEqual(editor_after("click 5 60" + "\nclick 5 40" * 4).CurBeats, 3)
 
-    def test_a_hand_letter_leaves_the_cursor_behind_the_note(self):
+    def test_a_hand_letter_leaves_the_cursor_after_the_note(self):
         editor = opened(measure(1, [7, 7]), script="key F3\ntype 1\ntype 5")
         self.assertEqual((editor.table[2].LeftHand, editor.table[2].Slot[2]), ("1", "35"))
 
@@ -327,7 +327,7 @@ class Editing(unittest.TestCase):
         editor = self.five("menu mnuCopy\ntype 2\nkey Enter\ntype 3\nkey Enter")
         self.assertEqual(editor.files.contents["CopyBuff.Dat"].count(b",999,"), 2)
 
-    def test_behind_the_blank_enter_cuts_the_digit(self):
+    def test_after_the_blank_enter_cuts_the_digit(self):
         editor = self.five("menu mnuCopy\nkey End\ntype 12\nkey Enter\ntype 1\nkey Enter")
         self.assertEqual(editor.copy_boxes["Text1"].text, " 1")
         self.assertTrue(editor.mnuPaste_on)

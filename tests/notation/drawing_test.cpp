@@ -176,7 +176,7 @@ TEST_F(Surface, LeavesTheCursorAtTheEndOfALineAndBox)
     EXPECT_EQ(surface.CurrentY, 40);
 }
 
-TEST_F(Surface, PutsTheCursorBehindATextOrAtTheStartOfTheNextLine)
+TEST_F(Surface, PutsTheCursorAfterATextOrAtTheStartOfTheNextLine)
 {
     surface.Font = {"Arial", 10, false};
     surface.CurrentX = 100;
@@ -198,7 +198,7 @@ TEST_F(Surface, OfAPageMeasuresInTwips)
     EXPECT_EQ(paper.CurrentY, 240);
 }
 
-TEST(PrintedInteger, HasABlankBeforeAndBehind)
+TEST(PrintedInteger, HasABlankBeforeAndAfter)
 {
     EXPECT_EQ(PrintedInteger(4), " 4 ");
     EXPECT_EQ(PrintedInteger(0), " 0 ");

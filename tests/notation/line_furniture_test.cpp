@@ -4,9 +4,9 @@
 namespace quillon {
 namespace {
 
-/// Measures of four quarters: the first note of the first stands at 970, its head at 520; each
-/// further head 14 units (2100) behind the one before it, the first one unit more. The tune is one
-/// short line, whose staff ends at 7420.
+/// Measures of four quarters: the first note of the first is at 970, its head at 520; each
+/// further head is 14 units (2100) after the one before it, the first one unit more. The tune is
+/// one short line, whose staff ends at 7420.
 class LineFurnitureTest : public PageDesk {
 protected:
     LineFurnitureTest()
@@ -25,7 +25,7 @@ TEST_F(LineFurnitureTest, ASignOnTheFirstMeasureAndABracketOnTheSecondShareOneTo
     Head(1).Slot(1) = kSign;
     Head(2).Slot(2) = "1.";
     const LogLines log = Screen();
-    // The row stands at y 600; three gaps on, at 1095, stands the staff.
+    // The row is at y 600, and the staff three gaps lower, at 1095.
     EXPECT_TRUE(Has(log, "text 670 600 size=10 font=\"Tab\" bold=0 \"$\""));
     EXPECT_TRUE(Has(log, "line 2770 1055 2770 600 w=1"));
     EXPECT_TRUE(Has(log, "line 2770 600 4420 600 w=1"));
@@ -37,7 +37,7 @@ TEST_F(LineFurnitureTest, AHeadThatIsItsMeasuresOnlyRecordTakesTheNextMeasuresFi
 {
     AddMeasure(tune).Slot(3) = "alone";
     AddQuarters(2);
-    // The lone head stands at 6970, the next one two units behind it.
+    // The lone head is at 6970, the next one two units after it.
     EXPECT_TRUE(Has(Screen(), "text 7270 600 size=10 font=\"Arial\" bold=0 \"alone\""));
 }
 
@@ -125,7 +125,7 @@ TEST_F(LineFurnitureTest, TimeSignaturesFollowTheBodyFontInThreeSizesOnly)
     }
 }
 
-TEST_F(LineFurnitureTest, ATimeSignatureIsShownWhereItChangesAndBehindARepeatStart)
+TEST_F(LineFurnitureTest, ATimeSignatureIsShownWhereItChangesAndAfterARepeatStart)
 {
     for (int i = 6; i <= 10; ++i)
         tune[i].Beats = 3;
@@ -138,7 +138,7 @@ TEST_F(LineFurnitureTest, ATimeSignatureIsShownWhereItChangesAndBehindARepeatSta
 
 TEST_F(LineFurnitureTest, AnyBarCodeStopsTheBracketSearchAndAnEmptyOneDoesNot)
 {
-    // Measure 2 begins at 2770; a plain bar stands at its last column, 4420.
+    // Measure 2 begins at 2770; a plain bar is at its last column, 4420.
     Head(2).Slot(2) = "1.";
     EXPECT_TRUE(Has(Screen(), "line 2770 600 4420 600 w=1"));
     for (std::string_view code : {kDoubleBar, kRepeatEnd}) {

@@ -87,7 +87,7 @@ TEST_F(MeasureViewTest, TheTimeSignatureStandsByTheNumberOfStrings)
     EXPECT_TRUE(Has("line 350 36 350 60 w=1"));
 }
 
-TEST_F(MeasureViewTest, AMeasureNotYetFullEndsAt350AndAFullOneBehindItsLastNote)
+TEST_F(MeasureViewTest, AMeasureNotYetFullEndsAt350AndAFullOneAfterItsLastNote)
 {
     AddMeasure(tune);
     for (int i = 0; i < 3; ++i)
@@ -167,13 +167,13 @@ TEST_F(MeasureViewTest, AChordTextOf5LettersOverAQuarterGivesSpacing6)
     EXPECT_TRUE(Has(Text("48 12", "Cmaj7")));
 }
 
-TEST_F(MeasureViewTest, AFretOf12InAHalfNotePrintsBracketsWithDotAndTieBehindAll4Characters)
+TEST_F(MeasureViewTest, AFretOf12InAHalfNotePrintsBracketsWithDotAndTieAfterAll4Characters)
 {
     AddMeasure(tune);
     NoteRecord& note = AddNote(tune, kHalf, 1, "12^");
     Show();
     EXPECT_TRUE(Has(Text("48 28", "[12]")));
-    // 24 behind the note; the radius is what 4 of 8 columns leave
+    // 24 after the note; the radius is what 4 of 8 columns leave
     EXPECT_TRUE(Has("arc 84 34 12 0.5 3 0.5 w=1"));
     note.NoteCode = kDottedHalf;
     note.Slot(1) = "12";
@@ -323,7 +323,7 @@ TEST_F(MeasureViewTest, StubsPointForwardFromAGroupsFirstSixteenthAndBackFromIts
     EXPECT_TRUE(Has("line 80 108 50 108 w=1") && Has("line 80 105 75 105 w=1"));
 }
 
-TEST_F(MeasureViewTest, ASixteenthBehindARestPointsForwardToAnEighthFromTheMainBeam)
+TEST_F(MeasureViewTest, ASixteenthAfterARestPointsForwardToAnEighthFromTheMainBeam)
 {
     AddMeasure(tune, 9, 8);
     for (int code : {kSixteenth, kSixteenthRest, kSixteenth, kEighth, kSixteenth})
@@ -333,7 +333,7 @@ TEST_F(MeasureViewTest, ASixteenthBehindARestPointsForwardToAnEighthFromTheMainB
     EXPECT_TRUE(Has("line 75 108 50 108 w=1") && Has("line 75 105 80 105 w=1"));
 }
 
-TEST_F(MeasureViewTest, ABackStubStartsTheSecondBeamAnew)
+TEST_F(MeasureViewTest, ABackStubStartsTheSecondBeamAgain)
 {
     AddMeasure(tune, 9, 8);
     for (int code : {kSixteenth, kSixteenthRest, kSixteenth, kTripletSixteenth})
@@ -360,7 +360,7 @@ TEST_F(MeasureViewTest, ATripletBracketIsDrawnAtTheFirstOfTheThreeNotesOnly)
     EXPECT_EQ(threes, 2U);
 }
 
-TEST_F(MeasureViewTest, AShortTripletBracketEndsBehindTheNextNoteButOneAsItStood)
+TEST_F(MeasureViewTest, AShortTripletBracketEndsAfterTheNextNoteButOneAsItWas)
 {
     AddMeasure(tune);
     for (int i = 0; i < 3; ++i)

@@ -3,7 +3,7 @@
 namespace quillon {
 namespace {
 
-/// One measure whose first note stands at 970, 150 twips to the unit; stems end at 1837.5.
+/// One measure whose first note is at 970, 150 twips to the unit; stems end at 1837.5.
 class NoteColumnsTest : public PageDesk {
 protected:
     NoteColumnsTest() { AddMeasure(tune); }
@@ -13,7 +13,7 @@ protected:
         return AddNote(tune, code, string, text);
     }
 
-    /// The log behind the signature and the bars of the first line.
+    /// The log after the signature and the bars of the first line.
     LogLines Columns()
     {
         const LogLines log = Screen();
@@ -97,7 +97,7 @@ TEST_F(NoteColumnsTest, ASlashMakesAStemAndLeavesTiesAlone)
     EXPECT_TRUE(Has(log, "line 860 3062.5 860 3740 w=1"));
     const LogLines in = Only(log, "arc 400 ");
     ASSERT_EQ(in.size(), 1U);
-    EXPECT_EQ(in[0], "arc 400 2997.5 870 0 1.5 0.25 w=2");  // at the fret behind the slash
+    EXPECT_EQ(in[0], "arc 400 2997.5 870 0 1.5 0.25 w=2");  // at the fret after the slash
 }
 
 TEST_F(NoteColumnsTest, ASlashStands100HigherWhereTheFontTakesEverySize)
@@ -180,7 +180,7 @@ TEST_F(NoteColumnsTest, LongNotesStandInBracketsAndKeepTheirConnectionMarkAsText
     EXPECT_EQ(Columns().at(0), "text 970 650 size=10 font=\"Arial\" bold=0 \"[3-5]\"");
 }
 
-TEST_F(NoteColumnsTest, TheDotStandsBehindTheShownTextBracketsIncluded)
+TEST_F(NoteColumnsTest, TheDotComesAfterTheShownTextBracketsIncluded)
 {
     Note(kDottedHalf, "3^");
     Note(kQuarter);
@@ -243,7 +243,7 @@ TEST_F(NoteColumnsTest, BeamsAndStubsByTheirCode)
                               [](const std::string& l) { return l.find(" 830 ") != l.npos; }),
                rows.end());
     // Stems at 1010, 1310, 1610, 1910, 2210, 2510. The beat of 12 ticks ends before the fifth;
-    // the second beam starts anew from kBackStub on.
+    // the second beam starts again at kBackStub.
     EXPECT_EQ(Joined(rows), "line 1009 1837.5 1310 1837.5 w=2\n"
                             "line 1009 1837.5 1610 1837.5 w=2\n"
                             "line 1309 1787.5 1610 1787.5 w=2\n"

@@ -28,7 +28,7 @@ TEST_F(PageLayoutTest, AHardBreakEndsTheLineWhileTheStaffStillRunsToLineRight)
     EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));
     const LogLines frets = Only(log, "text", "\"3\"");
     ASSERT_EQ(frets.size(), 8U);
-    // 150 twips to the unit: the first note stands behind a head of 2 units and the signature.
+    // 150 twips to the unit: the first note comes after a head of 2 units and the signature.
     EXPECT_TRUE(frets[0].starts_with("text 970 650 "));
     EXPECT_TRUE(frets[1].starts_with("text 1420 650 "));
     EXPECT_TRUE(frets[4].starts_with("text 820 2552.5 "));
@@ -62,9 +62,9 @@ TEST_F(PageLayoutTest, ALineOf82UnitsIsSpreadBy134)
     EXPECT_TRUE(frets[1].starts_with("text 1324 "));
 }
 
-TEST_F(PageLayoutTest, ATuneOfOneShortLineHasAStaffThatEndsSixUnitsBehindItsLastColumn)
+TEST_F(PageLayoutTest, ATuneOfOneShortLineHasAStaffThatEndsSixUnitsAfterItsLastColumn)
 {
-    AddQuarters(4);  // the last note stands at 970 + 3 * 450
+    AddQuarters(4);  // the last note is at 970 + 3 * 450
     const LogLines log = Screen();
     EXPECT_TRUE(Has(log, "line 400 765 3220 765 w=1"));
     EXPECT_TRUE(Has(log, "line 3220 765 3220 1590 w=2"));
@@ -72,7 +72,7 @@ TEST_F(PageLayoutTest, ATuneOfOneShortLineHasAStaffThatEndsSixUnitsBehindItsLast
 
 TEST_F(PageLayoutTest, AOneLineTuneWithItsLastColumnFarRightHasAFullStaff)
 {
-    AddQuarters(20);  // the last note stands at 970 + 19 * 450
+    AddQuarters(20);  // the last note is at 970 + 19 * 450
     EXPECT_TRUE(Has(Screen(), "line 400 765 11440 765 w=1"));
 }
 
@@ -113,7 +113,7 @@ TEST_F(PageLayoutTest, BothCreditsBeginAtOneXAndTheLongerEndsAtLineRight)
     EXPECT_TRUE(log.at(1).starts_with("text 10340 840 "));
 }
 
-TEST_F(PageLayoutTest, ACreditOfANegativeSizeBeginsBehindLineRight)
+TEST_F(PageLayoutTest, ACreditOfANegativeSizeBeginsAfterLineRight)
 {
     page.BodyFontSize = -10;  // as only a hand-made file has it
     tune[0].Slot(2) = "arr.";
@@ -212,7 +212,7 @@ TEST_F(PageLayoutTest, AnEmptyMeasureBeforeAHardBreakStopsTheRunToo)
     EXPECT_EQ(tooWide, 1);
 }
 
-TEST_F(PageLayoutTest, PagesBehindTheFirstBeginAtY600AndPageMaxFollows)
+TEST_F(PageLayoutTest, PagesAfterTheFirstBeginAtY600AndPageMaxFollows)
 {
     for (int m = 0; m < 9; ++m)
         AddQuarters(4).Slot(6) = "NL";
@@ -274,7 +274,7 @@ TEST_F(PageLayoutTest, AnEndBarIsDrawnAtTheMeasuresEndAndWidensItsLastColumn)
     AddQuarters(2).BarCode = kDoubleBar;
     AddQuarters(2);
     const LogLines log = Screen();
-    // The head of measure 2 stands 3 + 4 units behind the first note.
+    // The head of measure 2 is 3 + 4 units after the first note.
     EXPECT_TRUE(Has(log, "line 2020 765 2020 1590 w=3"));
     EXPECT_TRUE(Has(log, "line 1980 765 1980 1590 w=2"));
 }

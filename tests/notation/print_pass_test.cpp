@@ -69,7 +69,7 @@ TEST_F(PrintPassTest, ACancelledDialogPrintsNothing)
 
 TEST_F(PrintPassTest, ALastColumnUnder9000ShortensTheStaffOnPaperOfAnyWidth)
 {
-    AddQuarters(4);  // the last note stands at 1650 + 3 * 450
+    AddQuarters(4);  // the last note is at 1650 + 3 * 450
     EXPECT_TRUE(Has(Paper(), "line 1080 2100 3900 2100 w=3"));
     EXPECT_TRUE(Has(Paper(0, 30000), "line 1080 2100 3900 2100 w=3"));
     tune.LastNote = tune.LastMeas = 0;
@@ -100,7 +100,7 @@ TEST_F(PrintPassTest, MarginsAreRoundedWithTiesToTheEvenTwip)
     EXPECT_FALSE(Only(Paper(), "line 428 2100 ", " w=3").empty());
 }
 
-TEST_F(PrintPassTest, AChordUsesTheRoomOfTheColumnsBehindIt)
+TEST_F(PrintPassTest, AChordUsesTheRoomOfTheColumnsAfterIt)
 {
     AddQuarters(6);
     tune[2].ChordText = "Cmaj7";
@@ -249,7 +249,7 @@ TEST_F(PrintPassTest, PensAreThoseOfThePrinter)
 TEST_F(PrintPassTest, ATieIsDrawnWithoutTheScreensInset)
 {
     AddQuarters(2, "3^");
-    // Radius (450 - 100) / 2; the centre stands by it behind the text.
+    // Radius (450 - 100) / 2; the centre is that far after the text.
     EXPECT_TRUE(Has(Paper(), "arc 1925 2100 175 0 3.25 0.5 w=2"));
 }
 

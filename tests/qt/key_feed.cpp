@@ -11,9 +11,9 @@
 //     ?MainWin    waits until a window, menu or control of that name or class takes the keys
 //
 // "done" and a line end on standard output say that an action is over: all that it set off has come
-// to its end. A dialog that stands open holds the action that opened it.
+// to its end. An open dialog holds up the action that opened it.
 //
-// The clock of the day stands still at KEY_FEED_TIME, in seconds since 1970, if that is given.
+// The wall clock is stopped at KEY_FEED_TIME, in seconds since 1970, if that is given.
 
 #include <QApplication>
 #include <QPointer>

@@ -255,7 +255,7 @@ private slots:
         QVERIFY(!Core().form.mnuPasteEnabled);
     }
 
-    void CopyAgainStartsTheOpenCopyBoxAnew()
+    void CopyAgainStartsTheOpenCopyBoxAgain()
     {
         auto* mnuCopy = Window().findChild<QAction*>("mnuCopy");
         mnuCopy->trigger();

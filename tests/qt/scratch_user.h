@@ -1,4 +1,4 @@
-// A user of the test's own: settings, the program's folder and the current directory lie in a
+// A user of the test's own: settings, the program's folder and the current directory are in a
 // scratch folder. Stands before the QApplication.
 
 #pragma once

@@ -14,7 +14,7 @@
 //
 // Each line is answered by "box TITLE: TEXT" for each box that it brought up, line ends as \n, and
 // then by "done 1" while the window is there, "done 0" when it is closed. Before the first "done"
-// stands "note TEXT" if the start has told something.
+// comes "note TEXT" if the start had something to say.
 
 #include "qt/program.h"
 #include "qt/scratch_folder.h"

@@ -250,7 +250,7 @@ private:
     {
         const std::string title = FromUnicode(box->windowTitle());
         const std::string text = FromUnicode(box->text());
-        if (title == "Run-time error") {  // behind it the program ends
+        if (title == "Run-time error") {  // after it the program ends
             output.Text << "fault: r" << text.substr(1, text.find('\n') - 1) << '\n';
             output.Flush();
             box->accept();

@@ -205,7 +205,7 @@ private slots:
         QCOMPARE(int{Core().form.CurValue}, kDottedHalf);
     }
 
-    void CopyBoxKeepsItsBlankBehindTheCaret()
+    void CopyBoxKeepsItsBlankAfterTheCaret()
     {
         TypeMeasure();
         QTest::keyClick(Button("cmdNext"), Qt::Key_C, Qt::ControlModifier);
@@ -475,7 +475,7 @@ private slots:
         QCOMPARE(picture.pixelColor(int(50 * ratio), int(20 * ratio)), QColor(Qt::white));
     }
 
-    /// A blank page's picture is blank, wherever the marquee stands, also between two pixels.
+    /// A blank page's picture is blank, wherever the marquee is, also between two pixels.
     void ClipboardPictureHasNothingOfTheMarquee()
     {
         QWidget* page = Window().findChild<QWidget*>("picPage");

@@ -207,7 +207,7 @@ TEST_F(Files, AQuotedTextWhereANumberIsDueReadsAs0AndTheLoadGoesOn)
 {
     const std::string path = WriteTune("tune.gui", 2);
     std::string bytes = ReadFileBytes(path);
-    // Of measure 2, which is not shown yet, so that nothing is derived anew.
+    // Of measure 2, which is not shown yet, so that nothing is derived again.
     bytes.replace(bytes.find("2,7,48"), 6, "2,7,\"48\"");
     bytes.replace(bytes.rfind("0,4,4,4"), 7, "0,4,\"4\",4");
     WriteFileBytes(path, bytes);

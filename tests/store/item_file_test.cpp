@@ -82,7 +82,7 @@ TEST(ItemReader, EndsATextAtTheNextQuoteAndDropsTheRestOfTheItem)
     EXPECT_EQ(Texts("\"a\"b c\r\n\"d\""), (std::vector<std::string>{"a", "d"}));
 }
 
-TEST(ItemReader, LetsTheRestBehindAnInnerQuoteAndACommaSlipIntoTheNextItem)
+TEST(ItemReader, LetsTheRestAfterAnInnerQuoteAndACommaSlipIntoTheNextItem)
 {
     EXPECT_EQ(Texts("\"say \"a, b\"\r\n\"c\""), (std::vector<std::string>{"say ", " b\"", "c"}));
 }

@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-// The numbers stand in tune files.
+// Tune files have these numbers.
 TEST(NoteCodes, AreCountedFromTheShortestNoteUp)
 {
     const int notes[] = {kTripletSixteenth, kSixteenth,     kTripletEighth,

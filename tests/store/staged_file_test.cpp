@@ -89,7 +89,7 @@ TEST_F(StagedFileTest, ReplacesAFileOnlyWhenItTakesItsPlace)
     EXPECT_EQ(Names(), Files{"f"});
 }
 
-TEST_F(StagedFileTest, LeavesNothingBehindWhenItIsGivenUp)
+TEST_F(StagedFileTest, LeavesNothingWhenItIsGivenUp)
 {
     WriteFileBytes("f", "earlier");
     StagedFile("f").Write("new");

@@ -37,7 +37,7 @@ LEAST_WIDTH = 480  # pixels: StaffBox at scale 1
 
 
 class Card:
-    """Where the staff lies on the screen: a white card in the lower half of the window."""
+    """The staff's place on the screen: a white card in the lower half of the window."""
 
     def __init__(self, desktop, window):
         x, y, width, height = desktop.place(window)
@@ -71,7 +71,7 @@ class Card:
         return round(self.x + x * self.scale), round(self.y + y * self.scale)
 
     def button(self, number):
-        """The middle of a button of Toolbar1, which stands above the card from its left edge on."""
+        """The middle of a button of Toolbar1, which is above the card, beginning at its left edge."""
         return self.x + 15 + (number - 1) * 36, self.y - 34
 
 

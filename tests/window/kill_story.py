@@ -4,7 +4,7 @@ Everything is played on the models of tests/model first, which share nothing wit
 table, their scratch file, their Saved and their saved files say what the disk has to hold, and their
 writer of tune files makes the bytes. The rule:
 
-- While Saved is 0, one copy goes along with the tune. It holds the table, and behind it the tail that
+- While Saved is 0, one copy keeps up with the tune. It holds the table, and after it the tail that
   an insertion has parked, under measure numbers that count on.
 - Else there is none, whatever a remark or a paste has changed since: they leave Saved alone.
 - Save in an insertion writes the table alone. The copy from before, which has the tail, stays for good,
@@ -112,7 +112,7 @@ class Player(ScenarioPlayer):
 
 
 class Typist(ScriptWriter):
-    """Writes down actions instead of lines. `tunes` are those that lie in `folder` already, `named`
+    """Writes down actions instead of lines. `tunes` are those that are in `folder` already, `named`
     is the one that the program is started with, "" without one."""
 
     def __init__(self, seed, folder, tunes, named):
@@ -258,7 +258,7 @@ class Typist(ScriptWriter):
             self.emit("press cmdNext")
 
     def edit(self):
-        """A change of the tune, whatever stood there before."""
+        """A change of the tune, whatever was there before."""
         self.leave_modes()
         self.append()
         self.emit("type " + self.pick(*"0123579"))

@@ -10,7 +10,7 @@ every action, as if the program had been killed there: exactly the tunes and cop
 there, and no other. The second part is played at full speed until a kill in its midst: the disk then
 holds what it must hold after the last action that was finished, or after the one under way.
 
-The clock stands still during a run, so that all its copies want the same name. RUNS is 40 unless
+The clock is stopped during a run, so that all its copies want the same name. RUNS is 40 unless
 given, a few at a time. Exit status 1 if a run failed.
 """
 
@@ -44,7 +44,7 @@ class Loss(Exception):
 
 
 class Home:
-    """All that the lives of a run write, and the copies that lie there before a life begins."""
+    """All that the lives of a run write, and the copies that are there before a life begins."""
 
     def __init__(self, folder, seed):
         self.folder = pathlib.Path(folder)

@@ -19,7 +19,7 @@ def colours(picture):
 
 
 class Paper:
-    """Where page 1 lies in a picture of the window. A border stands beside each of its rows."""
+    """The place of page 1 in a picture of the window. Each of its rows has a border on its sides."""
 
     def __init__(self, seen):
         self.x, self.y = self._top_left(seen)

@@ -3,7 +3,7 @@
 #
 #   print_queue.sh DIR
 #
-# DIR is absolute, and every user may enter it. The jobs lie in DIR/jobs as NUMBER-TITLE.pdf; clients
+# DIR is absolute, and every user may enter it. The jobs are in DIR/jobs as NUMBER-TITLE.pdf; clients
 # find the service by CUPS_SERVER=DIR/state/sock. Stays in the foreground until killed; DIR/ready
 # says that it takes jobs.
 set -eu

@@ -57,7 +57,7 @@ class Stepping(unittest.TestCase):
                 if drawn[number - 1] != drawn[number - 2]:
                     self.assertChanged(walked[-2], walked[-1], f"Next to measure {number}")
             next_measure(editor)
-            self.assertSame(editor.staff(), walked[0], "Next behind the last measure")
+            self.assertSame(editor.staff(), walked[0], "Next after the last measure")
             previous_measure(editor)
             self.assertSame(editor.staff(), walked[-1], "Previous before the first measure")
             for number in (7, 1, count, 12):

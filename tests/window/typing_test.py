@@ -1,4 +1,4 @@
-"""Each example is typed anew, from its scenario, with real keys, and must come out as it is."""
+"""Each example is typed from its scenario, with real keys, and must come out as it is."""
 
 import unittest
 

@@ -3,7 +3,7 @@
 #
 #   with_display.sh COMMAND...
 #
-# Everything that is written lies in one scratch folder, and goes with it.
+# Everything is written into one scratch folder, and removed with it.
 set -u
 
 scratch=$(mktemp -d)
