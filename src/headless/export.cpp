@@ -170,11 +170,7 @@ std::string ExportedTune::MidiFile(const ExportOptions& options)
 
 std::vector<Finding> ExportedTune::Check()
 {
-    std::vector<Finding> findings = CheckRecords(win.tune);
-    for (const auto& more : {CheckSigns(win.tune), CheckPerformance(win.tune),
-                             CheckPages(win.tune, win.page, win.pages, metrics)})
-        findings.insert(findings.end(), more.begin(), more.end());
-    return findings;
+    return CheckTune(win.tune, win.page, win.pages, metrics);
 }
 
 std::string ExportedTune::Order()

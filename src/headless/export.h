@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "headless/check.h"
 #include "headless/scripted_platform.h"
+#include "shell/check.h"
 #include "shell/main_win.h"
 
 #include <functional>

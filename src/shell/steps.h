@@ -24,5 +24,7 @@ std::string StepName(Control button, const MainForm& form);
 inline constexpr const char* kToolbarStep = "Note Value";
 inline constexpr const char* kClickStep = "Time Signature";
 inline constexpr const char* kGoToStep = "Go to Measure";
+inline constexpr const char* kPageSetupStep = "Page Setup";
+inline constexpr const char* kTuningStep = "Tuning";
 
 }  // namespace quillon

@@ -48,8 +48,15 @@ std::vector<Finding> CheckPerformance(Tune& tune);
 std::vector<Finding> CheckPages(const Tune& tune, PageSettings& page, PageView& pages,
                                 const TextMetrics& metrics);
 
+/// All of the above but the texts.
+std::vector<Finding> CheckTune(Tune& tune, PageSettings& page, PageView& pages,
+                               const TextMetrics& metrics);
+
 /// The measures in the order in which the tune is played. One that cannot be performed is a Fault
 /// or a NeverEnding.
 std::vector<int> MeasureOrder(Tune& tune);
+
+/// The same for the eye: "1-8, 1-7, 9-16".
+std::string OrderInRuns(const std::vector<int>& measures);
 
 }  // namespace quillon

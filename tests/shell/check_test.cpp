@@ -1,6 +1,5 @@
-#include "headless/check.h"
+#include "shell/check.h"
 
-#include "headless/export.h"
 #include "midi/performance.h"
 #include "notation/symbols.h"
 #include "store/tune_file.h"
@@ -56,10 +55,10 @@ protected:
     /// Every check but the file's.
     Lines All()
     {
-        Lines all;
-        for (const Lines& part : {Records(), Signs(), Performance(), Pages()})
-            all.insert(all.end(), part.begin(), part.end());
-        return all;
+        PageSettings page;
+        FixedTextMetrics metrics;
+        PageView pages(metrics);
+        return Texts(CheckTune(tune, page, pages, metrics));
     }
 };
 
@@ -83,15 +82,18 @@ TEST_F(CheckTest, FullMeasuresAreClean)
 TEST_F(CheckTest, TheExamplesAreClean)
 {
     const std::filesystem::path folder = QUILLON_EXAMPLES;
-    const FixedTextMetrics metrics;
     int count = 0;
     for (const auto& file : std::filesystem::directory_iterator(folder)) {
         const std::string extension = file.path().extension().string();
         if (extension != ".gui" && extension != ".bjo" && extension != ".bss")
             continue;
         SCOPED_TRACE(file.path().string());
-        EXPECT_EQ(Texts(CheckTexts(ReadFileBytes(file.path().string()))), Lines());
-        EXPECT_EQ(Texts(ExportedTune(file.path().string(), {}, metrics).Check()), Lines());
+        const std::string bytes = ReadFileBytes(file.path().string());
+        EXPECT_EQ(Texts(CheckTexts(bytes)), Lines());
+        ItemReader reader(bytes);
+        ReadTune(reader, tune);
+        tune.NumStrings = FindModeOfExtension(extension.substr(1))->NumStrings;
+        EXPECT_EQ(All(), Lines());
         ++count;
     }
     EXPECT_GE(count, 7);
@@ -484,6 +486,14 @@ TEST_F(CheckTest, ATenthPageIsFound)
     for (int measure = 2; measure <= 200; ++measure)
         Head(measure).Slot(6) = kLineBreak;
     EXPECT_EQ(Pages(), Lines{"has more than nine pages"});
+}
+
+TEST(OrderInRuns, JoinsMeasuresThatFollowEachOther)
+{
+    EXPECT_EQ(OrderInRuns({}), "");
+    EXPECT_EQ(OrderInRuns({1}), "1");
+    EXPECT_EQ(OrderInRuns({1, 2, 3, 4, 2, 3, 5}), "1-4, 2-3, 5");
+    EXPECT_EQ(OrderInRuns({3, 3, 2, 1}), "3, 3, 2, 1");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "headless/check.h"
+#include "shell/check.h"
 
 #include "midi/performance.h"
 #include "notation/page_layout.h"
@@ -333,6 +333,16 @@ std::vector<Finding> CheckPages(const Tune& tune, PageSettings& page, PageView& 
     return findings;
 }
 
+std::vector<Finding> CheckTune(Tune& tune, PageSettings& page, PageView& pages,
+                               const TextMetrics& metrics)
+{
+    std::vector<Finding> findings = CheckRecords(tune);
+    for (const auto& more :
+         {CheckSigns(tune), CheckPerformance(tune), CheckPages(tune, page, pages, metrics)})
+        findings.insert(findings.end(), more.begin(), more.end());
+    return findings;
+}
+
 std::vector<int> MeasureOrder(Tune& tune)
 {
     Rehearsal rehearsal(tune);
@@ -341,6 +351,19 @@ std::vector<int> MeasureOrder(Tune& tune)
     for (const PlayedMeasure& measure : rehearsal.performance.Played())
         order.push_back(tune[measure.Head].Measure);
     return order;
+}
+
+std::string OrderInRuns(const std::vector<int>& measures)
+{
+    std::string text;
+    for (std::size_t first = 0, next = 0; first < measures.size(); first = next) {
+        while (++next < measures.size() && measures[next] == measures[next - 1] + 1)
+            ;
+        text += (text.empty() ? "" : ", ") + std::to_string(measures[first]);
+        if (next - first > 1)
+            text += '-' + std::to_string(measures[next - 1]);
+    }
+    return text;
 }
 
 }  // namespace quillon
