@@ -219,23 +219,23 @@ bool Script::Answer(std::string_view command, const std::string& text)
 bool Script::GoBackOrForth(std::string_view command, std::string rest)
 {
     const bool undo = command == "undo";
-    if (!Steps() || (!undo && command != "redo"))
+    if (!undo && command != "redo")
         return false;
     const double count = TakeNumber(rest).value_or(1);
     if (count < 0 || count > kMostSteps)
         return false;
     if (undo)
-        Steps()->Undo(static_cast<int>(count));
+        Undo(static_cast<int>(count));
     else
-        Steps()->Redo(static_cast<int>(count));
+        Redo(static_cast<int>(count));
     return true;
 }
 
 bool Script::Print(std::string_view command)
 {
     if (command == "steps")
-        return PrintSteps();
-    if (command == "state")
+        PrintSteps();
+    else if (command == "state")
         PrintState();
     else if (command == "table")
         PrintTable();
@@ -329,11 +329,9 @@ void Script::PrintShown()
     answers.Shown.clear();
 }
 
-bool Script::PrintSteps()
+void Script::PrintSteps()
 {
-    if (const History* steps = Steps())
-        out << "undo=" << steps->UndoCount() << " redo=" << steps->RedoCount() << "\n\n";
-    return Steps() != nullptr;
+    out << "undo=" << Steps()->UndoCount() << " redo=" << Steps()->RedoCount() << "\n\n";
 }
 
 }  // namespace quillon

@@ -48,8 +48,10 @@ private:
     virtual void Copy(const std::string& from, const std::string& to) = 0;
     virtual bool Ended() const = 0;  // the program has ended
 
-    /// Its steps; null where there are none to go back to.
-    virtual History* Steps() { return nullptr; }
+    virtual void Undo(int count) { Steps()->Undo(count); }
+    virtual void Redo(int count) { Steps()->Redo(count); }
+
+    virtual History* Steps() = 0;
 
     bool Run(std::string_view command, const std::string& text);
     bool Act(std::string_view command, std::string rest);
@@ -61,7 +63,7 @@ private:
     void PrintTable();
     void PrintLog();
     void PrintShown();
-    bool PrintSteps();
+    void PrintSteps();
 
     MainWin& win;
     ScriptedDialogs& answers;

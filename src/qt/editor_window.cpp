@@ -6,6 +6,7 @@
 #include "qt/text.h"
 #include "shell/menus.h"
 #include "shell/spoken.h"
+#include "shell/steps.h"
 #include "ui_main_win.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QScopedValueRollback>
@@ -69,6 +71,11 @@ bool IsShortcut(const QKeyEvent& key)
     return FindShortcut(keys.toStdString()) != nullptr;
 }
 
+bool IsCtrlY(const QKeyEvent& key)
+{
+    return key.keyCombination() == (Qt::ControlModifier | Qt::Key_Y);
+}
+
 /// The toolkit lets arrows walk from button to button.
 bool IsArrow(const QKeyEvent& key)
 {
@@ -99,6 +106,7 @@ EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRun
     Timer1.setObjectName("Timer1");
     Timer1.setInterval(kTimer1Milliseconds);
     menus = std::make_unique<MenuBar>(*ui->menuBar, win, runner);
+    AddStrip();
     ConnectControls();
     ui->picPage->Connect(win.pages, runner, *ui->vsbPage);
     runner.ShowForm = [this] { ShowForm(); };
@@ -114,13 +122,24 @@ EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRun
 
 EditorWindow::~EditorWindow() = default;
 
+/// From here on menuBar() must not be called: it would put an empty one in the row's place.
+void EditorWindow::AddStrip()
+{
+    strip = new Strip(win, runner, this);
+    layout()->setMenuBar(nullptr);
+    setMenuWidget(new MenuRow(ui->menuBar, strip, this));
+}
+
 void EditorWindow::ConnectControls()
 {
     Editor& editor = win.editor;
     const auto click = [this](QPushButton* button, auto handler) {
         button->installEventFilter(this);
-        connect(button, &QPushButton::clicked, this,
-                [this, button, handler] { runner.Run(button->accessibleName(), handler); });
+        connect(button, &QPushButton::clicked, this, [this, button, handler] {
+            const Control control = ControlOf(button);
+            runner.Run(button->accessibleName(), handler, Input::Command,
+                       control == Control::None ? kGoToStep : StepName(control, win.form));
+        });
     };
     ui->cmdNext->setAccessibleName("Next");
     ui->cmdPrevious->setAccessibleName("Previous");
@@ -131,25 +150,39 @@ void EditorWindow::ConnectControls()
     click(ui->lblMeasNum, [&] { editor.lblMeasNum(); });
 
     ui->Toolbar1->installEventFilter(this);
-    connect(ui->Toolbar1, &NoteBar::Clicked, this,
-            [&](int button) { runner.Run("Note value", [&] { editor.Toolbar1(button); }); });
+    connect(ui->Toolbar1, &NoteBar::Clicked, this, [&](int button) {
+        runner.Run(
+            "Note value", [&] { editor.Toolbar1(button); }, Input::Command, kToolbarStep);
+    });
     ui->StaffBox->installEventFilter(this);
-    connect(ui->StaffBox, &StaffView::KeyDown, this, [&](int keyCode) {
-        runner.Run("Typing on the staff", [&] { editor.StaffBoxKeyDown(keyCode); });
-    });
-    connect(ui->StaffBox, &StaffView::KeyPress, this, [&](char character) {
-        runner.Run("Typing on the staff", [&] { editor.StaffBoxKeyPress(character); });
-    });
+    connect(ui->StaffBox, &StaffView::Key, this, &EditorWindow::StaffBoxKey);
     connect(ui->StaffBox, &StaffView::MouseDown, this, [&](double x, double y) {
-        runner.Run("Click on the staff", [&] { editor.StaffBoxMouseDown(x, y); });
+        runner.Run(
+            "Click on the staff", [&] { editor.StaffBoxMouseDown(x, y); }, Input::Command,
+            kClickStep);
     });
     txtRptBracket->installEventFilter(this);
-    connect(txtRptBracket, &QLineEdit::textEdited, this,
-            [this](const QString& text) { win.form.txtRptBracket.Text = FromUnicode(text); });
-    connect(txtRptBracket, &QLineEdit::returnPressed, this,
-            [&] { runner.Run("Repeat bracket", [&] { editor.txtRptBracketEnter(); }); });
+    connect(txtRptBracket, &QLineEdit::textEdited, this, [this](const QString& text) {
+        runner.Run(
+            "Repeat bracket", [&] { win.form.txtRptBracket.Text = FromUnicode(text); }, Input::Key);
+    });
+    connect(txtRptBracket, &QLineEdit::returnPressed, this, [&] {
+        runner.Run(
+            "Repeat bracket", [&] { editor.txtRptBracketEnter(); }, Input::Key);
+    });
     connect(&Timer1, &QTimer::timeout, this,
-            [&] { runner.Run("Cursor", [&] { editor.Timer1(); }); });
+            [&] { runner.RunUnobserved("Cursor", [&] { editor.Timer1(); }); });
+}
+
+/// A key goes down, and types its characters.
+void EditorWindow::StaffBoxKey(int keyCode, const std::string& characters)
+{
+    const auto handler = [&] {
+        win.editor.StaffBoxKeyDown(keyCode);
+        for (char character : characters)
+            win.editor.StaffBoxKeyPress(character);
+    };
+    runner.Run("Typing on the staff", handler, characters == "\r" ? Input::Enter : Input::Key);
 }
 
 void EditorWindow::showEvent(QShowEvent* event)
@@ -164,6 +197,7 @@ void EditorWindow::FirstActivate()
     if (std::exchange(activated, true))
         return;
     runner.Run("Start", [this] { win.FirstActivate(commandLine); });
+    runner.Steps.emplace(ValuesOf(win));
     if (!commandLine.empty())
         ShowStartNote(this);
     ui->StaffBox->setFocus();  // what the window offers first, when it is not a form beside it
@@ -273,7 +307,8 @@ void EditorWindow::dropEvent(QDropEvent* event)
     event->accept();
     QTimer::singleShot(0, this, [this, path = DroppedTune(*event)] {
         activateWindow();
-        runner.Run("Open", [&] { win.OpenDropped(path); });
+        runner.Run(
+            "Open", [&] { win.OpenDropped(path); }, Input::Command, "Open");
     });
 }
 
@@ -282,11 +317,15 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::FocusIn && !showing && activated) {
         const Control control = ControlOf(watched);
         if (control != win.form.Focus)
-            runner.Run("Focus change", [&] { win.editor.SetFocus(control); });
+            runner.RunBeginning("Focus change", [&] { win.editor.SetFocus(control); });
     }
-    // A menu's shortcut is the menu's, though a text box would take Ctrl+C.
-    if (event->type() == QEvent::ShortcutOverride && watched == txtRptBracket)
-        return IsShortcut(*static_cast<QKeyEvent*>(event));
+    // A menu's shortcut is the menu's, though a text box would take Ctrl+C. Ctrl+Y is the box's, as
+    // the other keys of undo and redo are by themselves.
+    if (event->type() == QEvent::ShortcutOverride && watched == txtRptBracket) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        event->setAccepted(IsCtrlY(key));
+        return IsShortcut(key) || IsCtrlY(key);
+    }
     if (event->type() == QEvent::KeyPress)
         return KeyIsTaken(watched, *static_cast<QKeyEvent*>(event));
     return QMainWindow::eventFilter(watched, event);
@@ -299,6 +338,8 @@ bool EditorWindow::KeyIsTaken(const QObject* widget, QKeyEvent& key)
     if (widget == txtRptBracket) {
         if (key.key() == Qt::Key_PageUp || key.key() == Qt::Key_PageDown)
             keyPressEvent(&key);
+        else if (IsCtrlY(key))
+            txtRptBracket->redo();
         else
             txtRptBracket->event(&key);
         key.accept();
@@ -351,6 +392,7 @@ void EditorWindow::ShowForm()
     ShowFocus();
     ShowControls();
     ui->StaffBox->Tell(words);
+    strip->Show();
     if (win.form.Timer1Enabled != Timer1.isActive())
         win.form.Timer1Enabled ? Timer1.start() : Timer1.stop();
 }

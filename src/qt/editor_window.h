@@ -8,6 +8,7 @@
 #include "qt/menu_bar.h"
 #include "qt/other_forms.h"
 #include "qt/runner.h"
+#include "qt/strip.h"
 #include "qt/system.h"
 #include "shell/main_win.h"
 
@@ -35,6 +36,8 @@ public:
     /// The run ends from outside: nothing is asked, and the rescue copy stays.
     void EndUnasked();
 
+    MoreMenu& More() { return strip->Menu(); }
+
 protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
@@ -49,6 +52,8 @@ protected:
 private:
     bool KeyIsTaken(const QObject* widget, QKeyEvent& key);
     void ConnectControls();
+    void AddStrip();
+    void StaffBoxKey(int keyCode, const std::string& characters);
     void FitStaff();
     void FirstActivate();
     void End();
@@ -68,6 +73,7 @@ private:
     QTimer Timer1{this};
     QTimer placeTimer;  // settings are written when they change, and the place when it rests
     std::unique_ptr<MenuBar> menus;
+    Strip* strip = nullptr;
     OtherForms otherForms;
     bool activated = false;  // the first activation has been
     bool showing = false;    // ShowForm moves the focus, not the user

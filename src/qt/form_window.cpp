@@ -3,6 +3,8 @@
 #include <QCloseEvent>
 #include <QScreen>
 
+#include <utility>
+
 namespace quillon {
 
 void MakeForm(QWidget& form)
@@ -13,15 +15,15 @@ void MakeForm(QWidget& form)
     form.setEnabled(true);  // also where the main window is disabled
 }
 
-FormWindow::FormWindow(QWidget* mainWindow, Runner& theRunner)
-    : QWidget(mainWindow), runner(theRunner)
+FormWindow::FormWindow(QWidget* mainWindow, Runner& theRunner, std::string theStepName)
+    : QWidget(mainWindow), runner(theRunner), stepName(std::move(theStepName))
 {
     MakeForm(*this);
 }
 
 void FormWindow::Handle(const QString& doing, const std::function<void()>& handler)
 {
-    if (!runner.Run(doing, handler))
+    if (!runner.Run(doing, handler, Input::Command, stepName))
         return;
     if (Loaded())
         ShowForm();
@@ -48,7 +50,10 @@ bool FormWindow::event(QEvent* event)
 
 void FormWindow::closeEvent(QCloseEvent* event)
 {
-    if (Loaded() && !runner.Run(windowTitle(), [this] { Unload(); }))
+    if (!Loaded())
+        return;
+    const auto unload = [this] { Unload(); };
+    if (!runner.Run(windowTitle(), unload, Input::Command, stepName))
         event->ignore();
 }
 

@@ -6,6 +6,8 @@
 
 #include <QWidget>
 
+#include <string>
+
 namespace quillon {
 
 /// A window of its own that stays above the main one and does not block it. It goes away for good
@@ -16,8 +18,9 @@ void MakeForm(QWidget& form);
 /// a handler has unloaded the form; closed by the system, it unloads the form.
 class FormWindow : public QWidget {
 public:
-    /// Both must outlive the window.
-    FormWindow(QWidget* mainWindow, Runner& theRunner);
+    /// Both must outlive the window. `theStepName` is the history's name for what the form changes
+    /// in the tune.
+    FormWindow(QWidget* mainWindow, Runner& theRunner, std::string theStepName = {});
 
 protected:
     virtual void ShowForm() = 0;
@@ -36,6 +39,7 @@ protected:
 
 private:
     Runner& runner;
+    std::string stepName;
 };
 
 }  // namespace quillon

@@ -1,9 +1,18 @@
 #include "qt/menu_bar.h"
 
+#include "shell/steps.h"
+
 #include <QMenu>
 #include <QMenuBar>
 
 namespace quillon {
+
+void RunEntry(const MenuEntry& entry, MainWin& win, Runner& runner)
+{
+    runner.Run(
+        QString(entry.Caption).remove('&'), [&] { entry.Run(win); }, Input::Command,
+        StepName(entry));
+}
 
 MenuBar::MenuBar(QMenuBar& bar, MainWin& mainWin, Runner& runner) : win(mainWin)
 {
@@ -20,9 +29,8 @@ MenuBar::MenuBar(QMenuBar& bar, MainWin& mainWin, Runner& runner) : win(mainWin)
             action->setObjectName(entry.Name);
             action->setShortcut(QKeySequence(entry.Shortcut));
             action->setToolTip(entry.Hint);
-            QObject::connect(action, &QAction::triggered, &bar, [this, &runner, &entry] {
-                runner.Run(QString(entry.Caption).remove('&'), [&] { entry.Run(win); });
-            });
+            QObject::connect(action, &QAction::triggered, &bar,
+                             [this, &runner, &entry] { RunEntry(entry, win, runner); });
             actions.emplace_back(action, &entry);
         }
     }

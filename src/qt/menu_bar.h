@@ -13,6 +13,9 @@ class QMenuBar;
 
 namespace quillon {
 
+/// Runs a menu command as an event.
+void RunEntry(const MenuEntry& entry, MainWin& win, Runner& runner);
+
 class MenuBar {
 public:
     /// Fills the bar. A menu and its entries bear the names of the table.

@@ -2,6 +2,7 @@
 
 #include "qt/paint.h"
 #include "qt/text.h"
+#include "shell/steps.h"
 #include "ui_midi.h"
 
 #include <QSignalBlocker>
@@ -22,7 +23,8 @@ void SetValue(QSlider* slider, int value)
 }  // namespace
 
 MidiWindow::MidiWindow(QWidget* mainWindow, MidiForm& midiForm, Runner& theRunner)
-    : FormWindow(mainWindow, theRunner), form(midiForm), ui(std::make_unique<Ui::frmBldMidi>())
+    : FormWindow(mainWindow, theRunner, kTuningStep), form(midiForm),
+      ui(std::make_unique<Ui::frmBldMidi>())
 {
     ui->setupUi(this);
     ui->Text1->setFixedWidth(ui->Text1->fontMetrics().horizontalAdvance("0000000"));

@@ -1,6 +1,7 @@
 #include "qt/page_setup_window.h"
 
 #include "qt/text.h"
+#include "shell/steps.h"
 #include "ui_page_setup.h"
 
 #include <QGuiApplication>
@@ -11,7 +12,7 @@
 namespace quillon {
 
 PageSetupWindow::PageSetupWindow(QWidget* mainWindow, MainWin& mainWin, Runner& theRunner)
-    : FormWindow(mainWindow, theRunner), win(mainWin), form(*mainWin.frmPgSetup),
+    : FormWindow(mainWindow, theRunner, kPageSetupStep), win(mainWin), form(*mainWin.frmPgSetup),
       ui(std::make_unique<Ui::frmPgSetup>())
 {
     ui->setupUi(this);

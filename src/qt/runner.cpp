@@ -8,10 +8,37 @@
 
 #include <cstdlib>
 #include <exception>
+#include <utility>
 
 namespace quillon {
 
-bool Runner::Run(const QString& doing, const std::function<void()>& handler)
+bool Runner::Run(const QString& doing, const std::function<void()>& handler, Input input,
+                 const std::string& stepName)
+{
+    return RunUnobserved(doing, [&] {
+        BeginEvent();
+        handler();
+        if (Steps)
+            Steps->Observe(input, stepName);
+        begun = false;
+    });
+}
+
+bool Runner::RunBeginning(const QString& doing, const std::function<void()>& handler)
+{
+    return RunUnobserved(doing, [&] {
+        BeginEvent();
+        handler();
+    });
+}
+
+void Runner::BeginEvent()
+{
+    if (Steps && !std::exchange(begun, true))
+        Steps->Begin();
+}
+
+bool Runner::RunUnobserved(const QString& doing, const std::function<void()>& handler)
 {
     if (busy)
         return false;

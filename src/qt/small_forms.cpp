@@ -1,5 +1,6 @@
 #include "qt/small_forms.h"
 
+#include "qt/documents.h"
 #include "qt/font_metrics.h"
 #include "qt/form_window.h"
 #include "qt/start_notice.h"
@@ -9,9 +10,6 @@
 #include "ui_splash.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QPainter>
 #include <QShortcut>
 #include <QUrl>
@@ -21,16 +19,6 @@ namespace quillon {
 namespace {
 
 constexpr int kSplashMilliseconds = 5000;
-
-/// The manual's path, installed or built. "" if it has been left out.
-QString ManualFile()
-{
-    const QString bin = QCoreApplication::applicationDirPath();
-    for (const char* place : {"/../share/doc/quillon/manual.html", "/../docs/manual.html"})
-        if (QFile::exists(bin + place))
-            return QDir::cleanPath(bin + place);
-    return {};
-}
 
 }  // namespace
 

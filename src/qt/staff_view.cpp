@@ -245,19 +245,15 @@ void StaffView::keyPressEvent(QKeyEvent* event)
 {
     const int code = KeyCode(event->key());
     const QString text = TypedText(*event);
-    emit KeyDown(code);
-    for (char character : Characters(text))
-        emit KeyPress(character);
+    emit Key(code, Characters(text));
     event->setAccepted(code != 0 || !text.isEmpty());
 }
 
 // Dead keys, compose sequences and input methods hand over finished text here.
 void StaffView::inputMethodEvent(QInputMethodEvent* event)
 {
-    for (char character : Characters(event->commitString())) {
-        emit KeyDown(0);
-        emit KeyPress(character);
-    }
+    for (char character : Characters(event->commitString()))
+        emit Key(0, {character});
     event->accept();
 }
 

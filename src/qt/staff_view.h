@@ -43,8 +43,9 @@ public:
     int TimesSaid() const { return timesSaid; }
 
 signals:
-    void KeyDown(int keyCode);           // 0 for a key that no handler knows
-    void KeyPress(char character);       // of Windows-1252
+    /// `keyCode` is 0 for a key that no handler knows. The characters, of Windows-1252, are what it
+    /// types: one, or none.
+    void Key(int keyCode, const std::string& characters);
     void MouseDown(double x, double y);  // points
 
 protected:

@@ -149,9 +149,9 @@ def shortest_script(program, tunes, lines):
         chunk //= 2
 
 
-def check_script(program, seed, length, undo, shrink):
+def check_script(program, seed, length, shrink):
     tunes = random_tunes_for(seed)
-    lines = script_for(seed, length, tunes, undo)
+    lines = script_for(seed, length, tunes)
     comparison = Comparison(program, tunes, lines)
     if not comparison.differs():
         return True
@@ -218,7 +218,6 @@ def main():
     parser.add_argument("--from", dest="first", type=int, default=1)
     parser.add_argument("--count", type=int, default=100)
     parser.add_argument("--length", type=int, default=150)
-    parser.add_argument("--no-undo", action="store_true", help="scripts that never go back")
     parser.add_argument("--no-shrink", action="store_true", help="report whole scripts, unshortened")
     parser.add_argument("--stop-after", type=int, default=5, help="differences to report before stopping")
     options = parser.parse_args()
@@ -227,7 +226,7 @@ def main():
         checks = []
         if options.program:
             program = os.path.abspath(options.program)
-            checks.append(check_script(program, seed, options.length, not options.no_undo, not options.no_shrink))
+            checks.append(check_script(program, seed, options.length, not options.no_shrink))
         if options.export:
             checks.append(check_exports(os.path.abspath(options.export), seed))
         passed += sum(checks)

@@ -47,8 +47,7 @@ class Finished(Exception):
 
 
 class ScriptWriter:
-    def __init__(self, seed, length, tunes, undo=True):
-        self.actions = ACTIONS if undo else {action: weight for action, weight in ACTIONS.items() if action not in UNDO}
+    def __init__(self, seed, length, tunes):
         self.rng = random.Random(f"script {seed}")
         self.length = length
         self.tunes = tunes
@@ -60,7 +59,7 @@ class ScriptWriter:
             if self.chance(0.35):
                 self.open_tune()
             while True:
-                action, = self.rng.choices(list(self.actions), list(self.actions.values()))
+                action, = self.rng.choices(list(ACTIONS), list(ACTIONS.values()))
                 action(self)
                 self.look()
         except Finished:
@@ -455,12 +454,11 @@ ACTIONS = {
     ScriptWriter.undo: 7,
     ScriptWriter.redo: 4,
 }
-UNDO = (ScriptWriter.undo, ScriptWriter.redo)
 
 
-def script_for(seed, length, tunes, undo=True):
+def script_for(seed, length, tunes):
     """The lines of a script; it ends in a full look at what came out."""
-    return ScriptWriter(seed, length, tunes, undo).write() + ["state", "table", "log", "shown"]
+    return ScriptWriter(seed, length, tunes).write() + ["state", "table", "log", "shown"]
 
 
 def main():

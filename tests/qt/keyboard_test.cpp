@@ -275,16 +275,16 @@ private slots:
 
     void TheMenuBarKeepsTheKeysWhileTheCursorBlinks()
     {
-        Window().menuBar()->setFocus(Qt::MenuBarFocusReason);
+        Bar()->setFocus(Qt::MenuBarFocusReason);
         program->runner.Run("Cursor", [this] { Core().editor.Timer1(); });
-        QVERIFY(Window().menuBar()->hasFocus());
-        QTest::keyClick(Window().menuBar(), Qt::Key_F7);  // a command that moves the focus
+        QVERIFY(Bar()->hasFocus());
+        QTest::keyClick(Bar(), Qt::Key_F7);  // a command that moves the focus
         QVERIFY(FormNamed("txtRptBracket")->hasFocus());
     }
 
     void TheMenuBarGivesTheKeysBackWhenTheWindowIsActiveAgain()
     {
-        Window().menuBar()->setFocus(Qt::MenuBarFocusReason);
+        Bar()->setFocus(Qt::MenuBarFocusReason);
         QWidget other;
         other.show();
         QVERIFY(QTest::qWaitForWindowActive(&other));

@@ -5,6 +5,7 @@
 #include "qt/program.h"
 #include "scratch_user.h"
 
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -19,6 +20,7 @@ struct WindowDesk {
     MainWin& Core() { return program->win; }
     QWidget* Staff() { return Window().findChild<QWidget*>("StaffBox"); }
     QPushButton* Button(const char* name) { return Window().findChild<QPushButton*>(name); }
+    QMenuBar* Bar() { return Window().findChild<QMenuBar*>(); }
     QWidget* FormNamed(const char* name) { return Window().findChild<QWidget*>(name); }
 
     void Begin()

@@ -32,6 +32,7 @@
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 
 #include <fstream>
 #include <iostream>
@@ -348,7 +349,12 @@ private:
     void Tick() override;
     void Copy(const std::string& from, const std::string& to) override;
     bool Ended() const override { return !desk.window->isVisible(); }
+    History* Steps() override { return &*desk.runner.Steps; }
+    void Undo(int count) override { GoBackOrForth(count, "stripUndo"); }
+    void Redo(int count) override { GoBackOrForth(count, "stripRedo"); }
 
+    void GoBackOrForth(int count, const char* name);
+    void ClickButtonOf(const QAction* action) const;
     void ChooseByMouse(QMenu* menu, QAction* action);
     void ChooseByKeys(QMenu* menu, QAction* action);
     void LeaveMenus() const;
@@ -357,6 +363,7 @@ private:
 
     Desk& desk;
     int menusChosen = 0;
+    int stepsGone = 0;
 };
 
 QMenu* MenuOf(QWidget& window, const QAction* action)
@@ -386,7 +393,7 @@ void WindowScript::Menu(const MenuEntry& entry)
 
 void WindowScript::ChooseByMouse(QMenu* menu, QAction* action)
 {
-    QMenuBar* bar = desk.window->menuBar();
+    auto* bar = desk.window->findChild<QMenuBar*>();
     ::Click(bar, bar->actionGeometry(menu->menuAction()).center());
     if (!menu->isVisible())
         Fail("the mouse does not open " + menu->objectName().toStdString());
@@ -418,7 +425,7 @@ void WindowScript::LeaveMenus() const
     while (QApplication::activePopupWidget())
         Stroke(Qt::Key_Escape);
     desk.ToFront();
-    if (desk.window->menuBar()->hasFocus())
+    if (desk.window->findChild<QMenuBar*>()->hasFocus())
         Stroke(Qt::Key_Escape);
 }
 
@@ -446,6 +453,31 @@ void WindowScript::Key(const std::string& name)
 {
     const QKeyCombination keys = QKeySequence(QString::fromStdString(name))[0];
     Stroke(keys.key(), keys.keyboardModifiers(), TextOf(keys));
+}
+
+/// By turns as a command, by the mouse, and by the key, which in a text box is the box's.
+void WindowScript::GoBackOrForth(int count, const char* name)
+{
+    auto* action = desk.window->findChild<QAction*>(name);
+    const QKeyCombination keys = action->shortcut()[0];
+    for (int i = 0; i < count && action->isEnabled(); ++i) {
+        desk.ToFront();
+        const bool inBox = desk.win.form.Focus >= Control::txtRptBracket || desk.CopyBoxIsThere();
+        const int way = inBox ? 0 : stepsGone++ % 3;
+        if (way == 0)
+            action->trigger();
+        else if (way == 1)
+            ClickButtonOf(action);
+        else
+            Stroke(keys.key(), keys.keyboardModifiers(), TextOf(keys));
+    }
+}
+
+void WindowScript::ClickButtonOf(const QAction* action) const
+{
+    for (auto* button : desk.window->findChildren<QToolButton*>())
+        if (button->defaultAction() == action)
+            ::Click(button, button->rect().center());
 }
 
 void WindowScript::Toolbar(int button)

@@ -72,7 +72,7 @@ private slots:
 
     void MenuBarIsTheTable()
     {
-        const auto menus = Window().menuBar()->actions();
+        const auto menus = Bar()->actions();
         QCOMPARE(std::size_t(menus.size()), Menus().size());
         for (std::size_t m = 0; m < Menus().size(); ++m) {
             const Menu& menu = Menus()[m];
@@ -179,7 +179,7 @@ private slots:
         composed.setCommitString("3");
         QApplication::sendEvent(Staff(), &composed);
         QCOMPARE(Core().tune[2].Slot(6), std::string("7x3"));
-        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+        QTest::keyClick(Staff(), Qt::Key_G, Qt::ControlModifier);
         QCOMPARE(Core().tune[2].Slot(6), std::string("7x3"));
     }
 

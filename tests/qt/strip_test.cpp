@@ -1,0 +1,494 @@
+// The strip beside the menus: undo and redo, the line of state, More, and what it leaves alone.
+
+#include "window_desk.h"
+
+#include "qt/documents.h"
+#include "shell/key_sheet.h"
+#include "shell/recent_tunes.h"
+#include "support/tunes.h"
+
+#include <QAccessible>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <QWindow>
+
+using namespace quillon;
+
+namespace {
+
+class UrlCatcher : public QObject {
+    Q_OBJECT
+
+public:
+    UrlCatcher() { QDesktopServices::setUrlHandler("file", this, "Take"); }
+    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler("file"); }
+
+    QUrl Taken;
+
+public slots:
+    void Take(const QUrl& url) { Taken = url; }
+};
+
+}  // namespace
+
+class StripTest : public QObject, private WindowDesk {
+    Q_OBJECT
+
+    QAction* Action(const char* name) { return Window().findChild<QAction*>(name); }
+    QAction* Undo() { return Action("stripUndo"); }
+    QAction* Redo() { return Action("stripRedo"); }
+    QMenu* More() { return &Window().More(); }
+    QLabel* State() { return Window().findChild<QLabel*>("stripState"); }
+    QToolButton* MoreButton() { return Window().findChild<QToolButton*>("stripMore"); }
+
+    QToolButton* ButtonOf(QAction* action)
+    {
+        for (auto* button : Window().findChildren<QToolButton*>())
+            if (button->defaultAction() == action)
+                return button;
+        return nullptr;
+    }
+
+    QMenu* Submenu(const QString& title)
+    {
+        for (QAction* action : More()->actions())
+            if (action->menu() && QString(action->text()).remove('&') == title)
+                return action->menu();
+        return nullptr;
+    }
+
+    void OpenMore() { emit More()->aboutToShow(); }
+
+    QString TuneFile(const QString& name, int measures = 3)
+    {
+        Tune tune;
+        AddFullMeasures(tune, measures);
+        WriteFileBytes(name.toStdString(), TuneBytes(tune));
+        return QDir::current().filePath(name);
+    }
+
+    void Open(const QString& path)
+    {
+        program->runner.Run(
+            "Open", [&] { Core().OpenDropped(path.toStdString()); }, Input::Command, "Open");
+    }
+
+    /// The click that opens the menu returns when it has been closed.
+    void CloseMoreWhenItIsThere()
+    {
+        wasThere = false;
+        auto* waiting = new QTimer(&Window());
+        connect(waiting, &QTimer::timeout, this, [this, waiting] {
+            if (!More()->isVisible())
+                return;
+            wasThere = true;
+            waiting->deleteLater();
+            QTest::keyClick(More(), Qt::Key_Escape);
+        });
+        waiting->start(10);
+    }
+
+    bool wasThere = false;  // the menu of More
+
+    /// In the next file dialog, which would refuse some names by itself.
+    static void ChooseFile(const QString& path)
+    {
+        InDialog<QFileDialog>([path](QFileDialog* files) {
+            files->findChild<QLineEdit*>()->setText(path);
+            files->QDialog::done(QDialog::Accepted);
+        });
+    }
+
+private slots:
+    void init() { Begin(); }
+    void cleanup() { End(); }
+
+    void ANoteIsUndoneAndRedoneByKeys()
+    {
+        QVERIFY(!Undo()->isEnabled());
+        QTest::keyClicks(Staff(), "12");
+        QTest::keyClick(Staff(), Qt::Key_Return);
+        QCOMPARE(int{Core().tune.LastNote}, 2);
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(int{Core().tune.LastNote}, 0);
+        QVERIFY(!Undo()->isEnabled());
+        QVERIFY(Staff()->hasFocus());
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(Core().tune[2].Slot(6), std::string("12"));
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+        QTest::keyClick(Staff(), Qt::Key_Y, Qt::ControlModifier);
+        QCOMPARE(Core().tune[2].Slot(6), std::string("12"));
+        QVERIFY(!Redo()->isEnabled());
+    }
+
+    void ButtonsAndTooltipsNameTheStep()
+    {
+        Open(TuneFile("three.gui"));
+        Action("mnuDelMeas")->trigger();
+        QCOMPARE(ButtonOf(Undo())->toolTip(), QString("Undo Delete Measure 1"));
+        QCOMPARE(QAccessible::queryAccessibleInterface(ButtonOf(Undo()))->text(QAccessible::Name),
+                 QString("Undo Delete Measure 1"));
+        QTest::mouseClick(ButtonOf(Undo()), Qt::LeftButton);
+        QCOMPARE(int{Core().tune.LastMeas}, 3);
+        QCOMPARE(ButtonOf(Undo())->toolTip(), QString("Undo Open three.gui"));
+        QCOMPARE(ButtonOf(Redo())->toolTip(), QString("Redo Delete Measure 1"));
+        QTest::mouseClick(ButtonOf(Redo()), Qt::LeftButton);
+        QCOMPARE(int{Core().tune.LastMeas}, 2);
+        QCOMPARE(ButtonOf(Redo())->toolTip(), QString("Redo"));
+    }
+
+    void ATuneCalledLikeHtmlIsShownAsItIsCalled()
+    {
+        Open(TuneFile("R&B <b>.gui"));
+        QCOMPARE(Undo()->text(), QString("Undo Open R&&B <b>.gui"));
+        QVERIFY(!Qt::mightBeRichText(Undo()->toolTip()) || Undo()->toolTip().contains("&lt;"));
+        QCOMPARE(State()->accessibleName(), QString("R&B <b>.gui · page 1 of 1"));
+    }
+
+    void AClickOnAButtonIsOneStepWithItsName()
+    {
+        Core().form.CurValue = kQuarter;
+        QTest::mouseClick(Button("cmdRest"), Qt::LeftButton);
+        QCOMPARE(Undo()->text(), QString("Undo Rest"));
+        Undo()->trigger();
+        QVERIFY(!Undo()->isEnabled());
+        QVERIFY(Staff()->hasFocus());
+        QCOMPARE(Core().form.Focus, Control::StaffBox);
+    }
+
+    void TheBlinkingCursorIsNoStep()
+    {
+        auto* timer = Window().findChild<QTimer*>("Timer1");
+        QTest::keyClicks(Staff(), "7");
+        const int caret = Core().form.CaretOn;
+        QTRY_VERIFY(Core().form.CaretOn != caret);
+        QVERIFY(timer->isActive());
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(!Undo()->isEnabled());
+        QCOMPARE(Core().tune[2].Slot(6), std::string());
+    }
+
+    void KeysInTheBracketBoxBelongToIt()
+    {
+        QTest::keyClicks(Staff(), "7");
+        QTest::keyClick(Staff(), Qt::Key_Return);
+        Action("mnuRepeatEnds")->trigger();
+        auto* box = Window().findChild<QLineEdit*>("txtRptBracket");
+        QVERIFY(box->hasFocus());
+        QTest::keyClicks(box, "1.");
+        for (int step = 0; step < 3; ++step)
+            QTest::keyClick(box, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(box->text(), QString());
+        QCOMPARE(Core().form.txtRptBracket.Text, std::string());
+        QCOMPARE(Core().form.InputMode, InputMode::Bracket);
+        QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
+        QCOMPARE(box->text(), QString("1."));
+        QCOMPARE(Core().tune[2].Slot(6), std::string("7"));
+        ButtonOf(Undo())->click();  // the whole bracket, as a step
+        QVERIFY(!box->isVisible());
+        QVERIFY(Staff()->hasFocus());
+        QCOMPARE(Core().form.InputMode, InputMode::Fret);
+    }
+
+    void NothingIsUndoneWhilePageSetupIsOpenAndAllOfItAtOnceAfterwards()
+    {
+        Open(TuneFile("setup.gui"));
+        const int steps = program->runner.Steps->UndoCount();
+        Action("mnuPageSet")->trigger();
+        QTRY_VERIFY(FormNamed("frmPgSetup"));
+        auto* title = FormNamed("frmPgSetup")->findChild<QLineEdit*>("Text1");
+        title->setFocus();
+        QTest::keyClicks(title, "Reel");
+        QTest::keyClick(title, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(title->text().isEmpty());  // the box's own undo
+        QTest::keyClicks(title, "Jig");
+        QVERIFY(!ButtonOf(Undo())->isEnabled());
+        ButtonOf(Undo())->click();
+        QTest::keyClick(&Window(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(program->runner.Steps->UndoCount(), steps);
+        QTest::mouseClick(FormNamed("frmPgSetup")->findChild<QPushButton*>("cmdPgExit"),
+                          Qt::LeftButton);
+        QTRY_VERIFY(!FormNamed("frmPgSetup"));
+        QCOMPARE(Core().tune[0].ChordText, std::string("Jig"));
+        QCOMPARE(Undo()->text(), QString("Undo Page Setup"));
+        Undo()->trigger();
+        QCOMPARE(Core().tune[0].ChordText, std::string());
+        QCOMPARE(program->runner.Steps->UndoCount(), steps);
+    }
+
+    void NothingIsUndoneWhileADialogWaits()
+    {
+        QTest::keyClicks(Staff(), "7");
+        InDialog<QDialog>([&](QDialog* dialog) {
+            QVERIFY(program->runner.Busy());
+            Undo()->trigger();
+            QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+            dialog->reject();
+        });
+        Action("mnuRemarks")->trigger();
+        QCOMPARE(Core().tune[2].Slot(6), std::string("7"));
+    }
+
+    void UndoInTheLargeViewShowsTheStaffAgain()
+    {
+        QTest::keyClicks(Staff(), "7");
+        Action("mnuLargeview")->trigger();
+        QVERIFY(!Staff()->isVisible());
+        QTest::keyClick(&Window(), Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(Staff()->isVisible());
+        QCOMPARE(Core().tune[2].Slot(6), std::string());
+    }
+
+    void TheLineOfStateFollows()
+    {
+        QCOMPARE(State()->text(), QString("New tune"));
+        QTest::keyClicks(Staff(), "7");
+        QCOMPARE(State()->text(), QString("New tune, changed"));
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(State()->text(), QString("New tune"));
+        Open(TuneFile("three.gui"));
+        QCOMPARE(State()->text(), QString("three.gui · page 1 of 1"));
+    }
+
+    void ASaveThatFailedLeavesTheTuneChanged()
+    {
+        QTest::keyClicks(Staff(), "7");
+        ChooseFile("/nowhere/at/all.gui");
+        QTest::keyClick(Staff(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(Core().form.Saved, SavedState::Unsaved);
+        QVERIFY(State()->accessibleName().contains(", changed"));
+    }
+
+    void SaveAsksForANameOnceAndThenSavesThere()
+    {
+        QTest::keyClicks(Staff(), "7");
+        const QString path = QDir::current().filePath("saved.gui");
+        ChooseFile(path);
+        QTest::keyClick(Staff(), Qt::Key_S, Qt::ControlModifier);
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(State()->text(), QString("saved.gui"));
+        QVERIFY(QTest::qWaitForWindowActive(&Window()));
+        QTest::keyClicks(Staff(), "5");
+        QCOMPARE(State()->text(), QString("saved.gui, changed"));
+        QTest::keyClick(Staff(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(State()->text(), QString("saved.gui"));
+        QVERIFY(ReadFileBytes(path.toStdString()).find("\"75\"") != std::string::npos);
+        QCOMPARE(RecentTunes(program->settings).front(), path.toStdString());
+    }
+
+    void NothingIsSavedOrCheckedWhileAMeasureIsInserted()
+    {
+        Open(TuneFile("insert.gui"));
+        Action("mnuInsMeas")->trigger();
+        for (const char* name : {"stripSave", "stripCheck", "stripOrder"})
+            QVERIFY(!Action(name)->isEnabled());
+        Undo()->trigger();
+        QVERIFY(Action("stripSave")->isEnabled());
+    }
+
+    void RecentTunesOpenWithTheSaveQuestion()
+    {
+        const QString first = TuneFile("first.gui");
+        const QString second = TuneFile("second.gui");
+        Open(first);
+        Open(second);
+        QTest::keyClicks(Staff(), "7");
+        QFile::remove(second);
+        OpenMore();
+        QMenu* recent = Submenu("Recent Tunes");
+        QCOMPARE(recent->actions()[0]->text(), QString("&1 second.gui"));
+        QVERIFY(!recent->actions()[0]->isEnabled());  // its file has gone
+        QCOMPARE(recent->actions()[1]->text(), QString("&2 first.gui"));
+        QCOMPARE(recent->actions()[1]->toolTip(), first);
+        bool asked = false;
+        InDialog<QMessageBox>([&](QMessageBox* box) {
+            asked = true;
+            box->button(QMessageBox::No)->click();
+        });
+        recent->actions()[1]->trigger();
+        QVERIFY(asked);
+        QCOMPARE(Core().tune.FileName, first.toStdString());
+        QCOMPARE(Undo()->text(), QString("Undo Open first.gui"));
+    }
+
+    void AnExampleIsOpenedAsANewTune()
+    {
+        QVERIFY(!ExamplesFolder().isEmpty());
+        OpenMore();
+        QMenu* examples = Submenu("Examples");
+        for (QAction* action : examples->actions())
+            if (action->text() == "amazing_grace.bjo")
+                action->trigger();
+        QCOMPARE(int{Core().tune.NumStrings}, 5);
+        QVERIFY(Core().tune.LastMeas > 1);
+        QVERIFY(Core().tune.FileName.empty());
+        QVERIFY(!Action("mnuSave")->isEnabled());
+        QVERIFY(State()->text().startsWith("New tune"));
+        QCOMPARE(Undo()->text(), QString("Undo Open Example"));
+        QVERIFY(RecentTunes(program->settings).empty() ||
+                !QString::fromStdString(RecentTunes(program->settings).front())
+                     .contains("amazing_grace"));
+    }
+
+    void RescuedTunesAreThereWhenThereAreAny()
+    {
+        OpenMore();
+        QVERIFY(!Submenu("Rescued Tunes")->menuAction()->isVisible());
+        Window().More().FillRescued = [](QMenu& menu) { menu.addAction("one"); };
+        OpenMore();
+        QVERIFY(Submenu("Rescued Tunes")->menuAction()->isVisible());
+        QCOMPARE(Submenu("Rescued Tunes")->actions().size(), 1);
+    }
+
+    void TheCheckListsWhatIsWrongAndChangesNothing()
+    {
+        Open(TuneFile("check.gui"));
+        Core().tune[3].NoteCode = kHalf;
+        const std::string before = Core().view.StaffBox.Picture().Log();
+        const int note = Core().tune.CurNote;
+        Action("stripCheck")->trigger();
+        auto* sheet = Window().findChild<QDialog*>("Check the Tune");
+        QVERIFY(sheet && sheet->isVisible() && !sheet->isModal());
+        auto* list = sheet->findChild<QListWidget*>();
+        QCOMPARE(list->item(0)->text(), QString("measure 1: has 5 beats instead of 4"));
+        QCOMPARE(int{Core().tune.CurNote}, note);
+        QCOMPARE(Core().view.StaffBox.Picture().Log(), before);
+        Action("stripOrder")->trigger();
+        auto* order = Window().findChild<QDialog*>("Playing Order");
+        QCOMPARE(order->findChild<QListWidget*>()->item(0)->text(), QString("1-3"));
+        QTest::keyClick(sheet, Qt::Key_Escape);
+        QTest::keyClick(order, Qt::Key_Escape);
+        QTRY_VERIFY(!Window().findChild<QDialog*>());
+    }
+
+    void ACleanTuneIsSaidToBeClean()
+    {
+        Open(TuneFile("clean.gui"));
+        Action("stripCheck")->trigger();
+        Action("stripCheck")->trigger();  // one sheet, not two
+        QCOMPARE(Window().findChildren<QDialog*>().size(), 1);
+        QCOMPARE(Window().findChild<QListWidget*>()->item(0)->text(),
+                 QString("Nothing is wrong with this tune."));
+    }
+
+    void AllKeysAreOnTheSheet()
+    {
+        Action("stripKeys")->trigger();
+        auto* list = Window().findChild<QTreeWidget*>();
+        QVERIFY(list);
+        QCOMPARE(std::size_t(list->topLevelItemCount()), KeySheet().size());
+        QCOMPARE(list->findItems("Ctrl+S", Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
+        QCOMPARE(list->findItems("Ctrl+H", Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
+    }
+
+    void F11OpensTheManual()
+    {
+        if (ManualFile().isEmpty())
+            QSKIP("the manual has not been built");
+        const UrlCatcher catcher;
+        QTest::keyClick(Staff(), Qt::Key_F11);
+        QCOMPARE(catcher.Taken.toLocalFile(), ManualFile());
+    }
+
+    void ItTakesNoPartInTheTabOrder()
+    {
+        const QWidget* strip = FormNamed("strip");
+        for (const QWidget* widget : strip->findChildren<QWidget*>())
+            if (widget->window() == &Window())
+                QCOMPARE(widget->focusPolicy(), Qt::NoFocus);
+        CloseMoreWhenItIsThere();
+        QTest::mouseClick(MoreButton(), Qt::LeftButton);
+        QVERIFY(wasThere);
+        QTRY_VERIFY(Staff()->hasFocus());
+    }
+
+    void AltROpensMore()
+    {
+        CloseMoreWhenItIsThere();
+        QTest::keyClick(Staff(), Qt::Key_R, Qt::AltModifier);
+        QTRY_VERIFY(wasThere);
+        QTRY_VERIFY(Staff()->hasFocus());
+    }
+
+    void ScreenReadersFindIt()
+    {
+        Open(TuneFile("three.gui"));
+        QStringList names;
+        QAccessibleInterface* strip = QAccessible::queryAccessibleInterface(FormNamed("strip"));
+        for (int i = 0; i < strip->childCount(); ++i)
+            if (!strip->child(i)->state().invisible)
+                names += strip->child(i)->text(QAccessible::Name);
+        QCOMPARE(names,
+                 QStringList({"three.gui · page 1 of 1", "Undo Open three.gui", "Redo", "More"}));
+        QAccessibleInterface* row = strip->parent();
+        QCOMPARE(row->child(0)->role(), QAccessible::MenuBar);
+        QCOMPARE(row->parent(), QAccessible::queryAccessibleInterface(&Window()));
+    }
+
+    void ANarrowWindowLosesTheLineOfStateFirstThenTheIcons()
+    {
+        Open(TuneFile("a tune with quite a long name, as they sometimes have.gui"));
+        Window().setMinimumSize(1, 1);
+        const auto resize = [&](int width) {
+            Window().centralWidget()->setMinimumSize(1, 1);
+            Bar()->parentWidget()->resize(width, Bar()->parentWidget()->height());
+        };
+        const int menus = Bar()->sizeHint().width();
+        const int more = MoreButton()->sizeHint().width();
+        resize(menus + 800);
+        QCOMPARE(State()->text(), State()->accessibleName());
+        QVERIFY(State()->toolTip().isEmpty());
+
+        resize(menus + 320);
+        QVERIFY(State()->text().contains("…"));
+        QVERIFY(State()->text().startsWith("a "));
+        QVERIFY(State()->text().endsWith("page 1 of 1"));
+        QCOMPARE(State()->toolTip(), State()->accessibleName());
+        QVERIFY(State()->fontMetrics().horizontalAdvance(State()->text()) <= State()->width());
+
+        resize(menus + more + 70);
+        QCOMPARE(State()->text(), QString());
+        QVERIFY(ButtonOf(Undo())->isVisible());
+        QVERIFY(!More()->actions().contains(Undo()));
+
+        resize(menus + more);
+        QVERIFY(!ButtonOf(Undo())->isVisible());
+        QCOMPARE(More()->actions()[0], Undo());
+        QCOMPARE(More()->actions()[1], Redo());
+        QTest::keyClicks(Staff(), "7");
+        QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);  // the keys still work
+        QCOMPARE(Core().tune.LastMeas, Int16(3));
+        QVERIFY(!Redo()->text().isEmpty() && Redo()->isEnabled());
+
+        for (const QAction* action : Bar()->actions())
+            QVERIFY(Bar()->rect().contains(Bar()->actionGeometry(const_cast<QAction*>(action))));
+        QVERIFY(MoreButton()->isVisible());
+        QVERIFY(MoreButton()->width() >= more);
+
+        resize(menus + 800);
+        QVERIFY(ButtonOf(Undo())->isVisible());
+        QVERIFY(!More()->actions().contains(Undo()));
+    }
+
+    void TheRowIsAsHighAsTheMenuBarWas()
+    {
+        QCOMPARE(Bar()->parentWidget()->height(), Bar()->sizeHint().height());
+    }
+};
+
+int main(int argc, char** argv)
+{
+    ScratchUser user;
+    QApplication application(argc, argv);
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    StripTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "strip_test.moc"
