@@ -1,5 +1,7 @@
 #include "app/export_command.h"
 
+#include "exchange/forms.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -15,18 +17,20 @@ const char* const kExportHelp =
     "       quillon-export [options] --check TUNE...\n"
     "       quillon-export [options] --order TUNE...\n"
     "\n"
-    "Converts tunes to pages, MIDI files or sound. OUT is a file, - for standard output,\n"
-    "or, for several tunes, a folder.\n"
+    "Converts tunes to pages, MIDI files or sound, and other programs' tunes to Quillon's.\n"
+    "OUT is a file, - for standard output, or, for several tunes, a folder.\n"
     "\n"
     "  --check           lists the problems of each tune, one per line\n"
     "  --order           prints the order in which the measures are played\n"
     "  --format F        pdf, svg, png, mid, wav, tune, measure-log, page-log or\n"
     "                    print-log; without it, OUT's extension decides\n"
+    "  --from F          abc: the form of TUNE, if its extension does not tell\n"
     "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"
     "  --tempo T         quarter notes per minute, 30 to 300\n"
     "  --tuning INDEX    row of the tuning list, counted from 0\n"
     "  --tuning-file F   a tuning list other than the default one\n"
     "  --capo C          fret of the capo, 0 to 12\n"
+    "  --position L-H    frets between which notes without a fret are played\n"
     "  --instrument P    General MIDI program, counted from 0\n"
     "  --body-font NAME, --body-size S, --title-font NAME, --title-size S\n"
     "  --left I, --right I, --top I, --stave-space I   in inches\n"
@@ -70,6 +74,27 @@ float Single(const std::string& option, const std::string& text)
     return static_cast<float>(Real(option, text));
 }
 
+/// Two frets such as 0-5 or 7-12.
+void ReadPosition(ExportCommand& command, const std::string& option, const std::string& text)
+{
+    const std::size_t dash = text.find('-');
+    if (dash == std::string::npos)
+        Bad(option + " needs two frets such as 0-5, not '" + text + "'");
+    command.LowestFret = Whole(option, text.substr(0, dash));
+    command.HighestFret = Whole(option, text.substr(dash + 1));
+    if (command.LowestFret < 0 || command.HighestFret > 24 ||
+        command.HighestFret < command.LowestFret + 3)
+        Bad(option + " must span at least four frets from 0 to 24");
+}
+
+void ReadFrom(ExportCommand& command, const std::string& option, const std::string& text)
+{
+    const ExchangeForm* form = FindForm(text);
+    if (!form || !form->Read)
+        Bad(option + " cannot be " + text);
+    command.From = text;
+}
+
 using Setter = std::function<void(ExportCommand&, const std::string& option, const std::string&)>;
 
 // clang-format off
@@ -77,6 +102,8 @@ const std::map<std::string, Setter> kOptions = {
     {"-o", [](auto& c, auto&, auto& text) { c.Output = text; }},
     {"--output", [](auto& c, auto&, auto& text) { c.Output = text; }},
     {"--format", [](auto& c, auto&, auto& text) { c.Format = text; }},
+    {"--from", ReadFrom},
+    {"--position", ReadPosition},
     {"--strings",
      [](auto& c, auto& name, auto& text) {
          c.Options.Strings = Whole(name, text);
@@ -126,7 +153,15 @@ std::string FormatOf(const std::string& output)
     if (std::find(std::begin(kFormats), std::begin(kFormats) + 5, extension) !=
         std::begin(kFormats) + 5)
         return extension;
-    return {};
+    const ExchangeForm* form = FindForm(extension);
+    return form && form->Write ? std::string(form->Name) : "";
+}
+
+bool IsFormat(const std::string& format)
+{
+    const ExchangeForm* form = FindForm(format);
+    return (form && form->Write) ||
+           std::find(std::begin(kFormats), std::end(kFormats), format) != std::end(kFormats);
 }
 
 bool IsFolder(const std::string& path)
@@ -192,7 +227,7 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
         Bad("several tunes go into a folder, not to standard output");
     if (command.Tunes.size() > 1 && !byExtension.empty() && !IsFolder(command.Output))
         Bad("several tunes go into a folder, but '" + command.Output + "' looks like a file");
-    if (std::find(std::begin(kFormats), std::end(kFormats), command.Format) == std::end(kFormats))
+    if (!IsFormat(command.Format))
         Bad("unknown format " + command.Format);
     return command;
 }

@@ -2,6 +2,7 @@
 
 #include "app/export_command.h"
 #include "app/export_output.h"
+#include "app/tune_sources.h"
 #include "platform/renderer.h"
 #include "store/item_file.h"
 #include "store/staged_file.h"
@@ -42,15 +43,25 @@ bool ShowsRealFonts(const std::string& format)
     return format == "pdf" || format == "svg" || format == "png";
 }
 
+ExportedTune Load(const ExportCommand& command, const TuneSource& source,
+                  const TextMetrics& metrics, FontCheck hasFont = nullptr)
+{
+    if (!source.Failure.empty())
+        throw ExportError(source.Failure);
+    if (source.IsForeign())
+        return {source.Bytes, source.Strings, command.Options, metrics, std::move(hasFont)};
+    return {source.Path, command.Options, metrics, std::move(hasFont)};
+}
+
 /// A tune in the given format: the bytes of one file, or of one file per page.
-std::vector<std::string> MakeFiles(const ExportCommand& command, const std::string& path)
+std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSource& source)
 {
     const std::string& format = command.Format;
     const FixedTextMetrics fixed;
     const bool realFonts = ShowsRealFonts(format);
-    ExportedTune tune(
-        path, command.Options, realFonts ? TheRenderer().Metrics() : fixed,
-        [&](const std::string& font) { return !realFonts || TheRenderer().HasFont(font); });
+    ExportedTune tune =
+        Load(command, source, realFonts ? TheRenderer().Metrics() : fixed,
+             [&](const std::string& font) { return !realFonts || TheRenderer().HasFont(font); });
     if (format == "tune")
         return {tune.TuneFile()};
     if (format == "measure-log")
@@ -116,19 +127,22 @@ void WriteWav(const std::string& midiBytes, const std::string& output)
     });
 }
 
-void Export(const ExportCommand& command, const std::string& path, const std::string& output,
+void Export(const ExportCommand& command, const TuneSource& source, const std::string& output,
             FilesInUse& inUse)
 {
-    const std::vector<std::string> files = MakeFiles(command, path);
+    const std::string& path = source.Path;
+    const std::vector<std::string> files = MakeFiles(command, source);
     const std::vector<std::string> names = OutputNames(output, files.size());
     for (const std::string& name : names)
-        inUse.Refuse(name, path, command.Format == "tune");
+        inUse.Refuse(name, path, command.Format == "tune" && !source.IsForeign());
     if (command.Format == "wav")
         WriteWav(files.front(), output);
     else
         WriteFiles(names, files);
     for (const std::string& name : names)
         inUse.Add(name, path);
+    for (const std::string& notice : source.Notices)
+        std::cerr << "quillon-export: " << path << ": " << notice << '\n';
 }
 
 /// Processes one tune. A failure is reported on standard error.
@@ -148,41 +162,49 @@ template <typename Work> bool Try(const std::string& path, Work work)
     return false;
 }
 
-std::string ExtensionOf(const ExportCommand& command, const fs::path& tune)
+std::string ExtensionOf(const ExportCommand& command, const TuneSource& source)
 {
     if (command.Format == "tune")
-        return tune.extension().string();
+        return source.IsForeign() ? std::string(".") + FindMode(source.Strings)->Extension
+                                  : fs::path(source.Path).extension().string();
     return command.Format.ends_with("-log") ? ".log" : "." + command.Format;
 }
 
+/// The tunes in all files. False if a file cannot be read, which does not stop the rest.
+bool FindSources(const ExportCommand& command, std::vector<TuneSource>& sources)
+{
+    bool allDone = true;
+    for (const std::string& path : command.Tunes)
+        allDone = Try(path,
+                      [&] {
+                          for (TuneSource& source : SourcesOf(command, path))
+                              sources.push_back(std::move(source));
+                      }) &&
+                  allDone;
+    return allDone;
+}
+
 /// Each tune into the folder Output, under its own name; a tune that fails does not stop the rest.
-bool ExportAll(const ExportCommand& command)
+bool ExportAll(const ExportCommand& command, const std::vector<TuneSource>& sources)
 {
     const bool progress = isatty(STDERR_FILENO) != 0;
     std::error_code ignored;
     fs::create_directories(command.Output, ignored);
     FilesInUse inUse(command.Tunes);
     bool allDone = true;
-    for (std::size_t i = 0; i < command.Tunes.size(); ++i) {
-        const fs::path tune = command.Tunes[i];
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const TuneSource& source = sources[i];
         if (progress)
-            std::cerr << "\r\x1b[K" << i + 1 << "/" << command.Tunes.size() << " " << tune.string()
+            std::cerr << "\r\x1b[K" << i + 1 << "/" << sources.size() << " " << source.Path
                       << std::flush;
-        const fs::path name = tune.stem().string() + ExtensionOf(command, tune);
+        const fs::path name = source.Name + ExtensionOf(command, source);
         const std::string output = (fs::path(command.Output) / name).string();
-        allDone =
-            Try(tune.string(), [&] { Export(command, tune.string(), output, inUse); }) && allDone;
+        allDone = Try(source.Path, [&] { Export(command, source, output, inUse); }) && allDone;
     }
     SyncFolder(command.Output);  // once for all tunes: a sync takes longer than a tune
     if (progress)
         std::cerr << "\r\x1b[K" << std::flush;
     return allDone;
-}
-
-ExportedTune Load(const ExportCommand& command, const std::string& path)
-{
-    static const FixedTextMetrics metrics;
-    return ExportedTune(path, command.Options, metrics);
 }
 
 /// What the bytes of a tune's file show; nothing if it cannot be read.
@@ -198,19 +220,21 @@ std::vector<Finding> CheckFile(const std::string& path)
 }
 
 /// Prints the problems of each tune. False if there are any.
-bool CheckAll(const ExportCommand& command)
+bool CheckAll(const ExportCommand& command, const std::vector<TuneSource>& sources)
 {
+    static const FixedTextMetrics metrics;
     bool clean = true;
-    for (const std::string& path : command.Tunes) {
+    for (const TuneSource& source : sources) {
         const auto print = [&](const std::vector<Finding>& findings) {
             for (const Finding& finding : findings)
-                Say(path + ": " + finding.Text() + "\n");
+                Say(source.Path + ": " + finding.Text() + "\n");
             clean = clean && findings.empty();
         };
         // The texts come first: they are what most often makes a tune unreadable.
-        const bool read = Try(path, [&] {
-            print(CheckFile(path));
-            print(Load(command, path).Check());
+        const bool read = Try(source.Path, [&] {
+            if (!source.IsForeign())
+                print(CheckFile(source.Path));
+            print(Load(command, source, metrics).Check());
         });
         clean = clean && read;
     }
@@ -218,20 +242,21 @@ bool CheckAll(const ExportCommand& command)
 }
 
 /// Prints the order in which the measures of each tune are played, one line per tune.
-bool OrderAll(const ExportCommand& command)
+bool OrderAll(const ExportCommand& command, const std::vector<TuneSource>& sources)
 {
+    static const FixedTextMetrics metrics;
     bool allDone = true;
-    for (const std::string& path : command.Tunes)
-        allDone = Try(path, [&] { Say(Load(command, path).Order() + "\n"); }) && allDone;
+    for (const TuneSource& source : sources)
+        allDone = Try(source.Path, [&] { Say(Load(command, source, metrics).Order() + "\n"); }) &&
+                  allDone;
     return allDone;
 }
 
-bool ExportOne(const ExportCommand& command)
+bool ExportOne(const ExportCommand& command, const TuneSource& source)
 {
-    const std::string& path = command.Tunes.front();
     FilesInUse inUse(command.Tunes);
-    return Try(path, [&] {
-        Export(command, path, command.Output, inUse);
+    return Try(source.Path, [&] {
+        Export(command, source, command.Output, inUse);
         SyncFolder(fs::path(command.Output).parent_path());
     });
 }
@@ -245,11 +270,18 @@ bool WantsFolder(const ExportCommand& command)
 
 bool Run(const ExportCommand& command)
 {
+    std::vector<TuneSource> sources;
+    const bool allRead = FindSources(command, sources);
     if (command.Check)
-        return CheckAll(command);
+        return CheckAll(command, sources) && allRead;
     if (command.Order)
-        return OrderAll(command);
-    return WantsFolder(command) ? ExportAll(command) : ExportOne(command);
+        return OrderAll(command, sources) && allRead;
+    if (WantsFolder(command))
+        return ExportAll(command, sources) && allRead;
+    if (sources.size() > 1)
+        throw ExportError(command.Tunes.front() + ": it holds " + std::to_string(sources.size()) +
+                          " tunes; name a folder for them with -o FOLDER/");
+    return allRead && ExportOne(command, sources.front());
 }
 
 }  // namespace

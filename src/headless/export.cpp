@@ -55,16 +55,18 @@ std::vector<TuningRecord> RowsOf(const std::string& path, int numStrings)
 
 }  // namespace
 
+std::vector<TuningRecord> TuningsOf(const ExportOptions& options, int numStrings)
+{
+    return options.TuningFile.empty() ? DefaultTunings(numStrings)
+                                      : RowsOf(options.TuningFile, numStrings);
+}
+
 ExportedTune::ExportedTune(const std::string& path, const ExportOptions& options,
                            const TextMetrics& textMetrics, FontCheck hasFont)
     : metrics(textMetrics), platform("", std::move(hasFont)), win(platform.get(), textMetrics)
 {
-    win.tune.NumStrings = options.Strings.value_or(StringsOf(path));
+    Prepare(options.Strings.value_or(StringsOf(path)));
     win.tune.FileName = path;
-    win.form.Saved = SavedState::Saved;
-    win.form.Focus = Control::StaffBox;  // so that loading shows the first measure just once
-    win.form.MeasHead = 1;
-    win.form.MeasCapacity = 48;
     bool loaded = false;
     try {
         loaded = win.LoadTune();
@@ -75,6 +77,27 @@ ExportedTune::ExportedTune(const std::string& path, const ExportOptions& options
     if (!loaded)
         throw ExportError(OneLine(platform.dialogs.Shown.back().Text));
     ApplyOptions(options);
+}
+
+ExportedTune::ExportedTune(const std::string& bytes, int strings, const ExportOptions& options,
+                           const TextMetrics& textMetrics, FontCheck hasFont)
+    : metrics(textMetrics), platform("", std::move(hasFont)), win(platform.get(), textMetrics)
+{
+    Prepare(strings);
+    win.ShowTune(bytes);
+    const int lastMeas = win.tune.LastMeas;
+    for (int measure = 1; measure <= lastMeas; ++measure)
+        win.editor.ShowMeasure(measure);
+    ApplyOptions(options);
+}
+
+void ExportedTune::Prepare(int strings)
+{
+    win.tune.NumStrings = strings;
+    win.form.Saved = SavedState::Saved;
+    win.form.Focus = Control::StaffBox;  // so that loading shows the first measure just once
+    win.form.MeasHead = 1;
+    win.form.MeasCapacity = 48;
 }
 
 void ExportedTune::ApplyOptions(const ExportOptions& options)
@@ -162,10 +185,7 @@ std::string ExportedTune::MidiFile(const ExportOptions& options)
     choices.Tuning = options.Tuning;
     choices.Instrument = options.Instrument;
     choices.Capo = options.Capo.value_or(0);
-    return MidiFileBytes(win.tune,
-                         options.TuningFile.empty() ? DefaultTunings(numStrings)
-                                                    : RowsOf(options.TuningFile, numStrings),
-                         choices);
+    return MidiFileBytes(win.tune, TuningsOf(options, numStrings), choices);
 }
 
 std::vector<Finding> ExportedTune::Check()

@@ -5,6 +5,7 @@
 #include "headless/scripted_platform.h"
 #include "shell/check.h"
 #include "shell/main_win.h"
+#include "store/tunings.h"
 
 #include <functional>
 #include <memory>
@@ -34,6 +35,9 @@ struct ExportOptions {
     std::optional<bool> CenterTitle;
 };
 
+/// The rows of the tuning list that the options choose.
+std::vector<TuningRecord> TuningsOf(const ExportOptions& options, int numStrings);
+
 /// A tune that cannot be exported; what() is one line that says what went wrong.
 class ExportError : public std::runtime_error {
 public:
@@ -45,6 +49,11 @@ class ExportedTune {
 public:
     /// An unreadable file or one that is no tune: an ExportError, in the box's own words.
     ExportedTune(const std::string& path, const ExportOptions& options,
+                 const TextMetrics& textMetrics, FontCheck hasFont = nullptr);
+
+    /// The same for the bytes of a tune file that another program's file was turned into. All its
+    /// measures are shown once, so that its beams are known. `strings` says the instrument.
+    ExportedTune(const std::string& bytes, int strings, const ExportOptions& options,
                  const TextMetrics& textMetrics, FontCheck hasFont = nullptr);
 
     MainWin& Window() { return win; }
@@ -74,6 +83,7 @@ public:
     std::string Order();
 
 private:
+    void Prepare(int strings);
     void ApplyOptions(const ExportOptions& options);
 
     const TextMetrics& metrics;

@@ -1,0 +1,35 @@
+#include "exchange/forms.h"
+
+#include "exchange/abc_reader.h"
+
+#include <algorithm>
+
+namespace quillon {
+
+const std::vector<ExchangeForm>& ExchangeForms()
+{
+    static const std::vector<ExchangeForm> forms = {
+        {"abc", "", "ABC", ReadAbc, nullptr},
+    };
+    return forms;
+}
+
+const ExchangeForm* FindForm(std::string_view nameOrExtension)
+{
+    if (nameOrExtension.empty())
+        return nullptr;
+    const auto& forms = ExchangeForms();
+    const auto found = std::ranges::find_if(forms, [&](const ExchangeForm& form) {
+        return form.Name == nameOrExtension || form.OtherExtension == nameOrExtension;
+    });
+    return found == forms.end() ? nullptr : &*found;
+}
+
+std::vector<FoundTune> ReadForm(const ExchangeForm& form, std::string_view bytes)
+{
+    if (bytes.size() > kLargestForeignFile)
+        throw ExchangeError("It is larger than 8 MB; divide it into smaller files.");
+    return form.Read(bytes);
+}
+
+}  // namespace quillon
