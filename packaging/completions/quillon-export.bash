@@ -9,18 +9,20 @@ _quillon_export()
     case $prev in
     -o | --output | --tuning-file) _filedir ;;
     --format) COMPREPLY=($(compgen -W "$formats" -- "$cur")) ;;
+    --from) COMPREPLY=($(compgen -W 'abc' -- "$cur")) ;;
     --strings) COMPREPLY=($(compgen -W '4 5 6' -- "$cur")) ;;
     --center-title) COMPREPLY=($(compgen -W 'yes no' -- "$cur")) ;;
     --look) COMPREPLY=($(compgen -W 'engraved plain' -- "$cur")) ;;
-    --tempo | --tuning | --capo | --instrument | --*-font | --*-size | --left | --right | --top | \
-        --stave-space | --help | -h) ;;
+    --tempo | --tuning | --capo | --position | --instrument | --*-font | --*-size | --left | \
+        --right | --top | --stave-space | --help | -h) ;;
     *)
         if [[ $cur == -* ]]; then
-            COMPREPLY=($(compgen -W '-o --output --check --order --format --strings --tempo --tuning
-                --tuning-file --capo --instrument --body-font --body-size --title-font --title-size
-                --left --right --top --stave-space --center-title --look --help' -- "$cur"))
+            COMPREPLY=($(compgen -W '-o --output --check --order --format --from --strings --tempo
+                --tuning --tuning-file --capo --position --instrument --body-font --body-size
+                --title-font --title-size --left --right --top --stave-space --center-title --look
+                --help' -- "$cur"))
         else
-            _filedir '@(gui|bjo|bss)'
+            _filedir '@(gui|bjo|bss|abc)'
         fi
         ;;
     esac

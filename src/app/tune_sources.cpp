@@ -100,11 +100,12 @@ std::vector<TuneSource> SourcesOf(const ExportCommand& command, const std::strin
     }
     std::vector<TuneSource> sources;
     for (FoundTune& found : tunes) {
+        const std::string title = FileNameOf(found.Tune.Title);
         TuneSource& source = sources.emplace_back();
         source.Path = path;
         source.Name = tunes.size() == 1
                           ? stem
-                          : TwoDigits(sources.size()) + "_" + FileNameOf(found.Tune.Title);
+                          : TwoDigits(sources.size()) + (title.empty() ? "" : "_" + title);
         source.Strings = StringsFor(command, found.Tune);
         source.Failure = found.Failure;
         if (source.Failure.empty())

@@ -556,9 +556,10 @@ void AbcBody::TakePart(std::string_view name)
     if (name.empty())
         return;
     parts.push_back({name.front(), OpenIndex()});
-    if (!openRepeat && repeated) {
+    // What is to be put in order repeats by itself.
+    if (!partOrder.empty() || (!openRepeat && repeated)) {
         sectionStart = OpenIndex();
-        laterEnding = false;
+        openRepeat = laterEnding = false;
     }
 }
 

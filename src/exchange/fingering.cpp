@@ -15,8 +15,9 @@ namespace quillon {
 namespace {
 
 constexpr int kHighestPosition = 20;
-constexpr int kFingers = 4;        // frets under the hand, from its position on
-constexpr int kWidestReach = 4;    // frets from the lowest fretted note of a chord to its highest
+constexpr int kFretsOfHand = 4;       // under its fingers, from its position on
+constexpr int kFretsOnShortNeck = 6;  // of a mandolin, ukulele or tenor banjo
+constexpr int kLowestOfShortNeck = 48;
 constexpr int kHighestNotes = 12;  // a tune that goes above this fret is moved down if it can be
 constexpr int kShortStringFret = 5;
 constexpr int kMostPlaces = 200;  // of one chord
@@ -90,6 +91,14 @@ public:
 
     int Highest() const { return std::ranges::max(choices.OpenPitches); }
 
+    /// How many frets the hand covers; a chord may reach one further.
+    int FretsOfHand() const
+    {
+        const bool isShort =
+            Strings() == 4 && std::ranges::min(choices.OpenPitches) >= kLowestOfShortNeck;
+        return isShort ? kFretsOnShortNeck : kFretsOfHand;
+    }
+
 private:
     const FingeringChoices& choices;
 };
@@ -112,7 +121,7 @@ int NoteCost(const Neck& neck, int string, int fret, int position, bool onBeat)
         return fret > 0 ? costs.ShortFretted : onBeat ? 0 : costs.ShortOffBeat;
     if (fret == 0)
         return position <= 3 ? costs.OpenLow : position >= 5 ? costs.OpenHigh : 0;
-    const bool stretched = fret < position || fret >= position + kFingers;
+    const bool stretched = fret < position || fret >= position + neck.FretsOfHand();
     return NeckCost(fret) + (stretched ? costs.Stretch : 0);
 }
 
@@ -131,7 +140,7 @@ Cost OwnCost(const Neck& neck, const Place& place, bool onBeat)
             highest = std::max(highest, fret);
         }
     }
-    if (highest - lowest >= kFingers)
+    if (highest - lowest >= neck.FretsOfHand())
         points += kFingeringCosts.WideChord;
     const int between = place.Bottom - place.Top + 1 - static_cast<int>(place.Count);
     return (points + kFingeringCosts.StringBetween * between) * kPoint + fine;
@@ -201,7 +210,7 @@ private:
     bool InReach() const
     {
         const auto [lowest, highest] = Fretted();
-        return highest - lowest <= kWidestReach ||
+        return highest - lowest <= neck.FretsOfHand() ||
                std::ranges::all_of(event.Notes, [](const auto& note) { return note.String > 0; });
     }
 
@@ -213,7 +222,7 @@ private:
         place.Top = std::ranges::min(strings);
         place.Bottom = std::ranges::max(strings);
         place.Open = std::ranges::count(std::span(place.Frets).first(place.Count), 0) > 0;
-        const int from = open ? 1 : std::clamp(highest - kFingers, 1, kHighestPosition);
+        const int from = open ? 1 : std::clamp(highest - neck.FretsOfHand(), 1, kHighestPosition);
         const int to = open ? kHighestPosition : std::clamp(lowest + 1, from, kHighestPosition);
         for (place.Position = from; place.Position <= to; ++place.Position) {
             place.Own = OwnCost(neck, place, onBeat);
@@ -316,10 +325,12 @@ template <typename Visit> void ForEachNote(Music& music, Visit visit)
                 visit(note);
 }
 
-/// The outer notes of a chord are heard best: what goes is the one next to the first.
+/// The outer notes of a chord are heard best, the highest most of all.
 void LeaveOutOne(MusicEvent& event, Notices& notices)
 {
-    event.Notes.erase(event.Notes.begin() + (event.Notes.size() > 1 ? 1 : 0));
+    std::ranges::sort(event.Notes, std::ranges::greater(), &MusicNote::Pitch);
+    const std::size_t count = event.Notes.size();
+    event.Notes.erase(event.Notes.begin() + (count > 1 ? 1 : 0));
     notices.Count("A note of a chord that no hand can reach is left out.",
                   "notes of chords that no hand can reach are left out.");
 }

@@ -32,10 +32,10 @@ struct FingeringCosts {
     int SameString = 1;     // two short notes on one string, different frets: a finger must hurry
     int OtherString = 6;    // the same pitch again, but elsewhere
 
-    // The hand: its four fingers cover four frets
-    int Stretch = 4;        // a fret below or above the four
-    int WideChord = 6;      // fretted notes more than three frets apart; five is out of reach
-    int StringBetween = 2;  // each silent string inside a chord
+    // The hand: its four fingers cover four frets, or six on a short neck such as a mandolin's
+    int Stretch = 4;    // a fret below or above these
+    int WideChord = 6;  // a chord that reaches one fret further than these; more is out of reach
+    int StringBetween = 1;  // each silent string inside a chord
 
     // The neck
     int OpenLow = -1;        // an open string, the hand in positions 1 to 3: it rings

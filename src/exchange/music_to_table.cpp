@@ -167,6 +167,26 @@ bool ShareCells(const MusicEvent& one, const MusicEvent& two)
     });
 }
 
+/// Two short notes that were to share a cell, but stand on different strings: the first one lasts.
+void LeaveOutWhatSharesNoCell(Music& music, Notices& notices)
+{
+    for (MusicMeasure& measure : music.Measures)
+        for (std::size_t i = 0; i + 1 < measure.Events.size(); ++i) {
+            MusicEvent& one = measure.Events[i];
+            const MusicEvent& two = measure.Events[i + 1];
+            const bool whole =
+                one.Length % kTickUnits == 0 && one.Length >= kShortestTicks * kTickUnits;
+            if (whole || ShareCells(one, two)) {
+                i += whole ? 0 : 1;
+                continue;
+            }
+            one.Length += two.Length;
+            measure.Events.erase(measure.Events.begin() + i + 1);
+            notices.Count("A note too short for a tune is left out.",
+                          "notes too short for a tune are left out.");
+        }
+}
+
 std::string FretText(const MusicNote& note)
 {
     const std::string fret = std::to_string(note.Fret);
@@ -464,11 +484,22 @@ void RequireEvents(const Music& music)
         throw ExchangeError("There is no note in it; choose a file with music in it.");
 }
 
+void TellWhatIsNotKept(const Music& music, const ImportChoices& choices, Notices& notices)
+{
+    if (music.Tempo > 0)
+        notices.Say("A tune does not keep its tempo: " + std::to_string(Round(music.Tempo)) +
+                    " quarters a minute.");
+    if (choices.Capo > 0)
+        notices.Say("The frets count from a capo on fret " + std::to_string(choices.Capo) +
+                    ", which a tune does not keep.");
+}
+
 }  // namespace
 
 void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& notices)
 {
     RequireEvents(music);
+    TellWhatIsNotKept(music, choices, notices);
     const int numStrings = tune.NumStrings;
     music.TuningRow = TuningRowOf(music, choices, numStrings, notices);
     FreeMissingStrings(music, numStrings, notices);
@@ -477,6 +508,7 @@ void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& no
                     {PitchesOf(choices.Tunings[music.TuningRow], numStrings, choices.Capo),
                      choices.LowestFret, choices.HighestFret},
                     notices);
+    LeaveOutWhatSharesNoCell(music, notices);
     FillTable(music, tune, notices);
     tune.CurNote = tune.CurMeas = 1;
 }

@@ -95,8 +95,9 @@ struct Grid {
             return false;
         const MusicEvent& one = events[event];
         const MusicEvent& two = events[event + 1];
-        return one.Notes.size() == 1 && two.Notes.size() == 1 && !one.Notes[0].Tied &&
-               !two.Notes[0].Tied && one.Length < kShortestTicks * kTickUnits &&
+        return one.Notes.size() == 1 && two.Notes.size() == 1 && two.Chord.empty() &&
+               !one.Notes[0].Tied && !two.Notes[0].Tied &&
+               one.Length < kShortestTicks * kTickUnits &&
                two.Length < kShortestTicks * kTickUnits &&
                (event == 0 || events[event - 1].Notes.empty() || !events[event - 1].Notes[0].Tied);
     }
@@ -189,7 +190,7 @@ std::vector<int> CodesOfTicks(int ticks, int at, bool rest)
         codes.push_back(rest ? kWholeRest : kWhole);
         ticks -= kLongestTicks;
     }
-    while (ticks > 0) {
+    while (ticks >= kShortestTicks) {
         codes.push_back(FirstCode(ticks, rest));
         ticks -= TicksOf(codes.back());
     }

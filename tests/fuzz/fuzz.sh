@@ -22,6 +22,11 @@ run() {  # name
     tune_fuzzer)
         cp -n examples/*.gui examples/*.bjo examples/*.bss "$folder/$1"
         ;;
+    exchange_fuzzer)  # a first byte says the form
+        for file in tests/exchange/tunes/*.abc; do
+            { printf '\2' && cat "$file"; } > "$folder/$1/$(basename "$file")"
+        done
+        ;;
     scenario_fuzzer)
         cp -n tests/scenarios/*.scn "$folder/$1"
         dictionary=-dict=tests/fuzz/scenario.dict

@@ -52,6 +52,18 @@ TEST(ExportCommandTest, AnOutputThatTellsNoFormNeedsFormat)
     EXPECT_EQ(Refusal({"t.gui", "-o", "-", "--format", "gui"}), "unknown format gui");
 }
 
+TEST(ExportCommandTest, FromAndPositionAreForOtherProgramsTunes)
+{
+    const ExportCommand command =
+        ParseExportCommand({"a.txt", "--from", "abc", "--position", "5-9", "-o", "a.gui"});
+    EXPECT_EQ(command.From, "abc");
+    EXPECT_EQ(command.LowestFret, 5);
+    EXPECT_EQ(command.HighestFret, 9);
+    EXPECT_EQ(Refusal({"a", "--from", "gui", "-o", "a.gui"}), "--from cannot be gui");
+    for (const char* position : {"5", "5-7", "-1-9", "9-5", "20-25"})
+        EXPECT_NE(Refusal({"a.abc", "--position", position, "-o", "a.gui"}), "none") << position;
+}
+
 TEST(ExportCommandTest, EveryOptionSetsItsOwnValue)
 {
     const ExportOptions o =
