@@ -432,6 +432,17 @@ private slots:
         QVERIFY(std::abs(width / kMegabyte / FontMetrics().Width("x", font) - 1) < 1e-6);
     }
 
+    void JoinedFiguresAreAsWideAsTheyAreCounted()
+    {
+        const FontMetrics metrics;
+        const double figures =
+            metrics.Width("2", {"Arial", 10}) + metrics.Width("3", {"Arial", 10});
+        for (const char* joint : {"-", "="}) {
+            const double twips = (figures + metrics.Width(joint, {"Tab", 10})) * kTwips;
+            QVERIFY2(std::abs(twips - 300) < 6, qPrintable(QString::number(twips)));
+        }
+    }
+
     void OfALongTextTheBeginningIsPainted()
     {
         const auto picture = [](const std::string& text) {
