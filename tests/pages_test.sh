@@ -61,6 +61,18 @@ fails_at_once() {  # words, tune
     [ $? = 1 ] && grep -qF "quillon-export: $2: $1" errors && [ ! -e never ] &&
         [ "$(timeout 5 "$export_program" --check "$2" 2> errors | wc -c)" = 0 ] && grep -qF "$1" errors
 }
+pixels() { identify -format '%w %h' "$1"; }
+is_smaller() {  # picture, picture
+    local a=($(pixels "$1")) b=($(pixels "$2"))
+    [ "${a[0]}" -lt "${b[0]}" ] && [ "${a[1]}" -lt "${b[1]}" ]
+}
+touches_its_edges() {  # picture: there is ink in the outermost rows and columns, but for a pixel
+    local all ink
+    all=($(pixels "$1"))
+    ink=($(convert "$1" -bordercolor white -border 1 -trim -format '%w %h' info:))
+    [ $((all[0] - ink[0])) -le 1 ] && [ $((all[1] - ink[1])) -le 1 ]
+}
+pdf_says() { pdfinfo "$2" | grep -qE "^$1$"; }
 draws_a_page_more() { [ "$(grep -c '<svg ' "$1")" = 1 ] && ! cmp -s "$1" "$2"; }
 
 tune=$scratch/three.gui
@@ -108,6 +120,42 @@ check "page 2 is another page" draws_a_page_more pages-2.svg pages.svg
 check "page 3 is another page" draws_a_page_more pages-3.svg pages-2.svg
 make a.b.svg
 check "the number comes before the last dot" test -s a.b-2.svg
+make one.png
+check "PNG: 300 pixels an inch" test "$(pixels one.png) $(identify -format '%[fx:round(100*resolution.x)] %U' one.png)" = "2550 3300 11811 PixelsPerCentimeter"
+for form in png svg pdf; do
+    "$export_program" three.gui --measures 2-4 -o part.$form
+    "$export_program" three.gui --crop -o crop.$form
+done
+check "some measures are one picture" test "$(echo part*.png)" = part.png
+for part in part crop; do
+    check "PNG: $part without what is white around it" touches_its_edges $part.png
+    pdftoppm -r 300 -singlefile -png $part.pdf $part-pdf
+    check "PDF: $part is a part of a page" is_smaller $part-pdf.png one.png
+    rsvg-convert -d 300 -p 300 $part.svg -o $part-svg.png
+    check "SVG: $part is a part of a page" is_smaller $part-svg.png one.png
+done
+check "measures that are not there" sh -c "! '$export_program' three.gui --measures 40-41 -o x.pdf 2> errors && grep -q 'There is no measure 40' errors"
+"$export_program" three.gui --paper a4 -o a4.pdf
+check "PDF: A4" pdf_says "Page size: +595 x 842 pts \(A4\)" a4.pdf
+LC_ALL=C "$export_program" three.gui -o letter.pdf
+check "PDF: Letter where the locale says nothing" pdf_says "Page size: +612 x 792 pts \(letter\)" letter.pdf
+{ head -n 3 three.gui && printf '"J\351r\364me, 1790"\r\n"for lute"\r\n' && tail -n +6 three.gui; } > credits.gui
+"$export_program" credits.gui -o credits.pdf
+check "PDF: the first credit is its author" pdf_says "Author: +Jérôme, 1790" credits.pdf
+check "PDF: the second credit is its subject" pdf_says "Subject: +for lute" credits.pdf
+check "PDF: sound with facts added" sh -c "qpdf --check credits.pdf > /dev/null"
+five_lines() {  # which fill a page to its end
+    local m
+    record 0 0 0 '' ''
+    for m in $(seq 5); do
+        record "$m" 999 0 '' NL
+        record "$m" 11 48 '' 7
+    done
+}
+five_lines > full.gui
+"$export_program" full.gui -o full.pdf
+"$export_program" full.gui --no-empty-page -o less.pdf
+check "PDF: an empty page at the end can be left out" test "$(($(pdfinfo full.pdf | sed -n 's/^Pages: *//p') - $(pdfinfo less.pdf | sed -n 's/^Pages: *//p')))" = 1
 make pages.pdf
 check "PDF: the pages in one file" test "$(pdfinfo pages.pdf | sed -n 's/^Pages: *//p') $(echo pages*.pdf)" = "4 pages.pdf"
 cd - > /dev/null || exit
@@ -127,7 +175,13 @@ for tune in examples/*.gui examples/*.bjo examples/*.bss; do
     check "$tune: SVG is lean" test "$(stat -c %s "$stem.svg")" -lt 100000
     check "$tune: SVG renders" sh -c "rsvg-convert '$stem.svg' -o '$stem-svg.png' 2>/dev/null"
     check "$tune: SVG is not blank" test "$(convert "$stem-svg.png" -threshold 50% -format '%[fx:mean<0.999]' info:)" = 1
-    make "$stem.png"
+    check "$tune: SVG has its texts as titles" sh -c "grep -qF \"<title>$title</title>\" '$stem.svg' && ! grep -q '<text' '$stem.svg'"
+    check "$tune: SVG refers to its signs as all viewers know it" sh -c "grep -q '<use xlink:href' '$stem.svg'"
+    "$export_program" "$tune" --text -o "$stem-text.svg"
+    check "$tune: SVG keeps texts on request" grep -qE "<text[^>]*>$title</text>" "$stem-text.svg"
+    check "$tune: PDF fonts are subsets" sh -c "pdffonts '$stem.pdf' | tail -n +3 | grep -qE '^[A-Z]{6}\+' && ! pdffonts '$stem.pdf' | grep -q ' yes no '"
+    check "$tune: no signs among the text" sh -c "! pdffonts '$stem.pdf' | grep -q 'Tab'"
+    "$export_program" "$tune" --dpi 96 -o "$stem.png"
     check "$tune: PNG has the screen's size" test "$(identify -format %wx%h "$stem.png")" = 816x1056
 done
 echo "$passed passed, $failed failed"

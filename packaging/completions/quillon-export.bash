@@ -13,14 +13,15 @@ _quillon_export()
     --strings) COMPREPLY=($(compgen -W '4 5 6' -- "$cur")) ;;
     --center-title) COMPREPLY=($(compgen -W 'yes no' -- "$cur")) ;;
     --look) COMPREPLY=($(compgen -W 'engraved plain' -- "$cur")) ;;
+    --paper) COMPREPLY=($(compgen -W 'letter a4' -- "$cur")) ;;
     --tempo | --tuning | --capo | --position | --instrument | --*-font | --*-size | --left | \
-        --right | --top | --stave-space | --help | -h) ;;
+        --right | --top | --stave-space | --measures | --dpi | --help | -h) ;;
     *)
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W '-o --output --check --order --format --from --strings --tempo
                 --tuning --tuning-file --capo --position --instrument --body-font --body-size
                 --title-font --title-size --left --right --top --stave-space --center-title --look
-                --help' -- "$cur"))
+                --measures --crop --paper --no-empty-page --dpi --text --help' -- "$cur"))
         else
             _filedir '@(gui|bjo|bss|abc)'
         fi

@@ -36,6 +36,12 @@ const char* const kExportHelp =
     "  --left I, --right I, --top I, --stave-space I   in inches\n"
     "  --center-title yes|no\n"
     "  --look L          how pages are painted: engraved, or plain as in the window\n"
+    "  --measures A-B    only these measures, without the heading and white space\n"
+    "  --crop            without the white space around the music\n"
+    "  --paper P         of a PDF, letter or a4; without it, the locale decides\n"
+    "  --no-empty-page   leaves out the empty page at the end of some PDFs\n"
+    "  --dpi N           pixels per inch of a PNG, 24 to 1200; without it 300\n"
+    "  --text            keeps an SVG's texts as texts, in the viewer's fonts\n"
     "  --help            this text\n";
 
 namespace {
@@ -95,6 +101,17 @@ void ReadFrom(ExportCommand& command, const std::string& option, const std::stri
     command.From = text;
 }
 
+MeasureRange Measures(const std::string& option, const std::string& text)
+{
+    const std::size_t dash = text.find('-', 1);
+    const MeasureRange range{
+        Whole(option, text.substr(0, dash)),
+        Whole(option, dash == std::string::npos ? text : text.substr(dash + 1))};
+    if (range.First < 1 || range.Last < range.First)
+        Bad(option + " needs two measures, the lower one first, not '" + text + "'");
+    return range;
+}
+
 using Setter = std::function<void(ExportCommand&, const std::string& option, const std::string&)>;
 
 // clang-format off
@@ -139,8 +156,50 @@ const std::map<std::string, Setter> kOptions = {
              Bad("--look must be engraved or plain");
          c.As = text == "plain" ? Look::Plain : Look::Engraved;
      }},
+    {"--paper",
+     [](auto& c, auto&, auto& text) {
+         if (text != "letter" && text != "a4")
+             Bad("--paper must be letter or a4");
+         c.Paper = text == "a4" ? kA4 : kLetter;
+     }},
+    {"--dpi",
+     [](auto& c, auto& name, auto& text) {
+         c.Dpi = Real(name, text);
+         if (c.Dpi < 24 || c.Dpi > 1200)
+             Bad("--dpi must be 24 to 1200");
+     }},
+    {"--measures", [](auto& c, auto& name, auto& text) { c.Measures = Measures(name, text); }},
 };
 // clang-format on
+
+const std::map<std::string, bool ExportCommand::*> kFlags = {
+    {"--help",          &ExportCommand::Help       },
+    {"-h",              &ExportCommand::Help       },
+    {"--check",         &ExportCommand::Check      },
+    {"--order",         &ExportCommand::Order      },
+    {"--crop",          &ExportCommand::Crop       },
+    {"--text",          &ExportCommand::KeepText   },
+    {"--no-empty-page", &ExportCommand::NoEmptyPage},
+};
+
+/// Options that are nothing to most formats: without a word, they would seem to have worked.
+const std::map<std::string, std::string> kOnlyFor = {
+    {"--paper",         "pdf"             },
+    {"--no-empty-page", "pdf"             },
+    {"--dpi",           "png"             },
+    {"--text",          "svg"             },
+    {"--crop",          "pdf, svg and png"},
+    {"--measures",      "pdf, svg and png"},
+};
+
+void RefuseForFormat(const std::vector<std::string>& given, const std::string& format)
+{
+    for (const std::string& option : given) {
+        const auto only = kOnlyFor.find(option);
+        if (only != kOnlyFor.end() && only->second.find(format) == std::string::npos)
+            Bad(option + " is only for " + only->second);
+    }
+}
 
 /// The format that a file's extension tells, "" if none.
 std::string FormatOf(const std::string& output)
@@ -176,6 +235,7 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
 {
     ExportCommand command;
     bool onlyFiles = false;
+    std::vector<std::string> given;  // options
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         std::string argument = arguments[i];
         if (onlyFiles || argument.size() < 2 || argument[0] != '-') {
@@ -186,12 +246,11 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
             onlyFiles = true;
             continue;
         }
-        if (argument == "--help" || argument == "-h") {
-            command.Help = true;
-            return command;
-        }
-        if (argument == "--check" || argument == "--order") {
-            (argument == "--check" ? command.Check : command.Order) = true;
+        if (const auto flag = kFlags.find(argument); flag != kFlags.end()) {
+            command.*flag->second = true;
+            given.push_back(argument);
+            if (command.Help)
+                return command;
             continue;
         }
         std::optional<std::string> value;
@@ -206,6 +265,7 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
         if (!value && i + 1 == arguments.size())
             Bad(argument + " needs a value");
         option->second(command, argument, value ? *value : arguments[++i]);
+        given.push_back(argument);
     }
     if (command.Tunes.empty())
         Bad("no tune given");
@@ -229,6 +289,7 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
         Bad("several tunes go into a folder, but '" + command.Output + "' looks like a file");
     if (!IsFormat(command.Format))
         Bad("unknown format " + command.Format);
+    RefuseForFormat(given, command.Format);
     return command;
 }
 

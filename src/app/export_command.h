@@ -5,10 +5,19 @@
 #include "headless/export.h"
 #include "notation/look.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace quillon {
+
+struct PaperSize {
+    double Width;  // twips
+    double Height;
+};
+
+inline constexpr PaperSize kLetter{kPageWidth, kPageHeight};
+inline constexpr PaperSize kA4{11906, 16838};
 
 struct ExportCommand {
     ExportOptions Options;
@@ -22,6 +31,12 @@ struct ExportCommand {
     bool Order = false;  // print the order in which they are played, likewise
     bool Help = false;
     Look As = Look::Engraved;
+    std::optional<PaperSize> Paper;  // of a PDF; else the locale's
+    double Dpi = 300;                // of a PNG
+    bool KeepText = false;           // in an SVG
+    bool NoEmptyPage = false;        // at the end of a PDF
+    bool Crop = false;
+    std::optional<MeasureRange> Measures;
 };
 
 /// Reads the arguments after the program's name. Bad usage: a std::invalid_argument whose what()

@@ -7,10 +7,14 @@
 #include "store/item_file.h"
 #include "store/staged_file.h"
 
+#include <clocale>
 #include <csignal>
+#include <cstdint>
 #include <dlfcn.h>
 #include <filesystem>
 #include <iostream>
+#include <langinfo.h>
+#include <locale.h>
 #include <memory>
 #include <unistd.h>
 
@@ -38,6 +42,21 @@ Renderer& TheRenderer()
     return *renderer;
 }
 
+/// What the locale prints on. One that says nothing of a place has the paper that tunes are laid
+/// out for.
+PaperSize LocalPaper()
+{
+    constexpr int kLetterMillimeters = 279;
+    const locale_t locale = newlocale(LC_PAPER_MASK, "", nullptr);
+    if (locale == nullptr)
+        return kLetter;
+    const std::string name = nl_langinfo_l(_NL_LOCALE_NAME(LC_PAPER), locale);
+    const auto height = reinterpret_cast<std::intptr_t>(nl_langinfo_l(_NL_PAPER_HEIGHT, locale));
+    freelocale(locale);
+    const bool nowhere = name == "C" || name == "POSIX" || name.starts_with("C.");
+    return nowhere || height == kLetterMillimeters ? kLetter : kA4;
+}
+
 bool ShowsRealFonts(const std::string& format)
 {
     return format == "pdf" || format == "svg" || format == "png";
@@ -51,6 +70,55 @@ ExportedTune Load(const ExportCommand& command, const TuneSource& source,
     if (source.IsForeign())
         return {source.Bytes, source.Strings, command.Options, metrics, std::move(hasFont)};
     return {source.Path, command.Options, metrics, std::move(hasFont)};
+}
+
+PaperSize PaperOf(const ExportCommand& command)
+{
+    if (command.Format != "pdf")
+        return kLetter;  // as in the window
+    return command.Paper ? *command.Paper : LocalPaper();
+}
+
+/// The pages as they are drawn.
+std::vector<Drawing> DrawPages(const ExportCommand& command, ExportedTune& tune,
+                               const PaperSize& paper)
+{
+    if (command.Measures)
+        tune.Keep(*command.Measures);
+    std::vector<Drawing> pages;
+    if (command.Format == "pdf") {
+        pages = tune.Print(paper.Width, paper.Height);
+    } else {
+        const int count = tune.LayOut();
+        for (int i = 0; i < count; ++i)
+            pages.push_back(tune.Window().pages.Page(i).Surface.Picture());
+    }
+    if (command.NoEmptyPage || command.Crop || command.Measures)
+        while (pages.size() > 1 && pages.back().Operations().empty())
+            pages.pop_back();
+    return pages;
+}
+
+std::vector<std::string> MakePages(const ExportCommand& command, ExportedTune& tune)
+{
+    const PaperSize paper = PaperOf(command);
+    const PageChoices choices{.As = command.As,
+                              .Width = paper.Width,
+                              .Height = paper.Height,
+                              .Crop = command.Crop || command.Measures,
+                              .Dpi = command.Dpi,
+                              .KeepText = command.KeepText,
+                              .Title = tune.Title(),
+                              .Author = tune.Credit(1),
+                              .Subject = tune.Credit(2)};
+    const std::vector<Drawing> pages = DrawPages(command, tune, paper);
+    if (command.Format == "pdf")
+        return {TheRenderer().Pdf(pages, choices)};
+    std::vector<std::string> files;
+    for (const Drawing& page : pages)
+        files.push_back(command.Format == "svg" ? TheRenderer().Svg(page, choices)
+                                                : TheRenderer().Png(page, choices));
+    return files;
 }
 
 /// A tune in the given format: the bytes of one file, or of one file per page.
@@ -72,17 +140,7 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSourc
         return {tune.PrintLog()};
     if (format == "mid" || format == "wav")
         return {tune.MidiFile(command.Options)};
-    const PageChoices choices{command.As, tune.Title()};
-    if (format == "pdf")
-        return {TheRenderer().Pdf(tune.Print(), choices)};
-    std::vector<std::string> pages;
-    const int count = tune.LayOut();
-    for (int i = 0; i < count; ++i) {
-        const Drawing& page = tune.Window().pages.Page(i).Surface.Picture();
-        pages.push_back(format == "svg" ? TheRenderer().Svg(page, choices)
-                                        : TheRenderer().Png(page, choices));
-    }
-    return pages;
+    return MakePages(command, tune);
 }
 
 void ShowProgress(double part)

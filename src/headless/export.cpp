@@ -3,6 +3,7 @@
 #include "midi/performance.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
+#include "store/sign_codes.h"
 #include "store/tune_file.h"
 
 #include <cstdio>
@@ -145,6 +146,27 @@ std::string ExportedTune::MeasureLog()
     return log;
 }
 
+void ExportedTune::Keep(const MeasureRange& measures)
+{
+    Tune& tune = win.tune;
+    for (const int measure : {measures.First, measures.Last})
+        if (measure < 1 || measure > tune.LastMeas)
+            throw ExportError("There is no measure " + std::to_string(measure) + ".");
+    int kept = 0;
+    for (int i = 1; i <= tune.LastNote; ++i)
+        if (tune[i].Measure >= measures.First && tune[i].Measure <= measures.Last)
+            tune[++kept] = tune[i];
+    for (int i = kept + 1; i <= tune.LastNote; ++i)
+        tune[i].Clear();
+    for (int i = 1; i <= kept; ++i)
+        if (tune[i].Slot(6) == kLineBreak)
+            tune[i].Slot(6).clear();  // of the whole page
+    tune.LastNote = kept;
+    tune[0].ChordText = " ";
+    tune[0].Slot(1).clear();
+    tune[0].Slot(2).clear();
+}
+
 int ExportedTune::LayOut()
 {
     RefuseTooWide(LayOutPages(win.tune, win.page, win.pages));
@@ -160,9 +182,9 @@ std::string ExportedTune::PageLog()
     return log;
 }
 
-std::vector<Drawing> ExportedTune::Print()
+std::vector<Drawing> ExportedTune::Print(double paperWidth, double paperHeight)
 {
-    PrintedTune printed = RunPrintPass(win.tune, win.page, metrics, kPageWidth, kPageHeight);
+    PrintedTune printed = RunPrintPass(win.tune, win.page, metrics, paperWidth, paperHeight);
     RefuseTooWide(printed.TooWideMeasure);
     return std::move(printed.Pages);
 }

@@ -38,6 +38,11 @@ struct ExportOptions {
 /// The rows of the tuning list that the options choose.
 std::vector<TuningRecord> TuningsOf(const ExportOptions& options, int numStrings);
 
+struct MeasureRange {
+    int First;
+    int Last;
+};
+
 /// A tune that cannot be exported; what() is one line that says what went wrong.
 class ExportError : public std::runtime_error {
 public:
@@ -59,8 +64,13 @@ public:
     MainWin& Window() { return win; }
 
     std::string Title() const { return win.tune[0].ChordText; }
+    std::string Credit(int line) const { return win.tune[0].Slot(line); }  // 1 or 2
     std::string TuneFile() const;
     std::string MeasureLog();
+
+    /// Leaves nothing but these measures, without heading and line breaks. Ones that the tune does
+    /// not have: an ExportError.
+    void Keep(const MeasureRange& measures);
 
     /// Lays the tune out on the page surfaces and returns how many of them hold the tune.
     /// A measure that is too wide for a line: an ExportError.
@@ -68,7 +78,7 @@ public:
     std::string PageLog();
 
     /// The printed pages. A measure that is too wide for a line: an ExportError.
-    std::vector<Drawing> Print();
+    std::vector<Drawing> Print(double paperWidth = kPageWidth, double paperHeight = kPageHeight);
     std::string PrintLog();
 
     /// The bytes of the tune's MIDI file. A tune that cannot be performed: a Fault, or another

@@ -52,14 +52,6 @@ constexpr double kNearStem = 0.2;       // gaps: a beam that ends nearer to a st
 constexpr double kOnStemEnd = 0.7;      // gaps: how far from its end a stem's beams may lie
 constexpr int kTiePieces = 16;
 
-/// A rectangle on the drawing.
-struct Box {
-    double Left;
-    double Top;
-    double Right;
-    double Bottom;
-};
-
 bool Overlap(const Box& a, const Box& b)
 {
     return a.Left < b.Right && b.Left < a.Right && a.Top < b.Bottom && b.Top < a.Bottom;
@@ -68,6 +60,53 @@ bool Overlap(const Box& a, const Box& b)
 Box Grown(const Box& box, double by)
 {
     return {box.Left - by, box.Top - by, box.Right + by, box.Bottom + by};
+}
+
+Box InkOfText(const Operation& text, double unitsPerPoint, const TextMetrics& metrics)
+{
+    const InkBox ink = metrics.Ink(text.Text, text.TextFont);
+    return {text.X1 + ink.Left * unitsPerPoint, text.Y1 + ink.Top * unitsPerPoint,
+            text.X1 + ink.Right * unitsPerPoint, text.Y1 + ink.Bottom * unitsPerPoint};
+}
+
+/// On an arc, or so far outside it.
+Point PointOf(const Operation& arc, double angle, double outside = 0)
+{
+    return {arc.X1 + (arc.Radius + outside) * std::cos(angle),
+            arc.Y1 - (arc.Radius * arc.Aspect + outside) * std::sin(angle)};
+}
+
+Box BoxOfArc(const Operation& arc)
+{
+    const Point start = PointOf(arc, arc.Start);
+    Box box{start.X, start.Y, start.X, start.Y};
+    for (int i = 1; i <= kTiePieces; ++i) {
+        const Point point = PointOf(arc, arc.Start + (arc.End - arc.Start) * i / kTiePieces);
+        box = {std::min(box.Left, point.X), std::min(box.Top, point.Y),
+               std::max(box.Right, point.X), std::max(box.Bottom, point.Y)};
+    }
+    return box;
+}
+
+Box InkOfStroke(const Stroke& stroke, double unitsPerPoint, const TextMetrics& metrics)
+{
+    const Operation& op = stroke.Drawn;
+    const double half = stroke.Pen / 2;
+    switch (op.Kind) {
+    case Shape::Text:
+        return InkOfText(op, unitsPerPoint, metrics);
+    case Shape::Circle:
+        return Grown({op.X1, op.Y1, op.X1, op.Y1}, op.Radius + half);
+    case Shape::Arc:
+        return Grown(BoxOfArc(op), half);
+    default: {
+        const Box box{std::min(op.X1, op.X2), std::min(op.Y1, op.Y2), std::max(op.X1, op.X2),
+                      std::max(op.Y1, op.Y2)};
+        const double x = op.Kind == Shape::Line && op.Y1 == op.Y2 ? 0 : half;
+        const double y = op.Kind == Shape::Line && op.X1 == op.X2 ? 0 : half;
+        return {box.Left - x, box.Top - y, box.Right + x, box.Bottom + y};
+    }
+    }
 }
 
 /// Moves both ends of a line outwards. A line without length has no direction and stays.
@@ -210,12 +249,7 @@ public:
 private:
     double Gaps(double count) const { return count * gap; }
 
-    Box InkOf(const Operation& text) const
-    {
-        const InkBox ink = metrics.Ink(text.Text, text.TextFont);
-        return {text.X1 + ink.Left * units, text.Y1 + ink.Top * units, text.X1 + ink.Right * units,
-                text.Y1 + ink.Bottom * units};
-    }
+    Box InkOf(const Operation& text) const { return InkOfText(text, units, metrics); }
 
     void CollectFigure(const Operation& op)
     {
@@ -445,13 +479,6 @@ private:
         strokes.push_back(std::move(stroke));
     }
 
-    /// On an arc, or so far outside it.
-    static Point PointOf(const Operation& arc, double angle, double outside = 0)
-    {
-        return {arc.X1 + (arc.Radius + outside) * std::cos(angle),
-                arc.Y1 - (arc.Radius * arc.Aspect + outside) * std::sin(angle)};
-    }
-
     bool IsAtFigure(const Point& point) const
     {
         const double clear = Gaps(kEngraved.FigureClear) / 2;
@@ -506,6 +533,21 @@ std::vector<Stroke> StrokesOf(const Drawing& drawing, const LookValues& values,
     for (const Operation& op : drawing.Operations())
         plain.Paint(op, strokes);
     return strokes;
+}
+
+std::optional<Box> InkOf(const std::vector<Stroke>& strokes, double unitsPerPoint,
+                         const TextMetrics& metrics)
+{
+    std::optional<Box> all;
+    for (const Stroke& stroke : strokes) {
+        const Box box = InkOfStroke(stroke, unitsPerPoint, metrics);
+        if (stroke.Drawn.Mode != PenMode::Plain || !(box.Left < box.Right && box.Top < box.Bottom))
+            continue;
+        all = all ? Box{std::min(all->Left, box.Left), std::min(all->Top, box.Top),
+                        std::max(all->Right, box.Right), std::max(all->Bottom, box.Bottom)}
+                  : box;
+    }
+    return all;
 }
 
 }  // namespace quillon

@@ -8,6 +8,7 @@
 #include "notation/draw_surface.h"
 #include "notation/drawing.h"
 
+#include <optional>
 #include <vector>
 
 namespace quillon {
@@ -36,9 +37,21 @@ struct LookValues {
     double UnitsPerPoint = 1;  // of the drawing
 };
 
+/// A rectangle on the drawing.
+struct Box {
+    double Left;
+    double Top;
+    double Right;
+    double Bottom;
+};
+
 /// The strokes of the operations, in their order. What is drawn in xor or invert mode stays as it
 /// is in every look.
 std::vector<Stroke> StrokesOf(const Drawing& drawing, const LookValues& values,
                               const TextMetrics& metrics);
+
+/// What the strokes cover; nothing if there is nothing to be seen.
+std::optional<Box> InkOf(const std::vector<Stroke>& strokes, double unitsPerPoint,
+                         const TextMetrics& metrics);
 
 }  // namespace quillon

@@ -15,7 +15,14 @@ enum class Look;
 /// How pages are made.
 struct PageChoices {
     Look As{};
-    std::string Title;  // of a PDF
+    double Width = 0;  // of the paper, twips
+    double Height = 0;
+    bool Crop = false;      // leave out what is white around the music
+    double Dpi = 0;         // of a PNG
+    bool KeepText = false;  // texts of an SVG are texts, not outlines
+    std::string Title;
+    std::string Author;  // of a PDF, as below
+    std::string Subject;
 };
 
 class Renderer {
@@ -27,7 +34,7 @@ public:
 
     virtual bool HasFont(const std::string& name) const = 0;
 
-    // The bytes of a file. Pages are drawn in twips, on Letter paper. With the environment's
+    // The bytes of a file. Pages are drawn in twips. With the environment's
     // SOURCE_DATE_EPOCH (seconds since 1970) as its date, a PDF is the same bytes each time.
     virtual std::string Pdf(const std::vector<Drawing>& pages,
                             const PageChoices& choices) const = 0;

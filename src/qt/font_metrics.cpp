@@ -78,11 +78,16 @@ QFont FontInTwips(const Typeface& typeface)
     font.setPixelSize(SizeInTwips(typeface));
     font.setHintingPreference(QFont::PreferNoHinting);
     // The signs have one weight, and a character that is no sign shows nothing else's letter.
-    if (name.compare(kTabFont, Qt::CaseInsensitive) == 0)
+    if (IsNotation(typeface))
         font.setStyleStrategy(QFont::NoFontMerging);
     else
         font.setBold(typeface.Bold);
     return font;
+}
+
+bool IsNotation(const Typeface& typeface)
+{
+    return ToUnicode(typeface.Name).compare(kTabFont, Qt::CaseInsensitive) == 0;
 }
 
 std::string_view Beginning(std::string_view text, const QFont& font, double width)

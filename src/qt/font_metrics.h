@@ -30,6 +30,9 @@ QString NameOfFont(const QString& family);
 /// The font for painting and measuring in twips. Sizes are clamped to 1..20000 twips.
 QFont FontInTwips(const Typeface& typeface);
 
+/// Whether a font is the one with the notation signs.
+bool IsNotation(const Typeface& typeface);
+
 /// The beginning of a text, long enough to be at least `width` twips wide, or all of it.
 std::string_view Beginning(std::string_view text, const QFont& font, double width);
 

@@ -148,12 +148,13 @@ private:
         const QFont font = FontInTwips(op.TextFont);
         const QPointF baseline = From() + QPointF(0, QFontMetricsF(font).ascent());
         const QString text = ToUnicode(Beginning(op.Text, font, 2 * kFarTwips));
-        if (style.Outlines) {
+        if (style.SignOutlines && IsNotation(op.TextFont)) {
             QPainterPath path;
             path.addText(baseline, font, text);
             path.setFillRule(Qt::WindingFill);  // contours that overlap leave no holes
             painter.fillPath(path, Qt::black);
         } else {
+            painter.setPen(Qt::black);
             painter.setFont(font);
             painter.drawText(baseline, text);
         }
@@ -195,6 +196,14 @@ std::vector<Stroke> StrokesFor(const Drawing& drawing, const PaintStyle& style)
     static const FontMetrics metrics;
     const double dot = style.Dot * style.UnitsPerPoint / kTwips;
     return StrokesOf(drawing, {style.As, dot, style.UnitsPerPoint}, metrics);
+}
+
+Box PartOf(const Drawing& page, const PageChoices& choices, const PaintStyle& style)
+{
+    const Box paper{0, 0, choices.Width, choices.Height};
+    if (!choices.Crop)
+        return paper;
+    return InkOf(StrokesFor(page, style), style.UnitsPerPoint, FontMetrics()).value_or(paper);
 }
 
 void Paint(QPainter& painter, const Drawing& drawing, const PaintStyle& style)

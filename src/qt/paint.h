@@ -3,6 +3,7 @@
 #pragma once
 
 #include "notation/look.h"
+#include "platform/renderer.h"
 
 class QPainter;
 
@@ -16,13 +17,16 @@ constexpr double kPrinterDot = 4.8;
 struct PaintStyle {
     double UnitsPerPoint;  // kPoints or kTwips, what the drawing counts in
     double Dot = kScreenDot;
-    bool Crisp = false;     // upright and level lines fill whole pixels: on a screen
-    bool Outlines = false;  // texts as outlines, for viewers without the fonts
+    bool Crisp = false;         // upright and level lines fill whole pixels: on a screen
+    bool SignOutlines = false;  // notation signs are no text, so that they copy as nothing
     Look As = Look::Plain;
 };
 
 /// The strokes that Paint paints.
 std::vector<Stroke> StrokesFor(const Drawing& drawing, const PaintStyle& style);
+
+/// The part of a page that is shown, in twips: all of it, or no more than its strokes cover.
+Box PartOf(const Drawing& page, const PageChoices& choices, const PaintStyle& style);
 
 /// The painter works in twips. What is drawn in xor or invert mode comes last, and shows only on
 /// pixels. Operations that have no finite place or size are left out.

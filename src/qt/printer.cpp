@@ -80,7 +80,7 @@ void QtPrinter::Print(const std::vector<Drawing>& pages)
         if (!first)
             Device().newPage();
         first = false;
-        Paint(painter, page, {.UnitsPerPoint = kTwips, .Dot = kPrinterDot});
+        Paint(painter, page, {.UnitsPerPoint = kTwips, .Dot = kPrinterDot, .SignOutlines = true});
     }
 }
 

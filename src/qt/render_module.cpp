@@ -7,41 +7,25 @@
 #include "qt/fluid_player.h"
 #include "qt/font_metrics.h"
 #include "qt/paint.h"
+#include "qt/pdf.h"
 #include "qt/svg.h"
 #include "qt/text.h"
 
 #include <QBuffer>
-#include <QDateTime>
 #include <QGuiApplication>
 #include <QHash>
 #include <QImage>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QtMath>
 
 namespace quillon {
 
 namespace {
 
 constexpr int kPdfResolution = 600;  // dots per inch
-
-/// Puts the date that the environment asks for in place of the present one.
-void FixDate(QByteArray& pdf)
-{
-    const QByteArray epoch = qgetenv("SOURCE_DATE_EPOCH");
-    if (epoch.isEmpty())
-        return;
-    const QDateTime date = QDateTime::fromSecsSinceEpoch(epoch.toLongLong(), Qt::UTC);
-    const QByteArray key = "/CreationDate (D:";
-    const qsizetype start = pdf.indexOf(key);
-    const qsizetype end = start < 0 ? -1 : pdf.indexOf(')', start);
-    if (end < 0)
-        return;
-    QByteArray text = date.toString("yyyyMMddHHmmss").toLatin1() + "+00'00'";
-    const qsizetype length = end - start - key.size();
-    text = text.leftJustified(length, ' ', true);  // offsets in the file stay as they are
-    pdf.replace(start + key.size(), length, text);
-}
+constexpr double kMetersPerInch = 0.0254;
 
 class QtRenderer : public Renderer {
 public:
@@ -67,40 +51,33 @@ public:
         QByteArray bytes;
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::WriteOnly);
-        {
-            QPdfWriter writer(&buffer);
-            writer.setResolution(kPdfResolution);
-            writer.setPageSize(QPageSize(QPageSize::Letter));
-            writer.setPageMargins({});
-            writer.setTitle(ToUnicode(choices.Title));
-            writer.setCreator("Quillon");
-            QPainter painter(&writer);
-            painter.scale(kPdfResolution / kTwipsPerInch, kPdfResolution / kTwipsPerInch);
-            for (std::size_t i = 0; i < pages.size(); ++i) {
-                if (i > 0)
-                    writer.newPage();
-                Paint(painter, pages[i],
-                      {.UnitsPerPoint = kTwips, .Dot = kPrinterDot, .As = choices.As});
-            }
-        }
-        FixDate(bytes);
+        WritePdf(buffer, pages, choices);
+        FinishPdf(bytes, {ToUnicode(choices.Author), ToUnicode(choices.Subject)});
         return bytes.toStdString();
     }
 
     std::string Svg(const Drawing& page, const PageChoices& choices) const override
     {
-        return SvgPage(page, choices.As);
+        return SvgPage(page, choices);
     }
 
+    /// A part of the page begins at a whole pixel, so that its lines are those of the whole page.
     std::string Png(const Drawing& page, const PageChoices& choices) const override
     {
-        QImage image(static_cast<int>(kPageWidth / kScreenDot),
-                     static_cast<int>(kPageHeight / kScreenDot), QImage::Format_RGB32);
+        const double scale = choices.Dpi / kTwipsPerInch;
+        const PaintStyle style{.UnitsPerPoint = kTwips, .Crisp = true, .As = choices.As};
+        const Box part = PartOf(page, choices, style);
+        const QPoint from(qFloor(part.Left * scale), qFloor(part.Top * scale));
+        QImage image(qCeil(part.Right * scale) - from.x(), qCeil(part.Bottom * scale) - from.y(),
+                     QImage::Format_RGB32);
+        image.setDotsPerMeterX(qRound(choices.Dpi / kMetersPerInch));
+        image.setDotsPerMeterY(image.dotsPerMeterX());
         image.fill(Qt::white);
         {
             QPainter painter(&image);
-            painter.scale(1 / kScreenDot, 1 / kScreenDot);
-            Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true, .As = choices.As});
+            painter.translate(-from);
+            painter.scale(scale, scale);
+            Paint(painter, page, style);
         }
         QByteArray bytes;
         QBuffer buffer(&bytes);
@@ -116,6 +93,40 @@ public:
     }
 
 private:
+    /// In whole points, as the toolkit has it.
+    static QPageSize SizeOf(const Box& part, bool crop)
+    {
+        const auto points = [&](double twips) {
+            return crop ? qCeil(twips / kTwips) : qRound(twips / kTwips);
+        };
+        return QPageSize(QSize(points(part.Right - part.Left), points(part.Bottom - part.Top)));
+    }
+
+    static void WritePdf(QIODevice& file, const std::vector<Drawing>& pages,
+                         const PageChoices& choices)
+    {
+        const PaintStyle style{
+            .UnitsPerPoint = kTwips, .Dot = kPrinterDot, .SignOutlines = true, .As = choices.As};
+        QPdfWriter writer(&file);
+        writer.setResolution(kPdfResolution);
+        writer.setTitle(ToUnicode(choices.Title));
+        writer.setCreator("Quillon");
+        writer.setPageMargins({});
+        QPainter painter;
+        for (const Drawing& page : pages) {
+            const Box part = PartOf(page, choices, style);
+            writer.setPageSize(SizeOf(part, choices.Crop));
+            if (painter.isActive())
+                writer.newPage();
+            else
+                painter.begin(&writer);
+            painter.resetTransform();
+            painter.scale(kPdfResolution / kTwipsPerInch, kPdfResolution / kTwipsPerInch);
+            painter.translate(-part.Left, -part.Top);
+            Paint(painter, page, style);
+        }
+    }
+
     std::unique_ptr<QGuiApplication> application;
     FontMetrics metrics;
 };

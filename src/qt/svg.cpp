@@ -1,16 +1,21 @@
 #include "qt/svg.h"
 
 #include "notation/page_view.h"
-#include "notation/symbols.h"
 #include "qt/font_metrics.h"
 #include "qt/paint.h"
 #include "qt/text.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainterPath>
+#include <QRawFont>
+#include <QTextLayout>
+#include <QTransform>
 
 #include <cmath>
 #include <map>
+#include <optional>
+#include <tuple>
 
 namespace quillon {
 
@@ -26,11 +31,6 @@ std::string Number(double value)
 std::string Attribute(const char* name, double value)
 {
     return std::string(" ") + name + "=\"" + Number(value) + "\"";
-}
-
-bool IsNotation(const Typeface& font)
-{
-    return QString::fromStdString(font.Name).compare(kTabFont, Qt::CaseInsensitive) == 0;
 }
 
 std::string PathData(const QPainterPath& path)
@@ -61,30 +61,45 @@ std::string PathData(const QPainterPath& path)
 
 class SvgWriter {
 public:
-    std::string Write(const std::vector<Stroke>& strokes)
+    SvgWriter(const PageChoices& pageChoices) : choices(pageChoices) {}
+
+    std::string Write(const Drawing& page)
     {
-        for (const Stroke& stroke : strokes)
+        const PaintStyle style{.UnitsPerPoint = kTwips, .As = choices.As};
+        for (const Stroke& stroke : StrokesFor(page, style))
             if (stroke.Drawn.Mode == PenMode::Plain && std::isfinite(stroke.Drawn.X1) &&
                 std::isfinite(stroke.Drawn.Y1))
                 Add(stroke);
-        const std::string width = NumberText(kPageWidth);
-        const std::string height = NumberText(kPageHeight);
-        std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
-                          NumberText(kPageWidth / kTwipsPerInch) + "in\" height=\"" +
-                          NumberText(kPageHeight / kTwipsPerInch) + "in\" viewBox=\"0 0 " + width +
-                          " " + height + "\">\n<rect width=\"" + width + "\" height=\"" + height +
-                          "\" fill=\"#fff\"/>\n";
-        if (!glyphs.empty()) {
-            svg += "<defs>\n";
-            for (const auto& [name, outline] : glyphs)
-                svg += "<path id=\"" + name + "\" d=\"" + outline + "\"/>\n";
-            svg += "</defs>\n";
-        }
-        return svg + "<g stroke=\"#000\" fill=\"none\">\n" + shapes + "</g>\n" + "<g>\n" + texts +
+        return Head(PartOf(page, choices, style)) + Definitions() +
+               "<g stroke=\"#000\" fill=\"none\">\n" + shapes + "</g>\n<g>\n" + texts +
                "</g>\n</svg>\n";
     }
 
 private:
+    std::string Head(const Box& part) const
+    {
+        const double width = part.Right - part.Left;
+        const double height = part.Bottom - part.Top;
+        const std::string place = Attribute("x", part.Left) + Attribute("y", part.Top) +
+                                  Attribute("width", width) + Attribute("height", height);
+        return "<svg xmlns=\"http://www.w3.org/2000/svg\""
+               " xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"" +
+               NumberText(width / kTwipsPerInch) + "in\" height=\"" +
+               NumberText(height / kTwipsPerInch) + "in\" viewBox=\"" + Number(part.Left) + " " +
+               Number(part.Top) + " " + Number(width) + " " + Number(height) + "\">\n<title>" +
+               Escaped(ToUnicode(choices.Title)) + "</title>\n<rect" + place + " fill=\"#fff\"/>\n";
+    }
+
+    std::string Definitions() const
+    {
+        if (outlines.empty())
+            return {};
+        std::string text = "<defs>\n";
+        for (std::size_t i = 0; i < outlines.size(); ++i)
+            text += "<path id=\"g" + std::to_string(i) + "\" d=\"" + outlines[i] + "\"/>\n";
+        return text + "</defs>\n";
+    }
+
     void Add(const Stroke& stroke)
     {
         const Operation& op = stroke.Drawn;
@@ -112,10 +127,10 @@ private:
                 AddArc(stroke);
             break;
         case Shape::Text:
-            if (IsNotation(op.TextFont))
-                AddGlyphs(op);
-            else
+            if (choices.KeepText && !IsNotation(op.TextFont))
                 AddText(op);
+            else
+                AddOutlines(op);
             break;
         }
     }
@@ -168,41 +183,74 @@ private:
                  Escaped(text) + "</text>\n";
     }
 
-    /// Notation signs, as references to outlines that are in the file once each.
-    void AddGlyphs(const Operation& op)
+    /// As references to outlines that are in the file once each.
+    void AddOutlines(const Operation& op)
     {
         const QFont font = FontInTwips(op.TextFont);
         const double baseline = op.Y1 + QFontMetricsF(font).ascent();
-        double x = op.X1;
-        for (const QChar c : ToUnicode(op.Text)) {
-            const std::string name = "g" + std::to_string(c.unicode());
-            if (!glyphs.contains(name))
-                glyphs[name] = Outline(c);
-            texts += "<use href=\"#" + name + "\" transform=\"translate(" + Number(x) + " " +
-                     Number(baseline) + ") scale(" +
-                     QString::number(op.TextFont.Size * kTwips / kGlyphEm, 'g', 5).toStdString() +
-                     ")\"/>\n";
-            x += QFontMetricsF(font).horizontalAdvance(c);
+        const QString text =
+            ToUnicode(Beginning(op.Text, font, kPageWidth)).replace('\n', ' ').replace('\r', ' ');
+        QTextLayout layout(text, font);
+        layout.beginLayout();
+        const QTextLine line = layout.createLine();
+        layout.endLayout();
+        const double scale = font.pixelSize() / kGlyphEm;
+        texts += "<g transform=\"translate(" + Number(op.X1) + " " + Number(baseline) + ") scale(" +
+                 QString::number(scale, 'g', 5).toStdString() + ")\">";
+        if (!IsNotation(op.TextFont))
+            texts += "<title>" + Escaped(text) + "</title>";
+        for (const QGlyphRun& run : layout.glyphRuns())
+            AddRun(run, line.ascent(), scale);
+        texts += "</g>\n";
+    }
+
+    void AddRun(const QGlyphRun& run, double ascent, double scale)
+    {
+        const QList<quint32> glyphs = run.glyphIndexes();
+        const QList<QPointF> positions = run.positions();
+        for (qsizetype i = 0; i < glyphs.size(); ++i) {
+            const std::optional<std::size_t> outline = OutlineOf(run.rawFont(), glyphs[i]);
+            if (!outline)
+                continue;
+            const double x = positions[i].x() / scale;
+            const double y = (positions[i].y() - ascent) / scale;
+            texts += "<use xlink:href=\"#g" + std::to_string(*outline) + "\"" +
+                     (x == 0 ? "" : Attribute("x", x)) +
+                     (std::abs(y) < 0.1 ? "" : Attribute("y", y)) + "/>";
         }
     }
 
-    static std::string Outline(QChar c)
+    /// Its place in the list; nothing for a glyph without an outline, as a blank's.
+    std::optional<std::size_t> OutlineOf(const QRawFont& font, quint32 glyph)
     {
-        QPainterPath path;
-        path.addText(0, 0, FontInTwips({kTabFont, kGlyphEm / kTwips}), QString(c));
-        return PathData(path);
+        const auto [known, isNew] =
+            places.try_emplace({font.familyName(), font.styleName(), glyph}, outlines.size());
+        if (isNew) {
+            const double toEm = kGlyphEm / font.pixelSize();
+            const QPainterPath path =
+                QTransform::fromScale(toEm, toEm).map(font.pathForGlyph(glyph));
+            if (path.isEmpty())
+                known->second = std::nullopt;
+            else
+                outlines.push_back(PathData(path));
+        }
+        return known->second;
     }
 
-    std::map<std::string, std::string> glyphs;  // outline by name
+    using GlyphKey = std::tuple<QString, QString, quint32>;  // family, style, index
+
+    const PageChoices& choices;
+    std::map<GlyphKey, std::optional<std::size_t>> places;
+    std::vector<std::string> outlines;
     std::string shapes;
     std::string texts;
 };
 
 }  // namespace
 
-std::string SvgPage(const Drawing& page, Look look)
+std::string SvgPage(const Drawing& page, const PageChoices& choices)
 {
-    return SvgWriter().Write(StrokesFor(page, {.UnitsPerPoint = kTwips, .As = look}));
+    return SvgWriter(choices).Write(page);
 }
 
 }  // namespace quillon

@@ -1,14 +1,16 @@
-// A page as SVG: lean, with texts as text and the notation glyphs as outlines.
+// A page as SVG: lean, and the same in every viewer.
 
 #pragma once
 
-#include "notation/look.h"
+#include "notation/drawing.h"
+#include "platform/renderer.h"
 
 #include <string>
 
 namespace quillon {
 
-/// The page is drawn in twips on Letter paper.
-std::string SvgPage(const Drawing& page, Look look);
+/// The page is drawn in twips. Texts are outlines, each character's once in the file, with the text
+/// itself as their title.
+std::string SvgPage(const Drawing& page, const PageChoices& choices);
 
 }  // namespace quillon

@@ -109,6 +109,26 @@ TEST(ExportCommandTest, PagesAreEngravedUnlessTheyAreToBePlain)
     EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "t.pdf", "--look=plain"}).As, Look::Plain);
 }
 
+TEST(ExportCommandTest, PagesHaveAPaperADensityAndAPart)
+{
+    const ExportCommand plain = ParseExportCommand({"t.gui", "-o", "t.pdf"});
+    EXPECT_FALSE(plain.Paper || plain.NoEmptyPage || plain.Crop || plain.Measures);
+    const ExportCommand pdf = ParseExportCommand(
+        {"t.gui", "-o", "t.pdf", "--paper", "a4", "--no-empty-page", "--measures", "3-12"});
+    EXPECT_EQ(pdf.Paper.value().Height, kA4.Height);
+    EXPECT_TRUE(pdf.NoEmptyPage);
+    EXPECT_EQ(pdf.Measures.value().First, 3);
+    EXPECT_EQ(pdf.Measures.value().Last, 12);
+    const ExportCommand png =
+        ParseExportCommand({"t.gui", "-o", "t.png", "--dpi", "150", "--crop", "--measures=7"});
+    EXPECT_EQ(png.Dpi, 150);
+    EXPECT_TRUE(png.Crop);
+    EXPECT_EQ(png.Measures.value().First, 7);
+    EXPECT_EQ(png.Measures.value().Last, 7);
+    EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "t.png"}).Dpi, 300);
+    EXPECT_TRUE(ParseExportCommand({"t.gui", "-o", "t.svg", "--text"}).KeepText);
+}
+
 TEST(ExportCommandTest, AValueMayFollowAnEqualsSignAndATuneTheDoubleDash)
 {
     const ExportCommand command =
@@ -144,6 +164,14 @@ TEST(ExportCommandTest, BadUsageIsRefusedWithItsReason)
         {{"a.gui", "b.gui", "-o", "o.bss", "--format=mid"},
          "several tunes go into a folder, but 'o.bss' looks like a file"                                         },
         {{"t.gui", "-o", "a.pdf", "--look", "fine"},          "--look must be engraved or plain"                 },
+        {{"t.gui", "-o", "a.pdf", "--paper", "a5"},           "--paper must be letter or a4"                     },
+        {{"t.gui", "-o", "a.png", "--dpi", "20"},             "--dpi must be 24 to 1200"                         },
+        {{"t.gui", "-o", "a.svg", "--measures", "4-2"},
+         "--measures needs two measures, the lower one first, not '4-2'"                                         },
+        {{"t.gui", "-o", "a.svg", "--measures", "4-"},        "--measures needs a whole number, not ''"          },
+        {{"t.gui", "-o", "a.svg", "--dpi", "96"},             "--dpi is only for png"                            },
+        {{"t.gui", "-o", "a.png", "--paper", "a4"},           "--paper is only for pdf"                          },
+        {{"t.gui", "-o", "a.mid", "--crop"},                  "--crop is only for pdf, svg and png"              },
         {{"t.gui", "--check", "--order"},                     "--check and --order cannot be combined"           },
         {{"t.gui", "--check", "-o", "a.pdf"},                 "--check and --order write to standard output only"},
     };

@@ -52,6 +52,39 @@ TEST_F(ExportTest, PagesAfterTheSixthHaveNoClearLine)
                                                 "page 6"}));
 }
 
+TEST_F(ExportTest, ATuneCanBeCutToSomeOfItsMeasures)
+{
+    AddFullMeasures(tune, 9);
+    tune[0].ChordText = "Reel";
+    tune[0].Slot(1) = "Someone";
+    tune[5 * 5 + 1].Slot(6) = "NL";  // before measure 6
+    ExportedTune cut = Load("a.gui");
+    cut.Keep({4, 7});
+    const Tune& kept = cut.Window().tune;
+    EXPECT_EQ(kept.LastNote, 4 * 5);
+    EXPECT_EQ(kept[1].Measure, 4);
+    EXPECT_EQ(kept[4 * 5].Measure, 7);
+    EXPECT_EQ(kept[4 * 5 + 1].Measure, 0);
+    const std::string log = cut.PrintLog();
+    EXPECT_EQ(log.find("Reel"), std::string::npos);
+    EXPECT_EQ(log.find("Someone"), std::string::npos);
+    std::size_t strings = 0;
+    for (std::size_t at = 0; (at = log.find(" w=3\n", at)) != std::string::npos; ++at)
+        ++strings;
+    EXPECT_EQ(strings, 6U) << "one line";
+}
+
+TEST_F(ExportTest, MeasuresThatAreNotThereCannotBeKept)
+{
+    AddFullMeasures(tune, 9);
+    ExportedTune cut = Load("a.gui");
+    for (const MeasureRange& range : {
+             MeasureRange{8, 10},
+             MeasureRange{0, 2 }
+    })
+        EXPECT_THROW(cut.Keep(range), ExportError);
+}
+
 TEST_F(ExportTest, TheExtensionTellsTheStringsUnlessAnOptionDoes)
 {
     AddFullMeasures(tune, 1);

@@ -420,7 +420,7 @@ private slots:
             QImage image(100, 100, QImage::Format_RGB32);
             image.fill(Qt::white);
             QPainter painter(&image);
-            Paint(painter, drawing, {.UnitsPerPoint = 1, .Crisp = true, .Outlines = outlines});
+            Paint(painter, drawing, {.UnitsPerPoint = 1, .Crisp = true, .SignOutlines = outlines});
         }
     }
 

@@ -63,7 +63,7 @@ class PagePicture(unittest.TestCase):
     def compare(self, name):
         tune = ROOT / "examples" / name
         png = subprocess.run(
-            [EXPORT, tune, "--look", "plain", "--format", "png", "-o", "-"],
+            [EXPORT, tune, "--look", "plain", "--dpi", "96", "--format", "png", "-o", "-"],
             check=True,
             capture_output=True,
         ).stdout
