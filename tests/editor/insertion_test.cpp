@@ -194,6 +194,22 @@ TEST_F(Insertion, DeletingTheOnlyMeasureLeavesAnEmptyTableAndTheOldPicture)
     EXPECT_EQ(form.Saved, SavedState::Saved) << "Saved is set only where another measure stays";
 }
 
+// A damaged tune, whose last record belongs to measure 1.
+TEST_F(Insertion, DeletingTheOnlyMeasureGoesToTheTablesStartWhereverTheMeasureWas)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 2);
+    for (int i = 1; i <= 10; ++i)
+        tune[i].Measure = i < 6 ? 2 : 1;
+    tune.LastMeas = 1;
+    Show();
+    ASSERT_EQ(form.MeasHead, 6);
+    editor.mnuDelMeas();
+    EXPECT_EQ(form.MeasHead, 1);
+    EXPECT_EQ(form.MeasEnd, 0);
+    EXPECT_EQ(tune.CurNote, 2);
+}
+
 TEST_F(Insertion, ParksTheTailWhileAMeasureIsInserted)
 {
     ShowFullMeasures(3);

@@ -48,6 +48,30 @@ protected:
     }
 
     static std::string RecordBytesOf(const Tune& tune, int i) { return RecordBytes(tune, i, i); }
+
+    std::string Staff() const { return win.view.StaffBox.Picture().Log(); }
+
+    /// What the pages and the captions hold once they have been used, with nothing to save.
+    void LeaveTraces()
+    {
+        win.pages.mnuLargeview();
+        win.pages.picPage1MouseDown(1, 10, 10);
+        win.pages.PageMax = 3;
+        win.pages.vsbPage = 700;
+        win.form.cmdNextCaption = "OK";
+        win.form.cmdPreviousCaption = "Cancel";
+        win.form.Saved = SavedState::Saved;
+    }
+
+    void ExpectNoTraces() const
+    {
+        EXPECT_FALSE(win.pages.LargeView);
+        EXPECT_EQ(win.pages.ShownPage, 0);
+        EXPECT_EQ(win.pages.MarqueeOn, 0);
+        EXPECT_EQ(win.pages.vsbPage, 0);
+        EXPECT_EQ(win.form.cmdNextCaption, "Next");
+        EXPECT_EQ(win.form.cmdPreviousCaption, "Previous");
+    }
 };
 
 TEST_F(Files, AnEmptyTuneSavesAsExactlyTheNineLinesOfTheHeader)
@@ -535,6 +559,39 @@ TEST_F(Files, NewDisablesSaveAndForgetsTheName)
     EXPECT_FALSE(win.form.mnuSaveEnabled);
     EXPECT_EQ(win.tune.FileName, "");
     EXPECT_TRUE(win.pages.Page(0).Surface.Picture().Operations().empty());
+}
+
+TEST_F(Files, NewSetsBackWhateverTheLastTuneLeft)
+{
+    win.mnuNew();
+    const std::string state = State(), table = Table(), picture = Staff();
+    Open(WriteTune("tune.gui", 3));
+    win.editor.cmdNext();
+    LeaveTraces();
+    win.form.Timer1Enabled = false;
+    win.mnuNew();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(Staff(), picture);
+    ExpectNoTraces();
+}
+
+TEST_F(Files, OpenSetsBackWhateverTheLastTuneLeft)
+{
+    const std::string small = WriteTune("small.gui", 1);
+    Open(small);
+    const std::string state = State(), table = Table(), picture = Staff();
+    Open(WriteTune("tune.gui", 3));
+    win.editor.cmdNext();
+    LeaveTraces();
+    Open(small);
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(Staff(), picture);
+    EXPECT_EQ(win.pages.PageMax, 0);
+    EXPECT_TRUE(win.pages.Page(1).Surface.Picture().Operations().empty());
+    EXPECT_FALSE(system.WaitCursor);
+    ExpectNoTraces();
 }
 
 TEST_F(Files, AppendIsNoFileOperation)

@@ -100,6 +100,42 @@ TEST_F(StartUp, SetsTheTuneState)
     EXPECT_FALSE(win.form.mnuPasteEnabled);
 }
 
+TEST_F(StartUp, SetsTheFormWhateverItHeld)
+{
+    ASSERT_TRUE(win.Load());
+    const std::string state = State(), caption = win.form.Caption;
+    win.tune[3].Measure = 1;
+    win.tune.CurMeas = win.tune.LastMeas = win.tune.CurNote = win.tune.LastNote = 9;
+    win.form.MeasHead = win.form.MeasEnd = win.form.CurBeats = win.form.CurBeatUnit = 9;
+    win.form.CurValue = win.form.MeasCapacity = win.form.MeasFill = win.form.CursorX = 9;
+    win.form.EntryState = EntryState::Review;
+    win.form.InputMode = InputMode::Chord;
+    win.form.CaretOn = -1;
+    win.form.Saved = SavedState::Unsaved;
+    win.form.Timer1Enabled = win.form.FirstActivation = false;
+    win.form.mnuSaveEnabled = win.form.mnuPasteEnabled = true;
+    win.form.txtRptBracket.Text = "1.";
+    win.form.Parked.Bytes = "1";
+    win.form.Line1Visible = {};
+    win.form.Caption.clear();
+    win.page.FormFontName.clear();
+    win.pages.PageMax = win.pages.ShownPage = win.pages.MarqueeOn = 2;
+    ASSERT_TRUE(win.Load());
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table().find("\n3: "), std::string::npos);
+    EXPECT_TRUE(win.form.FirstActivation);
+    EXPECT_FALSE(win.form.mnuSaveEnabled);
+    EXPECT_FALSE(win.form.mnuPasteEnabled);
+    EXPECT_EQ(win.form.txtRptBracket.Text, "");
+    EXPECT_EQ(win.form.Parked.Bytes, "");
+    EXPECT_TRUE(win.form.Line1Visible[5]);
+    EXPECT_EQ(win.form.Caption, caption);
+    EXPECT_EQ(win.page.FormFontName, "Arial");
+    EXPECT_EQ(win.pages.PageMax, 0);
+    EXPECT_EQ(win.pages.ShownPage, 0);
+    EXPECT_EQ(win.pages.MarqueeOn, 0);
+}
+
 TEST_F(StartUp, CaptionAndStringLinesFollowTheInstrument)
 {
     const std::pair<const char*, const char*> captions[] = {
