@@ -250,6 +250,7 @@ TEST_F(CopyPaste, AtTheEndPastTheTableIsASubscriptFaultOnTheLastMeasureThatFitte
     Show();
     Copy("1", "2");
     Goto("299");
+    form.EntryState = EntryState::Edit;
     EXPECT_FAULT(editor.mnuPaste(), SubscriptOutOfRange);
     EXPECT_EQ(form.MeasHead, 1496);
     EXPECT_EQ(form.MeasEnd, 1500);
