@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -14,11 +15,10 @@ namespace quillon {
 
 namespace {
 
-constexpr int kLinesShown = 12;
-constexpr int kKeysShown = 28;
+constexpr QSize kLinesShown(70, 12);  // characters and lines
+constexpr int kKeysShown = 30;        // lines
 
-/// Shows a list in a window that is some characters wide and some lines high.
-void ShowSheet(QWidget* mainWindow, const QString& title, QAbstractItemView* list, QSize characters)
+void ShowSheet(QWidget* mainWindow, const QString& title, QAbstractItemView* list, QSize size)
 {
     delete mainWindow->findChild<QDialog*>(title, Qt::FindDirectChildrenOnly);
     auto* sheet = new QDialog(mainWindow);
@@ -31,12 +31,9 @@ void ShowSheet(QWidget* mainWindow, const QString& title, QAbstractItemView* lis
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, sheet);
     layout->addWidget(buttons);
     QObject::connect(buttons, &QDialogButtonBox::rejected, sheet, &QDialog::reject);
-    QObject::connect(sheet, &QDialog::finished, mainWindow, [mainWindow] {
-        mainWindow->activateWindow();  // also where no window manager sees to that
-    });
-    const QFontMetrics metrics = list->fontMetrics();
-    sheet->resize(metrics.averageCharWidth() * characters.width(),
-                  metrics.lineSpacing() * characters.height());
+    list->setSelectionMode(QAbstractItemView::NoSelection);
+    list->setCurrentIndex(list->model()->index(0, 0));
+    list->setMinimumSize(size);
     sheet->show();
     list->setFocus();
 }
@@ -48,8 +45,10 @@ void ShowLines(QWidget* mainWindow, const QString& title, const QStringList& lin
     auto* list = new QListWidget;
     list->setWordWrap(true);
     list->addItems(lines);
-    list->setCurrentRow(0);
-    ShowSheet(mainWindow, title, list, {70, kLinesShown + 4});
+    const QFontMetrics metrics = list->fontMetrics();
+    ShowSheet(mainWindow, title, list,
+              {metrics.averageCharWidth() * kLinesShown.width(),
+               metrics.lineSpacing() * kLinesShown.height()});
 }
 
 void ShowKeys(QWidget* mainWindow)
@@ -67,9 +66,12 @@ void ShowKeys(QWidget* mainWindow)
             new QTreeWidgetItem(title, {ToUnicode(line.Keys), ToUnicode(line.Meaning)});
     }
     list->expandAll();
-    list->resizeColumnToContents(0);
-    list->setCurrentItem(list->topLevelItem(0));
-    ShowSheet(mainWindow, "Keys", list, {70, kKeysShown + 4});
+    int width = 2 * list->verticalScrollBar()->sizeHint().width();
+    for (int column : {0, 1}) {
+        list->resizeColumnToContents(column);
+        width += list->columnWidth(column);
+    }
+    ShowSheet(mainWindow, "Keys", list, {width, list->fontMetrics().lineSpacing() * kKeysShown});
 }
 
 }  // namespace quillon

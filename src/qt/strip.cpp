@@ -6,7 +6,6 @@
 
 #include <QAction>
 #include <QEvent>
-#include <QLabel>
 #include <QMenuBar>
 #include <QPainter>
 #include <QPainterPath>
@@ -21,6 +20,7 @@ namespace {
 
 constexpr int kSign = 16;            // units of a sign's field, and its pixels at scale 1
 constexpr int kAroundSign = 5;       // pixels beside it
+constexpr int kAroundCaption = 8;    // pixels
 constexpr int kGap = 10;             // between menus, line of state and icons
 constexpr int kLeastCharacters = 8;  // of the tune's name, before something else has to go
 
@@ -44,6 +44,25 @@ void PaintRedo(QPainter& painter)
     painter.translate(kSign, 0);
     painter.scale(-1, 1);
     PaintUndo(painter);
+}
+
+QString WithoutMnemonic(QString text)
+{
+    return text.replace('&', "&&");
+}
+
+/// As the style paints the caption of a menu.
+void PaintCaption(QWidget& widget, const QString& text, const QRect& place, QStyle::State state)
+{
+    QStylePainter painter(&widget);
+    QStyleOptionMenuItem option;
+    option.initFrom(&widget);
+    option.menuItemType = QStyleOptionMenuItem::Normal;
+    option.checkType = QStyleOptionMenuItem::NotCheckable;
+    option.text = text;
+    option.rect = option.menuRect = place;
+    option.state |= state;
+    painter.drawControl(QStyle::CE_MenuBarItem, option);
 }
 
 /// A tooltip shows a text that looks like HTML as such.
@@ -113,15 +132,42 @@ MenuButton::MenuButton(const QString& caption, QMenu* menu, QWidget* parent) : Q
     setMenu(menu);
 }
 
-/// Without the arrow of a button that has a menu.
-void MenuButton::initStyleOption(QStyleOptionToolButton* option) const
+QSize MenuButton::sizeHint() const
 {
-    QToolButton::initStyleOption(option);
-    option->features &= ~QStyleOptionToolButton::HasMenu;
+    const QSize caption = fontMetrics().size(Qt::TextShowMnemonic, text());
+    return {caption.width() + 2 * kAroundCaption, caption.height()};
+}
+
+// The letter opens the menu at once, without the show of a click.
+bool MenuButton::event(QEvent* event)
+{
+    if (event->type() != QEvent::Shortcut)
+        return QToolButton::event(event);
+    showMenu();
+    return true;
+}
+
+void MenuButton::paintEvent(QPaintEvent*)
+{
+    QStyleOptionToolButton option;
+    initStyleOption(&option);
+    QStyle::State state;
+    if (option.state & QStyle::State_Sunken)
+        state = QStyle::State_Selected | QStyle::State_Sunken;
+    else if (underMouse())
+        state = QStyle::State_Selected;
+    PaintCaption(*this, text(), rect(), state);
+}
+
+void StateLabel::paintEvent(QPaintEvent*)
+{
+    QRect place = rect();
+    place.setLeft(place.right() + 1 - fontMetrics().horizontalAdvance(text()));
+    PaintCaption(*this, WithoutMnemonic(text()), place, {});
 }
 
 Strip::Strip(MainWin& mainWin, Runner& theRunner, QWidget* parent)
-    : QWidget(parent), win(mainWin), runner(theRunner), label(new QLabel(this)),
+    : QWidget(parent), win(mainWin), runner(theRunner), label(new StateLabel(this)),
       undo(AddStep("stripUndo", &History::Undo)), redo(AddStep("stripRedo", &History::Redo)),
       icons{new SignButton(undo, PaintUndo, this), new SignButton(redo, PaintRedo, this)},
       menu(new MoreMenu(mainWin, theRunner, this)), more(new MenuButton("Mo&re", menu, this))
@@ -129,7 +175,6 @@ Strip::Strip(MainWin& mainWin, Runner& theRunner, QWidget* parent)
     setObjectName("strip");
     label->setObjectName("stripState");
     label->setTextFormat(Qt::PlainText);
-    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     more->setObjectName("stripMore");
     ShowText();
 }
@@ -189,7 +234,7 @@ void Strip::ShowStep(QAction* action, std::string& shown, const std::string& nam
     QString text = FindStripCommand(action->objectName().toStdString()).Caption;
     if (!name.empty())
         text += ' ' + PathFromBytes(name);  // the name of a file may be part of it
-    action->setText(QString(text).replace('&', "&&"));
+    action->setText(WithoutMnemonic(text));
     action->setToolTip(Plain(text));
 }
 
@@ -244,6 +289,7 @@ MenuRow::MenuRow(QMenuBar* menuBar, Strip* theStrip, QWidget* parent)
 {
     bar->setParent(this);
     strip->setParent(this);
+    strip->setFont(bar->font());
 }
 
 QSize MenuRow::sizeHint() const

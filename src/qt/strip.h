@@ -9,12 +9,12 @@
 #include "qt/runner.h"
 #include "shell/state_line.h"
 
+#include <QLabel>
 #include <QToolButton>
 #include <QWidget>
 
 #include <string>
 
-class QLabel;
 class QMenuBar;
 
 namespace quillon {
@@ -34,13 +34,25 @@ private:
     Sign sign;
 };
 
-/// A button with a menu that looks like the menus beside it.
+/// A button whose menu opens as those beside it do, and which looks like them.
 class MenuButton : public QToolButton {
 public:
     MenuButton(const QString& caption, QMenu* menu, QWidget* parent);
 
+    QSize sizeHint() const override;
+
 protected:
-    void initStyleOption(QStyleOptionToolButton* option) const override;
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+/// A text at the right end of its place, in one line with the menus' captions.
+class StateLabel : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 };
 
 class Strip : public QWidget {
@@ -70,7 +82,7 @@ private:
 
     MainWin& win;
     Runner& runner;
-    QLabel* label;
+    StateLabel* label;
     QAction* undo;
     QAction* redo;
     QList<SignButton*> icons;

@@ -39,7 +39,7 @@ constexpr struct {
     {"Delete",                "Empty the string under the cursor"},
     {"Page Up, Page Down",    "Scroll the page"},
     {"Tab",                   "Go to the next control"},
-    {"Alt with a letter",     "Open a menu; Alt+R opens More"},
+    {"Alt and a letter",      "Open the menu that has the letter underlined; Alt+R opens More"},
 };
 // clang-format on
 
@@ -54,7 +54,7 @@ KeyGroup GroupOf(const Menu& menu)
     KeyGroup group{WithoutMark(menu.Caption), {}};
     for (const MenuEntry& entry : menu.Entries)
         if (entry.Name && *entry.Shortcut != '\0')
-            group.Lines.push_back({entry.Shortcut, WithoutMark(entry.Caption)});
+            group.Lines.push_back({entry.Shortcut, entry.Hint});
     return group;
 }
 
@@ -83,7 +83,7 @@ std::vector<KeyGroup> KeySheet()
     KeyGroup strip{"Beside the menus", {}};
     for (const StripCommand& command : kStrip)
         if (*command.Shortcuts != '\0')
-            strip.Lines.push_back({command.Shortcuts, WithoutMark(command.Caption)});
+            strip.Lines.push_back({command.Shortcuts, command.Hint});
     sheet.push_back(std::move(strip));
     return sheet;
 }
