@@ -190,6 +190,14 @@ private slots:
         QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
         QCOMPARE(box->text(), QString("1."));
         QCOMPARE(Core().tune[2].Slot(6), std::string("7"));
+
+        Action("mnuRest")->trigger();
+        Undo()->trigger();
+        QVERIFY(Redo()->isEnabled());
+        QVERIFY(box->hasFocus());
+        QTest::keyClick(box, Qt::Key_Y, Qt::ControlModifier);
+        QVERIFY(Redo()->isEnabled());
+
         ButtonOf(Undo())->click();  // the whole bracket, as a step
         QVERIFY(!box->isVisible());
         QVERIFY(Staff()->hasFocus());
