@@ -128,6 +128,7 @@ void EditorWindow::AddStrip()
     strip = new Strip(win, runner, this);
     layout()->setMenuBar(nullptr);
     setMenuWidget(new MenuRow(ui->menuBar, strip, this));
+    connect(strip, &Strip::Gone, this, [this] { otherForms.FollowUndo(); });
 }
 
 void EditorWindow::ConnectControls()

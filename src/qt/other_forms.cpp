@@ -79,6 +79,20 @@ void OtherForms::Open(Form form)
     widget->show();
 }
 
+void OtherForms::FollowUndo()
+{
+    const auto isCopyBox = [](const auto& opened) {
+        return opened.first == Form::FrmCopyBox && opened.second;
+    };
+    if (win.form.Focus < Control::Text1)
+        return;
+    if (std::ranges::none_of(forms, isCopyBox))
+        Open(Form::FrmCopyBox);
+    for (const auto& [form, widget] : forms)
+        if (auto* copyBox = dynamic_cast<CopyBox*>(widget.data()))
+            copyBox->ShowAgain();
+}
+
 bool OtherForms::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::WindowActivate)

@@ -28,6 +28,9 @@ public:
     /// Shows the form without blocking the main one. A form that is open comes to the front.
     void Open(Form form);
 
+    /// Undo may have gone to where the copy box was open.
+    void FollowUndo();
+
     /// Whether one of them has been the active form since the last call.
     bool TakeWasActive() { return std::exchange(wasActive, false); }
 

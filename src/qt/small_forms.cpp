@@ -11,6 +11,7 @@
 
 #include <QCloseEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QShortcut>
 #include <QUrl>
 
@@ -106,9 +107,8 @@ CopyBox::CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Run
     Text2 = ui.Text2;
     for (QLineEdit* box : {Text1, Text2}) {
         box->installEventFilter(this);
-        connect(box, &QLineEdit::textEdited, this, [this] {
-            form.FrmCopyBox = {FromUnicode(Text1->text()), FromUnicode(Text2->text())};
-        });
+        connect(box, &QLineEdit::textEdited, this, [this, box] { Keep(*box); });
+        connect(box, &QLineEdit::cursorPositionChanged, this, [this, box] { Keep(*box); });
     }
     connect(Text1, &QLineEdit::returnPressed, this,
             [this] { Handle([this] { editor.CopyBoxEnter(Control::Text1); }); });
@@ -117,13 +117,29 @@ CopyBox::CopyBox(QWidget* mainWindow, Editor& theEditor, MainForm& mainForm, Run
     connect(ui.cmdCopyMeasure, &QPushButton::clicked, this,
             [this] { Handle([this] { editor.cmdCopyMeasure(); }); });
     connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
+    form.BoxCaret = 0;
     ShowTexts();
+}
+
+/// What was typed is part of the form, and so is the place in it.
+void CopyBox::Keep(const QLineEdit& box)
+{
+    if (showing)
+        return;
+    runner.Run("Copy", [&] {
+        form.FrmCopyBox = {FromUnicode(Text1->text()), FromUnicode(Text2->text())};
+        form.BoxCaret = box.cursorPosition();
+    });
 }
 
 /// The form goes away when a handler has given the focus back to StaffBox.
 void CopyBox::Handle(const std::function<void()>& handler)
 {
-    if (!runner.Run("Copy", handler))
+    const auto fromTheStart = [&] {
+        handler();
+        form.BoxCaret = 0;
+    };
+    if (!runner.Run("Copy", fromTheStart))
         return;
     ShowTexts();
     if (form.Focus == Control::Text2)
@@ -135,12 +151,24 @@ void CopyBox::Handle(const std::function<void()>& handler)
 
 void CopyBox::StartAgain()
 {
+    form.BoxCaret = 0;
     ShowTexts();
     Text1->setFocus();
 }
 
+void CopyBox::ShowAgain()
+{
+    QLineEdit* box = form.Focus == Control::Text1 ? Text1 : Text2;
+    const int caret = form.BoxCaret;
+    ShowTexts();
+    const QScopedValueRollback guard(showing, true);
+    box->setCursorPosition(caret);
+    box->setFocus();
+}
+
 void CopyBox::ShowTexts()
 {
+    const QScopedValueRollback guard(showing, true);
     Text1->setText(ToUnicode(form.FrmCopyBox.Text1));
     Text2->setText(ToUnicode(form.FrmCopyBox.Text2));
     Text1->setCursorPosition(0);

@@ -45,6 +45,9 @@ public:
     /// The command was used again while the form is open.
     void StartAgain();
 
+    /// Undo has gone to where one of the boxes had the focus.
+    void ShowAgain();
+
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -52,6 +55,7 @@ protected:
 
 private:
     void Handle(const std::function<void()>& handler);
+    void Keep(const QLineEdit& box);
     void ShowTexts();
 
     Editor& editor;
@@ -60,6 +64,7 @@ private:
     QLineEdit* Text1;
     QLineEdit* Text2;
     bool copied = false;
+    bool showing = false;  // the form's texts are shown, not typed
 };
 
 }  // namespace quillon

@@ -207,6 +207,7 @@ void Strip::Go(void (History::*go)(int))
         if (win.pages.LargeView)
             win.pages.mnuSmallView();
     });
+    emit Gone();
 }
 
 void Strip::Show()

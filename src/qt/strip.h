@@ -70,6 +70,9 @@ public:
 
     MoreMenu& Menu() { return *menu; }
 
+signals:
+    void Gone();  // back or forth
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
