@@ -29,7 +29,7 @@ enum class Control {
 };
 
 /// The tail of a tune that a command has parked in a scratch file for the moment. It is kept here
-/// too, so that a lost scratch file does not lose the tail from the rescue copy.
+/// too, so that a lost scratch file does not lose the tail from rescued work.
 struct ParkedTail {
     std::string Bytes;  // in the format of the scratch file; "" when nothing is parked
 
@@ -43,7 +43,7 @@ struct ParkedTail {
 
 struct MainForm : EditingState {
     ParkedTail Parked;
-    bool Discarded = false;  // the answer to the save question was No
+    bool Discarded = false;  // in the last event, the answer to the save question was No
     int Openings = 0;        // how many tunes were begun or opened so far
     int Writes = 0;          // how many times a tune was written to its file
 

@@ -84,6 +84,7 @@ std::string History::StepName(std::string_view name, Open typing, const Changes&
 
 void History::Begin()
 {
+    program.Form.Discarded = false;
     if (program.StaffBox.Picture().Revision() != picture)
         Observe(Input::Command, {});
 }
@@ -147,8 +148,16 @@ void History::Add(const Event& event)
 {
     if (event.IsEmpty())
         return;
+    if (Keeper)
+        Keeper->Happens(event);
     timeline.Add(event);
-    Keep(EntryOf(event));
+    Tell(EntryOf(event));
+}
+
+void History::Tell(std::string_view entry)
+{
+    if (Keeper)
+        Keeper->Append(entry);
 }
 
 void History::Undo(int count)
@@ -170,7 +179,7 @@ void History::GoBack(int back)
     Moment moment = timeline.MomentAt(back);
     moment.PutBack(program);
     timeline.GoBack(back, std::move(moment));
-    Keep(EntryOf(back));
+    Tell(EntryOf(back));
     Arrived();
 }
 
@@ -179,16 +188,16 @@ void History::Adopt(const Timeline& run, std::string name)
     Begin();
     Moment end = run.Last();
     end.PutBack(program);
-    const auto append = [this](Step step) {
-        Keep(EntryOf(step));
-        timeline.Append(std::move(step));
+    const auto append = [this](const Step& step) {
+        timeline.Append(step);
+        Tell(EntryOf(step));
     };
     append(timeline.StepTo(run, std::move(name)));
     for (int place = 1; place <= run.UndoCount(); ++place)
         append(run.At(place));
     for (int place = 1; place <= run.RedoCount(); ++place) {
         timeline.AppendUndone(run.At(run.UndoCount() + place));
-        Keep(EntryOfUndone(run.At(run.UndoCount() + place)));
+        Tell(EntryOfUndone(run.At(run.UndoCount() + place)));
     }
     Arrived();
 }

@@ -16,7 +16,6 @@
 #include "history/timeline.h"
 
 #include <array>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +23,18 @@ namespace quillon {
 
 /// What an event came from. Key: a character or key for StaffBox, or for the bracket's box.
 enum class Input { Command, Key, Enter };
+
+/// Is told how the timeline grows.
+class HistoryKeeper {
+public:
+    virtual ~HistoryKeeper() = default;
+
+    /// An event is about to be taken in: the steps are as they were before it.
+    virtual void Happens(const Event& event) = 0;
+
+    /// The timeline has grown by this.
+    virtual void Append(std::string_view entry) = 0;
+};
 
 class History {
 public:
@@ -59,8 +70,8 @@ public:
 
     const Timeline& Steps() const { return timeline; }
 
-    /// Takes each entry of the timeline as it grows, for the journal.
-    std::function<void(std::string_view entry)> Keep = [](std::string_view) {};
+    /// Who keeps the history on disk, if anybody does.
+    HistoryKeeper* Keeper = nullptr;
 
 private:
     /// What is being typed, and into which record.
@@ -80,6 +91,7 @@ private:
     bool TakeOpening(Event& event);
     std::string TakeChanges(Changes& changes);
     void Add(const Event& event);
+    void Tell(std::string_view entry);
     void GoBack(int back);
     void Arrived();
 

@@ -35,6 +35,9 @@ public:
 
     void Append(std::string_view entry);
 
+    /// Returns when all that was appended is on the disk.
+    void Sync();
+
     /// Before a tune's file is written: returns when what will be written is on the disk.
     void Hold(const Saving& saving);
 
@@ -73,7 +76,6 @@ private:
     void AppendFrame(const std::string& frame);
     void Stop();
     void Work();
-    void Sync();
     void WriteCopy(const Copy& copy);
     void KeepShort();
     File NewFile(const std::string& bytes);

@@ -1,7 +1,10 @@
 #include "qt/dialogs.h"
 
+#include "qt/documents.h"
 #include "qt/font_metrics.h"
+#include "qt/own_folder.h"
 #include "qt/text.h"
+#include "shell/rescued.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -15,6 +18,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QUrl>
 
 namespace quillon {
 
@@ -66,6 +70,13 @@ private:
 
     void closeEvent(QCloseEvent* event) override { event->ignore(); }
 };
+
+/// Whether a file is among those that the program keeps for the user.
+bool IsKept(const QString& path)
+{
+    const QString own = PathFromBytes(ChosenOwnFolder().Path);
+    return QFileInfo(path).absoluteFilePath().startsWith(own + '/');
+}
 
 /// Asked here, as a desktop's own dialog asks before the extension is added, about another file.
 bool MayReplace(QWidget* owner, const QString& path)
@@ -132,19 +143,30 @@ QString FileFilters(const QString& filter)
 std::optional<std::string> QtDialogs::RunFileDialog(QFileDialog& dialog)
 {
     runner.ShowForm();
+    QList<QUrl> places = dialog.sidebarUrls();
+    for (const QString& folder :
+         {PathFromBytes(RescuedFolder(ChosenOwnFolder().Path)), ExamplesFolder()})
+        if (QFileInfo(folder).isDir())
+            places += QUrl::fromLocalFile(folder);
+    dialog.setSidebarUrls(places);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return {};
     const QString path = dialog.selectedFiles().first();
-    lastFolder = QFileInfo(path).absolutePath();
+    if (!IsKept(path))
+        lastFolder = QFileInfo(path).absolutePath();
     return PathToBytes(path);
+}
+
+QString QtDialogs::FolderToBeginIn() const
+{
+    return lastFolder.isEmpty() ? QDir::currentPath() : lastFolder;
 }
 
 std::optional<std::string> QtDialogs::OpenFile(const std::string& filter,
                                                const std::string& defaultExtension)
 {
-    const QString folder = lastFolder.isEmpty() ? QDir::currentPath() : lastFolder;
     const Owner owner;
-    QFileDialog dialog(owner, "Open", folder, FileFilters(ToUnicode(filter)));
+    QFileDialog dialog(owner, "Open", FolderToBeginIn(), FileFilters(ToUnicode(filter)));
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setDefaultSuffix(ToUnicode(defaultExtension));
     return RunFileDialog(dialog);
@@ -155,9 +177,8 @@ std::optional<std::string> QtDialogs::SaveFile(const std::string& initialName,
                                                const std::string& defaultExtension)
 {
     const QFileInfo initial(PathFromBytes(initialName));
-    const QString folder = !initialName.empty()   ? initial.absolutePath()
-                           : lastFolder.isEmpty() ? QDir::currentPath()
-                                                  : lastFolder;
+    const bool isUsersOwn = !initialName.empty() && !IsKept(initial.absoluteFilePath());
+    const QString folder = isUsersOwn ? initial.absolutePath() : FolderToBeginIn();
     const Owner owner;
     QFileDialog dialog(owner, "Save As", folder, FileFilters(ToUnicode(filter)));
     dialog.setAcceptMode(QFileDialog::AcceptSave);

@@ -32,9 +32,11 @@ public:
 
 private:
     std::optional<std::string> RunFileDialog(QFileDialog& dialog);
+    QString FolderToBeginIn() const;
 
     Runner& runner;
-    QString lastFolder;  // of the last file chosen; at first, the folder to begin in
+    QString
+        lastFolder;  // of the last file chosen that was the user's own; at first, where to begin
 };
 
 /// "Label|pattern|Label|pattern" as the toolkit's filters. A part without a pattern is a bare

@@ -110,7 +110,10 @@ EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRun
     ConnectControls();
     ui->picPage->Connect(win.pages, runner, *ui->vsbPage);
     runner.ShowForm = [this] { ShowForm(); };
-    system.OnShow = [this](Form form) { otherForms.Open(form); };
+    system.OnShow = [this](Form form) {
+        if (form != Form::Splash || greets)
+            otherForms.Open(form);
+    };
     system.OnEnd = [this] { End(); };
     resize(screen()->availableSize().boundedTo(kLargestStart) - kFrameOfWindow);
     RestorePlace(*this);
@@ -198,7 +201,10 @@ void EditorWindow::FirstActivate()
     if (std::exchange(activated, true))
         return;
     runner.Run("Start", [this] { win.FirstActivate(commandLine); });
+    if (!greets)
+        runner.Run("Start", [this] { win.SplashClosed(); });
     runner.Steps.emplace(ValuesOf(win));
+    OnStarted();
     if (!commandLine.empty())
         ShowStartNote(this);
     ui->StaffBox->setFocus();  // what the window offers first, when it is not a form beside it
@@ -232,6 +238,7 @@ void EditorWindow::EndUnasked()
         // A handler waits in a dialog. It must not go on with an answer that nobody gave.
         std::quick_exit(EXIT_SUCCESS);
     }
+    endedUnasked = true;
     End();
 }
 

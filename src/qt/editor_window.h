@@ -15,6 +15,7 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 class QLineEdit;
@@ -33,8 +34,17 @@ public:
                  std::string theCommandLine);
     ~EditorWindow() override;
 
-    /// The run ends from outside: nothing is asked, and the rescue copy stays.
+    /// The run ends from outside: nothing is asked, and the journal stays.
     void EndUnasked();
+
+    /// Whether the user has ended the run.
+    bool HasEndedInOrder() const { return ended && !endedUnasked; }
+
+    /// Called when the start is over and history has begun.
+    std::function<void()> OnStarted = [] {};
+
+    /// The start shows no greeting.
+    void GreetNobody() { greets = false; }
 
     MoreMenu& More() { return strip->Menu(); }
 
@@ -79,6 +89,8 @@ private:
     bool showing = false;    // ShowForm moves the focus, not the user
     Control focusShown = Control::None;
     bool ended = false;
+    bool endedUnasked = false;
+    bool greets = true;
 };
 
 }  // namespace quillon

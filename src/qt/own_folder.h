@@ -1,4 +1,4 @@
-// The folder for the program's own files: tunings, the play file, rescue copies.
+// The folder for the program's own files: tunings, the play file, journals, rescued work.
 
 #pragma once
 

@@ -12,7 +12,7 @@
 #include "qt/settings.h"
 #include "qt/sound_loader.h"
 #include "qt/system.h"
-#include "shell/rescue.h"
+#include "shell/run_keeper.h"
 
 namespace quillon {
 
@@ -21,6 +21,7 @@ class Program {
 public:
     /// File dialogs begin in `startFolder`; "" is the current directory.
     explicit Program(std::string commandLine, const std::string& startFolder = {});
+    ~Program();
 
     /// False when the program cannot start; a box has said why.
     bool Start();
@@ -39,12 +40,18 @@ public:
         {dialogs, settings, system, printer, clipboard, player, midiPorts},
         metrics
     };
-    RescueCopy rescue{win.tune, win.form, system.ProgramFolder()};
     std::unique_ptr<EditorWindow> window;
+    std::optional<RunKeeper> keeper;  // when the start is over
     std::unique_ptr<EndFromOutside> endFromOutside;
 
 private:
+    void KeepRun();
+    void FillRescued(QMenu& menu);
+    void StartAgain(const std::string& journal) const;
+
     std::string commandLine;
+    std::string startFolder;
+    std::string resumed;  // journal of the run that this one takes over from, "" without one
 };
 
 }  // namespace quillon

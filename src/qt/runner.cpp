@@ -51,7 +51,6 @@ bool Runner::RunUnobserved(const QString& doing, const std::function<void()>& ha
         EndWithFault(doing, error.what(), {}, {});
     }
     busy = false;
-    KeepWork();
     ShowForm();
     return true;
 }
@@ -59,22 +58,30 @@ bool Runner::RunUnobserved(const QString& doing, const std::function<void()>& ha
 void Runner::EndWithFault(const QString& doing, const std::string& error,
                           const std::string& explanation, const std::string& file)
 {
-    const std::string rescued = KeepAtFault();
+    const KeptWork kept = KeepAtFault();
     ShowForm();
     QString text = ToUnicode(error);
     text.replace(0, 1, text.left(1).toUpper());
     if (!explanation.empty())
         text += '\n' + ToUnicode(explanation);
     text += "\nThe error occurred during: " + doing;
-    if (!rescued.empty())
-        text += "\nYour work has been saved in " + PathFromBytes(rescued);
+    if (!kept.Journal.empty())
+        text += "\nStart again goes on where you were before it happened.";
+    if (!kept.Journal.empty() && kept.Changed)
+        text += "\nYour work is also kept under More > Rescued Tunes.";
+    if (!kept.Tune.empty())
+        text += "\nYour work has been saved in " + PathFromBytes(kept.Tune);
     if (!file.empty())
         text += "\nThe file: " + PathFromBytes(file);
     QMessageBox box(QMessageBox::Critical, "Run-time error", text, QMessageBox::Ok,
                     QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
+    box.setEscapeButton(QMessageBox::Ok);
+    const QAbstractButton* startAgain =
+        kept.Journal.empty() ? nullptr : box.addButton("&Start Again", QMessageBox::ActionRole);
     QApplication::restoreOverrideCursor();
     box.exec();
+    EndByFault(startAgain && box.clickedButton() == startAgain);
     // The program's state cannot be trusted: nothing else of it may run.
     std::quick_exit(EXIT_FAILURE);
 }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "history/history.h"
+#include "shell/run_keeper.h"
 
 #include <QString>
 
@@ -21,11 +22,14 @@ public:
     /// Copies the main form's values to its controls. Also called before a dialog opens.
     std::function<void()> ShowForm = [] {};
 
-    /// Keeps unsaved work in the rescue copy. Called after each event.
-    std::function<void()> KeepWork = [] {};
+    /// A fault is about to end the program. Returns where the work is kept.
+    std::function<KeptWork()> KeepAtFault = [] { return KeptWork(); };
 
-    /// A fault is about to end the program. Returns the path of the rescue copy, "" without one.
-    std::function<std::string()> KeepAtFault = [] { return std::string(); };
+    /// The fault ends it, and another run takes over if the user wishes.
+    std::function<void(bool startAgain)> EndByFault = [](bool) {};
+
+    /// Why work is not being kept at the moment, "" if it is.
+    std::function<std::string()> Trouble = [] { return std::string(); };
 
     /// What can be undone. It begins when the start is over.
     std::optional<History> Steps;

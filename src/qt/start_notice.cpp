@@ -2,7 +2,7 @@
 
 #include "qt/own_folder.h"
 #include "qt/text.h"
-#include "shell/rescue.h"
+#include "shell/rescued.h"
 
 #include <QMessageBox>
 
@@ -21,19 +21,20 @@ QString AboutOwnFolder(const OwnFolder& folder)
            PathFromBytes(folder.Path) + ", which the system may clear.";
 }
 
-QString AboutRescueCopies(const std::string& folder)
+QString AboutRescuedWork(const std::string& folder)
 {
     constexpr std::size_t kMostNamed = 3;
-    const std::vector<std::string> copies = RescueCopiesIn(folder);
-    if (copies.empty())
+    std::vector<Rescued> rescued = RescuedIn(folder);
+    std::erase_if(rescued, [](const Rescued& one) { return one.Discarded; });
+    if (rescued.empty())
         return {};
-    QString text = "Unsaved work from an earlier session is in " + PathFromBytes(folder) + ':';
-    const std::size_t named = std::min(copies.size(), kMostNamed);
-    for (std::size_t i = copies.size(); i > copies.size() - named; --i)
-        text += '\n' + PathFromBytes(copies[i - 1]);
-    if (copies.size() > named)
-        text += QString("\nand %1 more").arg(copies.size() - named);
-    return text + "\nTo look at it, choose File > Open.";
+    QString text = "Unsaved work from an earlier session:";
+    const std::size_t named = std::min(rescued.size(), kMostNamed);
+    for (std::size_t i = 0; i < named; ++i)
+        text += '\n' + PathFromBytes(rescued[i].Name);
+    if (rescued.size() > named)
+        text += QString("\nand %1 more").arg(rescued.size() - named);
+    return text + "\nTo bring it back, choose More > Rescued Tunes.";
 }
 
 }  // namespace
@@ -41,9 +42,12 @@ QString AboutRescueCopies(const std::string& folder)
 QString StartNotice()
 {
     const OwnFolder& folder = ChosenOwnFolder();
-    const QString trouble = AboutOwnFolder(folder);
-    const QString copies = AboutRescueCopies(folder.Path);
-    return trouble + (trouble.isEmpty() || copies.isEmpty() ? "" : "\n\n") + copies;
+    QStringList parts{AboutOwnFolder(folder)};
+    for (const std::string& note : RescueEndedRuns(folder.Path))
+        parts += PathFromBytes(note);
+    parts += AboutRescuedWork(folder.Path);
+    parts.removeAll(QString());
+    return parts.join("\n\n");
 }
 
 void ShowStartNote(QWidget* mainWindow)

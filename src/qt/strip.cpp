@@ -220,6 +220,7 @@ void Strip::Show()
     menu->ShowEnabled();
     RememberTune();
     TuneState now = StateOf(win, steps && steps->Changed());
+    now.Trouble = runner.Trouble();
     if (now == state)
         return;
     state = std::move(now);

@@ -5,6 +5,8 @@
 #include "store/staged_file.h"
 #include "store/tune_file.h"
 
+#include <system_error>
+
 namespace quillon {
 
 namespace {
@@ -167,6 +169,13 @@ void MainWin::Unload()
         AskToSave();
 }
 
+bool MainWin::MayLeaveTune()
+{
+    if (form.Saved == SavedState::Unsaved)
+        AskToSave();
+    return form.Saved != SavedState::Unsaved;
+}
+
 void MainWin::AskToSave()
 {
     if (!platform.dialogs.Ask("", kSaveQuestion)) {
@@ -188,9 +197,7 @@ void MainWin::mnuNew()
     form.cmdNextCaption = "Next";
     form.cmdPreviousCaption = "Previous";
     editor.HideCaret();
-    if (form.Saved == SavedState::Unsaved)
-        AskToSave();
-    if (form.Saved == SavedState::Unsaved)
+    if (!MayLeaveTune())
         return;
     ++form.Openings;
     tune.FileName.clear();
@@ -232,9 +239,7 @@ void MainWin::OpenTune(const std::function<std::optional<std::string>()>& choose
     pages.PageMax = 0;
     form.cmdNextCaption = "Next";
     form.cmdPreviousCaption = "Previous";
-    if (form.Saved == SavedState::Unsaved)
-        AskToSave();
-    if (form.Saved == SavedState::Unsaved)
+    if (!MayLeaveTune())
         return;
     form.Saved = SavedState::Saved;  // before the dialog: a cancelled one leaves unsaved edits
                                      // marked as saved
@@ -323,7 +328,14 @@ void MainWin::WriteTuneFile()
     if (IsLocked(tune.FileName))
         throw Fault::OfFile(Error::PathFileAccess, tune.FileName,
                             "a Quillon that is running keeps its unsaved work there");
-    WriteFileBytes(tune.FileName, TuneBytes(tune));
+    const std::string bytes = TuneBytes(tune);
+    BeforeWriting(tune.FileName, bytes);
+    WriteFileBytes(tune.FileName, bytes);
+    try {
+        SyncFile(tune.FileName);
+    } catch (const std::system_error& error) {
+        throw Fault::OfFile(Error::PathFileAccess, tune.FileName, error.code().message());
+    }
     ++form.Writes;
 }
 

@@ -58,6 +58,13 @@ public:
     /// The system closes the form. It closes even if the work is still unsaved.
     void Unload();
 
+    /// Before the tune's file is emptied and written: its path, and what it will hold.
+    std::function<void(const std::string& path, const std::string& bytes)> BeforeWriting =
+        [](const std::string&, const std::string&) {};
+
+    /// Asks whether to save the tune, if it is unsaved. False if it is still unsaved then.
+    bool MayLeaveTune();
+
     // File
     void mnuNew();
     void mnuOpen();

@@ -76,6 +76,8 @@ StateLine LineOf(const TuneState& state)
         line.Name = "New tune";
     if (state.Changed)
         line.Changed = "changed";
+    if (state.Changed && !state.Trouble.empty())
+        line.Changed += ", not being kept (" + state.Trouble + ")";
     if (state.Pages > 0 && state.Page <= state.Pages)
         line.Page = "page " + std::to_string(state.Page) + " of " + std::to_string(state.Pages);
     if (state.TicksTooMany != 0)

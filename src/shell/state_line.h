@@ -13,8 +13,9 @@ namespace quillon {
 struct TuneState {
     std::string FileName;  // path, "" when the tune has none
     bool Changed = false;
-    int Page = 0;   // the shown one, from 1
-    int Pages = 0;  // 0: the tune has not been laid out
+    std::string Trouble;  // why its work is not being kept, "" if it is
+    int Page = 0;         // the shown one, from 1
+    int Pages = 0;        // 0: the tune has not been laid out
     int Measure = 0;
     int TicksTooMany = 0;  // in the measure; below 0: missing; 0: nothing to tell
     int BeatUnit = 4;

@@ -72,6 +72,20 @@ std::string GrowingFile::Read(std::size_t from, std::size_t to) const
     return bytes;
 }
 
+FileLock::FileLock(const std::string& path)
+    : descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC))
+{
+    struct stat there;
+    isOfAnotherUser = lstat(path.c_str(), &there) == 0 && there.st_uid != geteuid();
+    isTaken = descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
+FileLock::~FileLock()
+{
+    if (descriptor >= 0)
+        close(descriptor);
+}
+
 bool GrowingFile::IsInPlace() const
 {
     struct stat mine;

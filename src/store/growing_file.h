@@ -41,4 +41,24 @@ private:
     std::size_t size = 0;
 };
 
+/// Locks a file of an ended run, so that no other run takes it too.
+class FileLock {
+public:
+    explicit FileLock(const std::string& path);
+    ~FileLock();
+
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    /// Whether its run lives, or another one has it.
+    bool IsTaken() const { return isTaken; }
+
+    bool IsOfAnotherUser() const { return isOfAnotherUser; }
+
+private:
+    int descriptor;
+    bool isTaken = false;
+    bool isOfAnotherUser = false;
+};
+
 }  // namespace quillon

@@ -147,6 +147,21 @@ void StagedFile::TakePlace()
     file.Rename(place);
 }
 
+void SyncFile(const fs::path& path)
+{
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored))
+        return;
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return;  // it may be written, but not read
+    const bool failed = fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP;
+    const int reason = errno;
+    close(descriptor);
+    if (failed)
+        Fail(reason);
+}
+
 void SyncFolder(const fs::path& folder)
 {
     const int descriptor =

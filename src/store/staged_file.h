@@ -66,6 +66,9 @@ private:
     TemporaryFile file;
 };
 
+/// Brings a file that has been written to the disk. Streams are left alone.
+void SyncFile(const std::filesystem::path& path);
+
 /// Syncs the names in a folder ("" is the current one) to disk, as far as the system can.
 void SyncFolder(const std::filesystem::path& folder);
 

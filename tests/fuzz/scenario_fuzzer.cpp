@@ -6,7 +6,7 @@
 // bare name, so that nothing outside the folder is touched.
 
 #include "headless/scenario.h"
-#include "shell/rescue.h"
+#include "shell/rescued.h"
 #include "store/tune_file.h"
 #include "support/temporary_directory.h"
 #include "support/tunes.h"

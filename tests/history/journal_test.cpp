@@ -47,12 +47,8 @@ protected:
 
     void KeepIn(Journal& journal)
     {
-        Past().Keep = [&](std::string_view entry) { journal.Append(entry); };
-    }
-
-    ~JournalTest() override
-    {
-        Past().Keep = [](std::string_view) {};
+        keeper.To = &journal;
+        Past().Keeper = &keeper;
     }
 
     std::vector<fs::path> Files() const
@@ -68,7 +64,15 @@ protected:
         return ReadJournal(ReadFileBytes(path));
     }
 
+    struct ToJournal : HistoryKeeper {
+        void Happens(const Event&) override {}
+        void Append(std::string_view entry) override { To->Append(entry); }
+
+        Journal* To = nullptr;
+    };
+
     TemporaryDirectory folder;
+    ToJournal keeper;
     std::string own = folder.Path("own");
     std::ostringstream output;
     Scenario scenario{folder.Path(), output};
@@ -89,10 +93,7 @@ protected:
         constexpr std::size_t kFrameHead = 8;
         moments[0] = "";
         moments[kJournalMark.size() + kFrameHead + EntriesOf(Past().Steps(), 0)[0].size()] = Now();
-        Past().Keep = [&](std::string_view entry) {
-            journal.Append(entry);
-            moments[journal.Bytes().size()] = Now();
-        };
+        journal.Appended = [&] { moments[journal.Bytes().size()] = Now(); };
         if (IsThorough())
             PlayStory();
         else
@@ -240,7 +241,7 @@ TEST_F(JournalTest, StaysShortHoweverMuchIsTyped)
             longest = std::max<std::size_t>(longest, fs::file_size(journal.Path()));
         }
     }
-    Past().Keep = [](std::string_view) {};
+    Past().Keeper = nullptr;
     const std::string end = Now();
     journal.End(Ending::Lost);
     ASSERT_EQ(Files().size(), 1U);

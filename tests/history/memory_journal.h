@@ -6,32 +6,35 @@
 #include "history/history.h"
 #include "history/journal_file.h"
 
+#include <functional>
 #include <string>
 
 namespace quillon {
 
-class MemoryJournal {
+class MemoryJournal : public HistoryKeeper {
 public:
     explicit MemoryJournal(History& theHistory) : history(theHistory)
     {
         Begin();
-        history.Keep = [this](std::string_view entry) { Append(entry); };
+        history.Keeper = this;
     }
 
-    ~MemoryJournal()
-    {
-        history.Keep = [](std::string_view) {};
-    }
+    ~MemoryJournal() override { history.Keeper = nullptr; }
 
     MemoryJournal(const MemoryJournal&) = delete;
     MemoryJournal& operator=(const MemoryJournal&) = delete;
 
-    void Append(std::string_view entry)
+    void Happens(const Event&) override {}
+
+    void Append(std::string_view entry) override
     {
         bytes += Frame(entry, progress);
         if (history.UndoCount() < progress.Forgotten)
             Begin();
+        Appended();
     }
+
+    std::function<void()> Appended = [] {};
 
     const std::string& Bytes() const { return bytes; }
 

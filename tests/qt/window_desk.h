@@ -5,6 +5,7 @@
 #include "qt/program.h"
 #include "scratch_user.h"
 
+#include <QFile>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
@@ -41,9 +42,9 @@ struct WindowDesk {
     {
         if (!program)
             return;
-        Core().form.Saved = SavedState::Saved;
-        program->runner.KeepWork();  // no copy is left to the next test
+        const std::string journal = program->keeper ? program->keeper->JournalPath() : "";
         program.reset();
+        QFile::remove(QString::fromStdString(journal));  // nothing is left to the next test
     }
 
     /// Types notes of a whole measure on the lowest string.

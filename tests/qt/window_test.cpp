@@ -34,6 +34,14 @@ class WindowTest : public QObject, private WindowDesk {
     Q_OBJECT
 
 private:
+    /// It has the tune as it stands.
+    void VerifyJournal()
+    {
+        const std::string bytes = ReadFileBytes(program->keeper->JournalPath());
+        const Moment last = ReadJournal(bytes).Run->Last();
+        QCOMPARE(RescueBytes(last.Music, last.Form), RescueBytes(Core().tune, Core().form));
+    }
+
     static std::string RescueFolder() { return QtSystem().ProgramFolder(); }
 
     /// Drops on the window; returns whether it was taken.
@@ -594,21 +602,21 @@ private slots:
         QVERIFY(!Drop({tune}));
     }
 
-    void SignalEndsTheRunWithoutAQuestionAndKeepsTheCopy()
+    void SignalEndsTheRunWithoutAQuestionAndKeepsTheJournal()
     {
         for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
             QTest::keyClicks(Staff(), "1");
-            QVERIFY(IsLocked(program->rescue.Path()));
+            QVERIFY(IsLocked(program->keeper->JournalPath()));
             QTimer::singleShot(0, qApp, [signal] { std::raise(signal); });
             QCOMPARE(QApplication::exec(), 0);
             QVERIFY(!Window().isVisible());
-            QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core().tune, Core().form));
+            VerifyJournal();
             End();
             Begin();
         }
     }
 
-    void SessionEndKeepsTheCopy()
+    void SessionEndKeepsTheJournal()
     {
         QTest::keyClicks(Staff(), "1");
         QTimer::singleShot(0, qApp, [] {
@@ -616,21 +624,22 @@ private slots:
             QApplication::sendEvent(qApp, &quit);
         });
         QCOMPARE(QApplication::exec(), 0);
-        QCOMPARE(ReadFileBytes(program->rescue.Path()), RescueBytes(Core().tune, Core().form));
+        VerifyJournal();
     }
 
-    void GreetingTellsOfRescueCopies()
+    void GreetingTellsOfRescuedWork()
     {
         QVERIFY(!SplashForm(nullptr).findChild<QLabel*>("Label2")->text().contains("Unsaved"));
-        const std::string stem = RescueFolder() + "/Rescue-2024010";
+        const std::string stem = RescueFolder() + "/reel-Rescue-2024010";
         for (const char* name : {"1-120000.gui", "2-120000.gui", "3-120000.bjo", "4-120000.gui"})
             WriteFileBytes(stem + name, "");
+        WriteFileBytes(RescueFolder() + "/air-Discarded-20240105-120000.gui", "");
         const QString text = SplashForm(nullptr).findChild<QLabel*>("Label2")->text();
-        QVERIFY(text.contains("\nRescue-20240104-120000.gui\nRescue-20240103-120000.bjo\n"));
-        QVERIFY(!text.contains("Rescue-20240101"));
+        QVERIFY(text.contains("\nreel, 04 Jan 12:00\nreel, 03 Jan 12:00\n"));
+        QVERIFY(!text.contains("01 Jan"));
+        QVERIFY(!text.contains("air"));
         QVERIFY(text.contains("\nand 1 more"));
-        for (const std::string& name : RescueCopiesIn(RescueFolder()))
-            QFile::remove(QString::fromStdString(RescueFolder() + '/' + name));
+        std::filesystem::remove_all(RescuedFolder(RescueFolder()));
     }
 };
 

@@ -1,8 +1,7 @@
-#include "shell/rescue.h"
+#include "shell/rescued.h"
 #include "store/tune_file.h"
 #include "support/desk.h"
 
-#include <regex>
 #include <string_view>
 
 namespace quillon {
@@ -19,19 +18,6 @@ protected:
         WriteFileBytes("tune.gui", TuneBytes(tune));
         Open("tune.gui");
         win.editor.cmdNext();
-    }
-
-    /// Path of a copy that is written for the first time.
-    std::string Written()
-    {
-        RescueCopy copy(win.tune, win.form, folder.Path());
-        copy.Refresh();
-        return copy.Path();
-    }
-
-    static std::string NameOf(const std::string& path)
-    {
-        return std::filesystem::path(path).filename();
     }
 
     /// What is read back from the rescue copy.
@@ -53,58 +39,6 @@ protected:
         return frets;
     }
 };
-
-TEST_F(Rescue, CopyIsNamedByTheTuneTheTimeAndTheInstrument)
-{
-    Type("1\r");
-    const std::string path = Written();
-    EXPECT_TRUE(
-        std::regex_match(NameOf(path), std::regex("Untitled-Rescue-\\d{8}-\\d{6}-[a-z]{8}\\.gui")))
-        << path;
-    EXPECT_EQ(ReadFileBytes(path), TuneBytes(win.tune));
-}
-
-TEST_F(Rescue, CopyNeverReplacesAnother)
-{
-    Type("1\r");
-    EXPECT_NE(Written(), Written());
-}
-
-TEST_F(Rescue, CopyIsNamedForAnyNameThatATuneMayHave)
-{
-    Type("1\r");
-    std::string longName;
-    for (int i = 0; i < 63; ++i)
-        longName += "\xf0\x9d\x84\x9e";  // a clef of four bytes
-    const std::pair<std::string, std::string> names[] = {
-        {"/home/me/Reel No. 2.gui", "Reel No. 2"},
-        {"/home/me/tune", "tune"},
-        {"/home/me/.gui", "_gui"},
-        {"/home/me/two\nlines\t\x7f.gui", "two_lines__"},
-        {"/home/me/\xc3\xa9tude.gui", "\xc3\xa9tude"},
-        {"/home/me/\xe9tude \xc3.gui", "_tude _"},
-        {"/own/reel-Rescue-20240101-120000-abcdefgh.gui", "reel"},
-        {"/home/me/" + longName.substr(0, 248) + ".gui", longName.substr(0, 160)},
-    };
-    for (const auto& [fileName, name] : names) {
-        win.tune.FileName = fileName;
-        const std::string copy = NameOf(Written());
-        EXPECT_TRUE(copy.starts_with(name + "-Rescue-")) << copy;
-        EXPECT_EQ(RescueCopiesIn(folder.Path()), std::vector{copy});
-        std::filesystem::remove(copy);
-    }
-}
-
-TEST_F(Rescue, CopiesAreFoundInTheOrderOfTheirTimes)
-{
-    const std::string names[] = {"Rescue-20240101-120000.gui", "reel-Rescue-20240102-120000-x.bjo",
-                                 "air-Rescue-20240103-120000-x.gui"};
-    for (const std::string& name : {names[2], names[0], names[1]})
-        WriteFileBytes(name, "");
-    for (const char* name : {"Strings6.tun", "Rescue-me.gui", ".quillon-1"})
-        WriteFileBytes(name, "");
-    EXPECT_EQ(RescueCopiesIn(folder.Path()), std::vector(std::begin(names), std::end(names)));
-}
 
 TEST_F(Rescue, CopyHoldsTheTailThatAnInsertionHasParked)
 {
@@ -183,36 +117,6 @@ TEST_F(Rescue, CopyHoldsTheTailThoughEditsCountedTheTableBelowNothing)
     win.editor.mnuInsMeas();
     win.tune.LastNote = -1;
     EXPECT_NE(RescueBytes(win.tune, win.form).find("\r\n1,7,48\r\n"), std::string::npos);
-}
-
-TEST_F(Rescue, AnAppendThatThrowsTheTailAwayLeavesOneCopyBehind)
-{
-    OpenFullMeasures(3);
-    RescueCopy copy(win.tune, win.form, folder.Path());
-    win.editor.mnuInsMeas();
-    copy.Refresh();
-    const std::string left = copy.Path();
-    win.editor.mnuAppend();
-    copy.Refresh();
-    Type("9\r");
-    copy.Refresh();
-    EXPECT_EQ(RescueCopiesIn(folder.Path()), std::vector{NameOf(left)});
-    EXPECT_NE(copy.Path(), left);
-    EXPECT_NE(ReadFileBytes(left).find("\r\n3,7,48\r\n"), std::string::npos);
-    EXPECT_EQ(ReadFileBytes(copy.Path()), TuneBytes(win.tune));
-}
-
-TEST_F(Rescue, AnInsertionWithinAnEmptyInsertedMeasureLeavesTheCopyWithTheTailBehind)
-{
-    OpenFullMeasures(3);
-    RescueCopy copy(win.tune, win.form, folder.Path());
-    win.editor.mnuInsMeas();
-    copy.Refresh();
-    const std::string left = copy.Path();
-    win.editor.mnuInsMeas();
-    copy.Refresh();
-    EXPECT_NE(copy.Path(), left);
-    EXPECT_NE(ReadFileBytes(left).find("\r\n3,7,48\r\n"), std::string::npos);
 }
 
 }  // namespace
