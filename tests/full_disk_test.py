@@ -10,6 +10,7 @@ on which users may create namespaces.
 """
 
 import errno
+import json
 import os
 import pathlib
 import re
@@ -32,6 +33,7 @@ APART = "--apart"  # first argument of the run that has its own mounts
 PAGE = 4096  # bytes: what a disk gives away at a time
 PROGRAMS = pathlib.Path()  # set by main
 FAULT = "run-time error 75: path/file access error"
+JOURNAL = object()  # where work is kept when the program's folder takes it
 BOX = "Run-time error: Run-time error 75: path/file access error"
 
 FORMS = ("pdf", "svg", "png", "mid", "wav", "gui", "measure-log", "page-log", "print-log")
@@ -558,10 +560,19 @@ class Window(DiskTest):
         return shutil.copy(TUNE, disk.path)
 
     def rescued(self, folder=None):
-        """The bytes of the one rescue copy there, None without any."""
-        copies = list((folder or self.home / "data/quillon").glob("*-Rescue-*"))
-        self.assertLess(len(copies), 2)
-        return copies[0].read_bytes() if copies else None
+        """The bytes of the one tune there that the next start would bring back, None without any."""
+        journals = list((folder or self.home / "data/quillon").glob("Run-*.journal"))
+        told = subprocess.run([PROGRAMS / "read_journals"], input="\n".join(map(str, journals)),
+                              capture_output=True, check=True, text=True).stdout
+        tunes = []
+        for journal in map(json.loads, told.splitlines()):
+            saved = bytes.fromhex(journal.get("saved", ""))
+            path = pathlib.Path(bytes.fromhex(journal.get("saved_path", "")).decode())
+            spoilt = saved and not (path.is_file() and path.read_bytes() == saved)
+            if journal.get("changed") or spoilt:
+                tunes.append(bytes.fromhex(journal["tune"]))
+        self.assertLess(len(tunes), 2)
+        return tunes[0] if tunes else None
 
     def saved_after(self, *lines):
         """What the tune's file holds when those lines are done and it is saved."""
@@ -580,8 +591,11 @@ class Window(DiskTest):
         self.assertEqual(lines[:2], [BOX, f"The error occurred during: {doing}"])
         if kept is None:
             self.assertEqual(len(lines), 3)
+        elif kept == JOURNAL:
+            self.assertEqual(lines[2:-1], ["Start again goes on where you were before it happened.",
+                                           "Your work is also kept under More > Rescued Tunes."])
         else:
-            self.assertRegex(lines[2], f"^Your work has been saved in {re.escape(str(kept))}/.+-Rescue-")
+            self.assertRegex(lines[2], f"^Your work has been saved in {re.escape(str(kept))}/")
             self.assertEqual(len(lines), 4)
         self.assertRegex(lines[-1], rf"^The file: {re.escape(str(file or '/'))}")
 
@@ -593,14 +607,14 @@ class Window(DiskTest):
         window.do(*self.GROW)
         disk.fill()
         window.do("menu mnuSave")
-        self.assert_fault(window, "Save", self.home / "data/quillon",
+        self.assert_fault(window, "Save", JOURNAL,
                           f"{disk.path / TUNE.name} (No space left on device)")
         expected = self.saved_after(*self.GROW)
         self.assertEqual(self.rescued(), expected)
         self.assertGreater(len(expected), len((disk.path / TUNE.name).read_bytes()))
-        reopened = self.window(next((self.home / "data/quillon").glob("*-Rescue-*")))
-        self.assertEqual((reopened.open, reopened.boxes), (True, []))
-        self.assertEqual(reopened.end(), 0)
+        self.window().end()
+        (rescued,) = (self.home / "data/quillon/Rescued").glob("*.gui")
+        self.assertEqual(rescued.read_bytes(), expected)
 
     def test_save_of_an_unchanged_tune_keeps_it_too(self):
         tune = self.work / "tune.gui"
@@ -609,7 +623,7 @@ class Window(DiskTest):
         tune.unlink()
         tune.symlink_to("/dev/full")
         window.do("menu mnuSave")
-        self.assert_fault(window, "Save", self.home / "data/quillon")
+        self.assert_fault(window, "Save", JOURNAL)
         self.assertEqual(self.rescued(), TUNE.read_bytes())
 
     def test_save_where_the_file_cannot_be_opened_leaves_it_whole(self):
@@ -625,7 +639,7 @@ class Window(DiskTest):
                 os.rename(path, disk.path / "before.gui")
                 os.mkdir(path)
             window.do("menu mnuSave")
-            self.assert_fault(window, "Save", self.home / "data/quillon")
+            self.assert_fault(window, "Save", JOURNAL)
             self.assertEqual(self.rescued(), self.saved_after("type 7", "key Enter"))
             shutil.rmtree(self.home / "data")
         self.assertEqual((disk.path / "before.gui").read_bytes(), TUNE.read_bytes())
@@ -637,7 +651,7 @@ class Window(DiskTest):
         window.do("type 7", "key Enter")
         shutil.rmtree(folder)
         window.do("menu mnuSave")
-        self.assert_fault(window, "Save", self.home / "data/quillon")
+        self.assert_fault(window, "Save", JOURNAL)
         self.assertEqual(self.rescued(), self.saved_after("type 7", "key Enter"))
 
     def test_save_as_on_a_full_disk_says_nothing_and_the_window_goes_on(self):
@@ -656,26 +670,24 @@ class Window(DiskTest):
         self.assertFalse(window.do("menu mnuExit"))
         self.assertEqual((window.end(), window.boxes), (0, []))
 
-    # The rescue copy
+    # The journal
 
-    def test_a_rescue_copy_that_finds_no_room_stays_as_it_is(self):
+    def test_a_journal_that_finds_no_room_falls_behind_and_catches_up(self):
         disk = self.disk()
         window = self.window(shutil.copy(TUNE, self.work), XDG_DATA_HOME=disk.path)
         window.do("type 7", "key Enter")
-        before = self.rescued(disk.path / "quillon")
-        self.assertEqual(before, self.saved_after("type 7", "key Enter"))
-        for spare in 0, PAGE:  # a part of the new copy finds room
-            disk.fill(spare)
-            window.do("type 8", "key Enter")
-            self.assertEqual((window.open, window.boxes), (True, []))
-            self.assertEqual(self.rescued(disk.path / "quillon"), before)
+        self.assertEqual(self.rescued(disk.path / "quillon"), self.saved_after("type 7", "key Enter"))
+        disk.fill()
+        window.do(*self.GROW)
+        self.assertEqual((window.open, window.boxes), (True, []))
+        expected = self.saved_after("type 7", "key Enter", *self.GROW)
+        self.assertNotIn(self.rescued(disk.path / "quillon"), (None, expected))
         disk.free()
         window.do("key Down")
-        copy = self.rescued(disk.path / "quillon")
+        self.assertEqual(self.rescued(disk.path / "quillon"), expected)
         window.do("menu mnuSave")
-        self.assertEqual((self.work / TUNE.name).read_bytes(), copy)
+        self.assertEqual((self.work / TUNE.name).read_bytes(), expected)
         self.assertIsNone(self.rescued(disk.path / "quillon"))
-        self.assertNotEqual(copy, before)
         self.assertEqual(window.end(), 0)
 
     def test_a_folder_of_the_program_that_cannot_be_used_gives_way_to_a_private_one(self):
@@ -713,7 +725,7 @@ class Window(DiskTest):
                     self.assertEqual((own / "Strings6.tun").read_bytes(), tunings)
                 again = self.window(XDG_DATA_HOME=data)
                 self.assertEqual(len(again.notes), 1)
-                self.assertIn(f"earlier session is in {own}:\\ntune-Rescue-", again.notes[0])
+                self.assertIn("earlier session:\\ntune, ", again.notes[0])
                 self.assertEqual((again.end(), again.boxes), (0, []))
                 shutil.rmtree(own)
 
@@ -736,13 +748,12 @@ class Window(DiskTest):
         for kept_before in (), ("type 7", "key Enter"):
             window = self.window(path, XDG_DATA_HOME=disk.path)
             window.do(*kept_before)
-            before = self.rescued(disk.path / "quillon")
             disk.fill()
             window.do(*self.GROW, "menu mnuSave")
             self.assert_fault(window, "Save", self.home / "temporary")
             expected = self.saved_after(*kept_before, *self.GROW)
-            self.assertEqual(self.rescued(self.home / "temporary"), expected)
-            self.assertEqual(self.rescued(disk.path / "quillon"), before)
+            (kept,) = (self.home / "temporary").glob("*.gui")
+            self.assertEqual(kept.read_bytes(), expected)
             shutil.rmtree(self.home / "temporary")
             (self.home / "temporary").mkdir()
             disk.free()
@@ -762,7 +773,6 @@ class Window(DiskTest):
         window.do("type 7", f"file {disk.path}/new.gui", "menu mnuSaveAs", "menu mnuSave")
         self.assert_fault(window, "Save")
         self.assertEqual(disk.names(), [TUNE.name, "new.gui", "quillon"])
-        self.assertIsNone(self.rescued(disk.path / "quillon"))
         self.assertEqual(other.names(), [])
 
     # Scratch files
@@ -778,7 +788,7 @@ class Window(DiskTest):
                 window.do("type 7", "key Enter")
                 disk.fill()
                 window.do(*lines)
-                self.assert_fault(window, doing, self.home / "data/quillon")
+                self.assert_fault(window, doing, JOURNAL)
                 self.assertEqual(self.rescued(), self.saved_after("type 7", "key Enter"))
                 shutil.rmtree(self.home / "data")
 
@@ -788,7 +798,7 @@ class Window(DiskTest):
         window.do("menu mnuInsMeas", "type 7", "key Enter")
         disk.protect()
         window.do("press cmdNext")
-        self.assert_fault(window, "Next", self.home / "data/quillon")
+        self.assert_fault(window, "Next", JOURNAL)
         expected = self.saved_after("menu mnuInsMeas", "type 7", "key Enter", "press cmdNext")
         self.assertEqual(self.rescued(), expected)
 
@@ -836,7 +846,8 @@ class Window(DiskTest):
         disk.fill()
         report = BOX + r"\nThe MIDI file cannot be written."
         self.assertEqual(self.build(window, 1), [report])
-        self.assertEqual(os.listdir(disk.path / "quillon"), ["Strings6.tun"])
+        left = {path.suffix for path in (disk.path / "quillon").iterdir() if path.is_file()}
+        self.assertEqual(left, {".journal", ".tun"})
         disk.free()
         self.assertEqual(self.build(window, 1), [])
         whole = (disk.path / "quillon/Playfile.mid").read_bytes()

@@ -60,7 +60,7 @@ void Program::KeepRun()
     runner.KeepAtFault = [this] { return keeper->AtFault(); };
     runner.EndByFault = [this](bool startAgain) {
         const std::string journal = keeper->JournalPath();
-        keeper->EndByFault(startAgain);
+        keeper->EndByFault();
         if (startAgain)
             StartAgain(journal);
     };

@@ -270,7 +270,7 @@ std::string RescueBytes(const Tune& tune, const MainForm& form)
 {
     std::string bytes = TuneBytes(tune);
     const int last = std::max(int{tune.LastNote}, 0);  // edits can count an empty table below 0
-    if (!form.Parked.Bytes.empty())
+    if (form.InputMode == InputMode::Insert)
         AppendParkedTail(bytes, form.Parked, tune[last].Measure);
     return bytes;
 }

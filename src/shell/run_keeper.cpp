@@ -29,31 +29,30 @@ RunKeeper::~RunKeeper()
     win.BeforeWriting = [](const std::string&, const std::string&) {};
 }
 
-/// Whether the tail that was parked after the last event is neither parked nor in the table now, or
-/// the tune was saved without it.
-bool RunKeeper::TailWasLost() const
+/// Whether the tail that was parked before the event is neither parked nor in the table now, or the
+/// tune was saved without it.
+bool RunKeeper::LosesTail(const Event& event) const
 {
     const MainForm& form = win.form;
     if (parked.empty() || form.Discarded)
         return false;
-    if (form.Saved != SavedState::Unsaved)
+    if (event.SavedBefore || event.SavedAfter)
         return true;
-    const ParkedTail& now = form.Parked;
-    const bool inserting = form.InputMode == InputMode::Insert;
-    if (now.Bytes.empty())
-        return inserting;  // read back, unless a second insertion has parked nothing in its place
-    return now.Bytes != parked || (now.RecordsBack == 0 && !inserting);
+    const std::string& now = form.Parked.Bytes;
+    return form.InputMode == InputMode::Insert ? now != parked : !now.empty();
 }
 
 void RunKeeper::Happens(const Event& event)
 {
     const bool leavesTune = event.Begins && event.Begins->BeginsTune && !event.SavedBefore;
-    const bool tailWasLost = TailWasLost();
-    if (tailWasLost || (leavesTune && history.Changed()))
+    if (history.Changed() && (leavesTune || LosesTail(event)))
         journal.LeaveBehind(HowItEnds());
-    if (tailWasLost && win.form.InputMode != InputMode::Insert)
-        win.form.Parked = {};  // no command reads it back any more
-    parked = win.form.Parked.Bytes;
+}
+
+void RunKeeper::Append(std::string_view entry)
+{
+    parked = win.form.InputMode == InputMode::Insert ? win.form.Parked.Bytes : "";
+    journal.Append(entry);
 }
 
 Ending RunKeeper::HowItEnds() const
@@ -72,7 +71,7 @@ void RunKeeper::EndInOrder()
 KeptWork RunKeeper::AtFault() const
 {
     KeptWork kept;
-    kept.Changed = history.Changed();
+    kept.Changed = history.Changed() || win.form.Saved == SavedState::Unsaved;
     const std::string path = journal.Path();
     std::error_code missing;
     if (journal.Trouble().empty() && fs::exists(path, missing)) {
@@ -82,14 +81,6 @@ KeptWork RunKeeper::AtFault() const
         kept.Tune = WriteRescueCopy(last.Music, last.Form, fs::temp_directory_path(missing));
     }
     return kept;
-}
-
-void RunKeeper::EndByFault(bool startAgain)
-{
-    if (history.Changed() || startAgain)
-        journal.Release();
-    else
-        journal.Remove();
 }
 
 void RunKeeper::Open(const Rescued& rescued)
@@ -105,7 +96,8 @@ void RunKeeper::Open(const Rescued& rescued)
         return;
     }
     std::error_code ignored;
-    fs::remove(rescued.Tune, ignored);
+    if (!fs::exists(rescued.Journal, ignored))
+        fs::remove(rescued.Tune, ignored);
 }
 
 bool RunKeeper::OpenJournal(const std::string& path, const std::string& stepName)
@@ -113,14 +105,15 @@ bool RunKeeper::OpenJournal(const std::string& path, const std::string& stepName
     const JournalContents contents = ReadJournal(ReadFileBytes(path));
     if (!contents.Run)
         return false;
+    history.Observe(Input::Command, {});  // the tune that goes may just have been saved
     if (history.Changed())
         journal.LeaveBehind(HowItEnds());
     history.Adopt(*contents.Run, stepName);
-    parked = win.form.Parked.Bytes;
     ShowPages();
     journal.Sync();
     std::error_code ignored;
-    fs::remove(path, ignored);
+    if (journal.Trouble().empty())
+        fs::remove(path, ignored);
     return true;
 }
 

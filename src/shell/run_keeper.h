@@ -16,7 +16,7 @@ namespace quillon {
 struct KeptWork {
     std::string Journal;   // its path, "" if it could not be written
     std::string Tune;      // path of a tune file that takes its place, "" if none was needed
-    bool Changed = false;  // there is work that is in no other file
+    bool Changed = false;  // there is work that may be in no other file
 };
 
 class RunKeeper : HistoryKeeper {
@@ -34,9 +34,8 @@ public:
     /// A fault is about to end the run. Returns where the work from before the event is kept.
     KeptWork AtFault() const;
 
-    /// The run ends by a fault. Another one may open the journal from now on; if the next run is
-    /// not about to, a journal without work goes.
-    void EndByFault(bool startAgain);
+    /// The run ends by a fault. Another one may open the journal from now on.
+    void EndByFault() { journal.Release(); }
 
     /// Opens rescued work as a step, after the save question. It goes on where it was, and is among
     /// the rescued tunes no longer.
@@ -52,8 +51,8 @@ public:
 
 private:
     void Happens(const Event& event) override;
-    void Append(std::string_view entry) override { journal.Append(entry); }
-    bool TailWasLost() const;
+    void Append(std::string_view entry) override;
+    bool LosesTail(const Event& event) const;
     Ending HowItEnds() const;
     void ShowPages();
 
@@ -61,7 +60,7 @@ private:
     History& history;
     std::string folder;
     Journal journal;
-    std::string parked;  // the parked tail after the last event
+    std::string parked;  // the tail that the last event has left parked
 };
 
 }  // namespace quillon

@@ -242,6 +242,52 @@ TEST_F(RunKeeperTest, ATailThatIsThrownAwayIsLeftBehind)
     }
 }
 
+TEST_F(RunKeeperTest, ATailIsLeftBehindOnceHoweverMuchIsDoneAfterSavingWithoutIt)
+{
+    KeptRun run(own);
+    run.TypeTwoMeasures();
+    run.Play(
+        "dialog tune.gui\nmenu mnuSaveAs\nprompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7");
+    run.Play("menu mnuSave\nkey Up\nkey Down\nmenu mnuSave\nmenu mnuAppend");
+    run.Die();
+    EXPECT_EQ(FoundOne().Name.substr(0, 6), "tune, ");
+}
+
+TEST_F(RunKeeperTest, ATailThatIsThrownAwayIsInTheJournalNoLonger)
+{
+    KeptRun run(own);
+    run.TypeTwoMeasures();
+    run.Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\nmenu mnuAppend");
+    const JournalContents contents = ReadJournal(ReadFileBytes(run.Keeper().JournalPath()));
+    const Moment& last = contents.Run->Last();
+    EXPECT_EQ(RescueBytes(last.Music, last.Form), TuneBytes(run.Win().tune));
+}
+
+TEST_F(RunKeeperTest, ATailThatUndoBringsBackIsLeftBehindWhenItIsThrownAwayThen)
+{
+    KeptRun run(own);
+    run.TypeTwoMeasures();
+    run.Play("prompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7\npress cmdNext\nmenu mnuDelMeas");
+    run.Play("undo\nundo\nmenu mnuAppend\ntype 5\ndialog tune.gui\nmenu mnuSaveAs");
+    run.EndInOrder();
+    const Rescued found = FoundOne();
+    Tune tune;
+    ItemReader reader(ReadFileBytes(found.Tune));
+    ReadTune(reader, tune);
+    EXPECT_EQ(tune.LastMeas, 3);
+}
+
+TEST_F(RunKeeperTest, AnInsertionThatIsUndoneLeavesNothingBehind)
+{
+    KeptRun run(own);
+    run.TypeTwoMeasures();
+    run.Play(
+        "dialog tune.gui\nmenu mnuSaveAs\nprompt 1\npress lblMeasNum\nmenu mnuInsMeas\ntype 7");
+    run.Play("undo 2\nkey Left\ntype 5\nmenu mnuSave");
+    run.EndInOrder();
+    EXPECT_TRUE(Found().empty());
+}
+
 TEST_F(RunKeeperTest, AFileThatIsNotAsItWasSavedIsToldOf)
 {
     {
@@ -301,7 +347,7 @@ TEST_F(RunKeeperTest, AfterAFaultTheNextRunGoesOnBeforeTheEventThatFailed)
         EXPECT_EQ(run.Status(), 1);
         journal = run.Keeper().AtFault().Journal;
         EXPECT_TRUE(run.Keeper().AtFault().Changed);
-        run.Keeper().EndByFault(true);
+        run.Keeper().EndByFault();
         EXPECT_FALSE(IsLocked(journal)) << "the next run may have it at once";
     }
     KeptRun next(own);
@@ -310,14 +356,15 @@ TEST_F(RunKeeperTest, AfterAFaultTheNextRunGoesOnBeforeTheEventThatFailed)
     EXPECT_FALSE(fs::exists(journal));
 }
 
-TEST_F(RunKeeperTest, AFaultWithNothingToLoseKeepsNothingUnlessTheProgramStartsAgain)
+TEST_F(RunKeeperTest, AFaultWithNothingToLoseLeavesNothingToTheNextRun)
 {
-    for (const bool startAgain : {false, true}) {
+    {
         KeptRun run(own);
         EXPECT_FALSE(run.Keeper().AtFault().Changed);
-        run.Keeper().EndByFault(startAgain);
-        EXPECT_EQ(FilesLeft().size(), startAgain ? 1U : 0U);
+        run.Keeper().EndByFault();
     }
+    EXPECT_TRUE(Found().empty());
+    EXPECT_TRUE(FilesLeft().empty());
 }
 
 TEST_F(RunKeeperTest, WhereNoJournalCanBeWrittenAFaultLeavesATuneAmongTheTemporaryFiles)
@@ -363,6 +410,36 @@ TEST_F(RunKeeperTest, ATuneThatIsChangedIsAskedAboutAndLeftBehindWhenAnotherIsRe
     next.Play("dialog tune.gui\nmenu mnuSaveAs");
     next.EndInOrder();
     EXPECT_TRUE(FoundOne().Discarded);
+}
+
+TEST_F(RunKeeperTest, ATuneThatIsSavedBeforeAnotherIsRescuedIsLeftInItsFileAlone)
+{
+    {
+        KeptRun run(own);
+        run.TypeTwoMeasures();
+    }
+    const Rescued found = FoundOne();
+    KeptRun next(own);
+    next.Play("type 9\nkey Enter\nask yes\ndialog nine.gui");
+    next.Past().Begin();
+    next.Keeper().Open(found);
+    next.Past().Observe(Input::Command, {});
+    next.Play("dialog tune.gui\nmenu mnuSaveAs");
+    next.EndInOrder();
+    EXPECT_TRUE(Found().empty());
+}
+
+TEST_F(RunKeeperTest, RescuedWorkThatIsOpenedStaysWhereTheJournalCannotBeWritten)
+{
+    {
+        KeptRun run(own);
+        run.TypeTwoMeasures();
+    }
+    const Rescued found = FoundOne();
+    KeptRun next(own, folder.Path("nowhere"));
+    next.Keeper().Open(found);
+    EXPECT_EQ(next.Win().tune.LastMeas, 2);
+    EXPECT_EQ(FoundOne().Journal, found.Journal);
 }
 
 TEST_F(RunKeeperTest, RescueCopiesOfEarlierVersionsAreFoundInTheOrderOfTheirTimes)

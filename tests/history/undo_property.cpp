@@ -53,7 +53,7 @@ public:
             Do(NextEvent());
             if (ended == 0 && Below(8) == 0)
                 GoBackAndForth();
-            if (ended == 0 && Below(16) == 0)
+            if (ended == 0 && Below(40) == 0)
                 ReadBack();
         }
         GoOnInAnotherRun();

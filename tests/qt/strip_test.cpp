@@ -346,6 +346,7 @@ private slots:
 
     void RescuedTunesAreThereWhenThereAreAny()
     {
+        std::filesystem::remove_all(RescuedFolder(QtSystem().ProgramFolder()));
         OpenMore();
         QVERIFY(!Submenu("Rescued Tunes")->menuAction()->isVisible());
         Window().More().FillRescued = [](QMenu& menu) { menu.addAction("one"); };

@@ -6,6 +6,7 @@
 #include "qt/staff_view.h"
 #include "qt/text.h"
 #include "store/sign_codes.h"
+#include "store/staged_file.h"
 #include "store/tune_file.h"
 #include "window_desk.h"
 

@@ -50,27 +50,6 @@ TEST_F(Rescue, CopyHoldsTheTailThatAnInsertionHasParked)
     EXPECT_EQ(tune.LastNote, 5 + 2 + 10);
 }
 
-TEST_F(Rescue, CopyHoldsTheParkedTailThoughItsScratchFileHasGone)
-{
-    OpenFullMeasures(3);
-    win.editor.mnuInsMeas();
-    std::filesystem::remove(kInsertScratch);
-    EXPECT_FAULT(win.editor.cmdNext(), FileNotFound);
-    EXPECT_EQ(Frets(Rescued()), "1:1 2:2 3:3 ");
-}
-
-TEST_F(Rescue, CopyHoldsEveryMeasureOfAPasteThatRanPastTheTable)
-{
-    OpenFullMeasures(299);
-    win.editor.mnuCopy();
-    win.form.FrmCopyBox = {"1", "2"};
-    win.editor.cmdCopyMeasure();
-    EXPECT_FAULT(win.editor.mnuPaste(), SubscriptOutOfRange);
-    const std::string bytes = RescueBytes(win.tune, win.form);
-    for (int fret = 1; fret <= 299; ++fret)
-        ASSERT_NE(bytes.find("\"" + std::to_string(fret) + "\""), std::string::npos) << fret;
-}
-
 TEST_F(Rescue, CopyHoldsAParkedTextThatItsScratchFileCannotHold)
 {
     OpenFullMeasures(3);
