@@ -3,6 +3,7 @@
 #include "app/export_command.h"
 #include "app/export_output.h"
 #include "app/tune_sources.h"
+#include "exchange/forms.h"
 #include "platform/renderer.h"
 #include "store/item_file.h"
 #include "store/staged_file.h"
@@ -121,6 +122,28 @@ std::vector<std::string> MakePages(const ExportCommand& command, ExportedTune& t
     return files;
 }
 
+void Tell(const std::string& path, const Notices& notices)
+{
+    for (const std::string& notice : notices.Lines())
+        std::cerr << "quillon-export: " << path << ": " << notice << '\n';
+}
+
+/// A tune in another program's form.
+std::string ForeignFile(const ExportCommand& command, const std::string& path,
+                        const ExchangeForm& form, Tune& tune)
+{
+    ExportChoices choices;
+    choices.Tunings = TuningsOf(command.Options, tune.NumStrings);
+    choices.Tuning = command.Options.Tuning;
+    choices.Capo = command.Options.Capo.value_or(0);
+    choices.Tempo = command.Options.Tempo.value_or(0);
+    choices.Reader = form.Reader;
+    Notices notices;
+    std::string file = form.Write(MusicOf(tune, choices, notices), notices);
+    Tell(path, notices);
+    return file;
+}
+
 /// A tune in the given format: the bytes of one file, or of one file per page.
 std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSource& source)
 {
@@ -130,6 +153,8 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSourc
     ExportedTune tune =
         Load(command, source, realFonts ? TheRenderer().Metrics() : fixed,
              [&](const std::string& font) { return !realFonts || TheRenderer().HasFont(font); });
+    if (const ExchangeForm* form = FindForm(format))
+        return {ForeignFile(command, source.Path, *form, tune.Window().tune)};
     if (format == "tune")
         return {tune.TuneFile()};
     if (format == "measure-log")
@@ -189,6 +214,7 @@ void Export(const ExportCommand& command, const TuneSource& source, const std::s
             FilesInUse& inUse)
 {
     const std::string& path = source.Path;
+    Tell(path, source.Said);
     const std::vector<std::string> files = MakeFiles(command, source);
     const std::vector<std::string> names = OutputNames(output, files.size());
     for (const std::string& name : names)
@@ -199,8 +225,6 @@ void Export(const ExportCommand& command, const TuneSource& source, const std::s
         WriteFiles(names, files);
     for (const std::string& name : names)
         inUse.Add(name, path);
-    for (const std::string& notice : source.Notices)
-        std::cerr << "quillon-export: " << path << ": " << notice << '\n';
 }
 
 /// Processes one tune. A failure is reported on standard error.

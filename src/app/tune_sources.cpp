@@ -79,7 +79,7 @@ void MakeBytes(const ExportCommand& command, FoundTune& found, TuneSource& sourc
     } catch (const ExchangeError& error) {
         source.Failure = error.what();
     }
-    source.Notices = found.Said.Lines();
+    source.Said = std::move(found.Said);
 }
 
 }  // namespace
@@ -88,7 +88,7 @@ std::vector<TuneSource> SourcesOf(const ExportCommand& command, const std::strin
 {
     const std::string stem = fs::path(path).stem().string();
     const ExchangeForm* form = FormOf(command, path);
-    if (!form)
+    if (!form || !form->Read)
         return {
             {path, stem, 0, "", "", {}}
         };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/export_command.h"
+#include "exchange/notices.h"
 
 #include <optional>
 #include <string>
@@ -18,7 +19,7 @@ struct TuneSource {
 
     std::string Bytes;    // its tune file, if there is none yet
     std::string Failure;  // why it cannot be read
-    std::vector<std::string> Notices;
+    Notices Said;
 
     bool IsForeign() const { return Strings > 0; }
 };

@@ -1,6 +1,10 @@
 #include "exchange/forms.h"
 
 #include "exchange/abc_reader.h"
+#include "exchange/abc_writer.h"
+#include "exchange/musicxml_reader.h"
+#include "exchange/musicxml_writer.h"
+#include "exchange/text_tab_writer.h"
 
 #include <algorithm>
 
@@ -9,7 +13,9 @@ namespace quillon {
 const std::vector<ExchangeForm>& ExchangeForms()
 {
     static const std::vector<ExchangeForm> forms = {
-        {"abc", "", "ABC", ReadAbc, nullptr},
+        {"abc",      "",    "ABC",            ReadAbc,      WriteAbc,      Repeats::Followed},
+        {"musicxml", "xml", "MusicXML",       ReadMusicXml, WriteMusicXml, Repeats::Jumps   },
+        {"txt",      "tab", "text tablature", nullptr,      WriteTextTab,  Repeats::Shown   },
     };
     return forms;
 }

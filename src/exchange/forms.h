@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "exchange/found_tune.h"
+#include "exchange/table_music.h"
 
 #include <string>
 #include <string_view>
@@ -23,6 +23,8 @@ struct ExchangeForm {
 
     /// Null: it is only read.
     std::string (*Write)(const Music& music, Notices& notices);
+
+    Repeats Reader;  // how what is written will be read
 };
 
 /// The form of that name, or of files with that extension; null if there is none.

@@ -9,6 +9,7 @@
 
 #include "store/sign_codes.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -74,7 +75,7 @@ struct Music {
     std::string Credits[2];
     double Tempo = 0;              // quarters per minute; 0: not told
     std::vector<int> OpenPitches;  // string 1 first; empty: any instrument
-    int TuningRow = 0;             // the tune's own number of its tuning
+    std::optional<int> TuningRow;  // the tune's own number of its tuning
     int Capo = 0;
     std::vector<MusicMeasure> Measures;
 

@@ -1,4 +1,5 @@
 #include "exchange/fingering.h"
+#include "exchange/played_order.h"
 #include "exchange/table_music.h"
 #include "exchange/tick_grid.h"
 #include "midi/performance.h"
@@ -238,7 +239,8 @@ private:
         header.ChordText = music.Title;
         header.Slot(1) = music.Credits[0];
         header.Slot(2) = music.Credits[1];
-        header.Slot(4) = std::to_string(music.TuningRow);
+        if (music.TuningRow)
+            header.Slot(4) = std::to_string(*music.TuningRow);
     }
 
     const MusicMeasure& Here() const { return music.Measures[at]; }
@@ -375,19 +377,6 @@ private:
 
 // The whole tune.
 
-/// The measures, from 0, in the order in which the tune is played.
-std::vector<int> OrderOf(Tune& tune)
-{
-    const Sound silence{};
-    MidiFileWriter unused;
-    Performance performance(tune, silence, unused);
-    performance.WalkSilently();
-    std::vector<int> order;
-    for (const PlayedMeasure& measure : performance.Played())
-        order.push_back(tune[measure.Head].Measure - 1);
-    return order;
-}
-
 bool HasSigns(const Music& music)
 {
     return std::ranges::any_of(music.Measures,
@@ -398,7 +387,7 @@ bool HasSigns(const Music& music)
 bool PlaysAs(Tune& tune, const Music& music)
 {
     try {
-        const std::vector<int> order = OrderOf(tune);
+        const std::vector<int> order = PlayedOrder(tune);
         return HasSigns(music) || order == PlayingOf(music).Order;
     } catch (const Fault&) {
         return false;
@@ -454,8 +443,8 @@ int TuningRowOf(const Music& music, const ImportChoices& choices, int numStrings
         return row >= 0 && row < count &&
                PitchesOf(choices.Tunings[row], numStrings, 0) == music.OpenPitches;
     };
-    if (fits(music.TuningRow))
-        return music.TuningRow;
+    if (fits(music.TuningRow.value_or(0)))
+        return music.TuningRow.value_or(0);
     for (int row = 0; row < count; ++row)
         if (fits(row))
             return row;
@@ -501,12 +490,14 @@ void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& no
     RequireEvents(music);
     TellWhatIsNotKept(music, choices, notices);
     const int numStrings = tune.NumStrings;
-    music.TuningRow = TuningRowOf(music, choices, numStrings, notices);
+    const int row = TuningRowOf(music, choices, numStrings, notices);
+    if (row > 0 || choices.Tuning)
+        music.TuningRow = row;
     FreeMissingStrings(music, numStrings, notices);
     FitToTicks(music, notices);
     ChooseFingering(music,
-                    {PitchesOf(choices.Tunings[music.TuningRow], numStrings, choices.Capo),
-                     choices.LowestFret, choices.HighestFret},
+                    {PitchesOf(choices.Tunings[row], numStrings, choices.Capo), choices.LowestFret,
+                     choices.HighestFret},
                     notices);
     LeaveOutWhatSharesNoCell(music, notices);
     FillTable(music, tune, notices);

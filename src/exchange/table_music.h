@@ -26,17 +26,25 @@ struct ImportChoices {
 /// or rest is an ExchangeError.
 void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& notices);
 
+/// What the reader of a form does about repeats.
+enum class Repeats {
+    Shown,     // they are read as they stand, whatever they mean
+    Followed,  // repeats and endings are, jumps such as D.C. al Fine are not
+    Jumps      // jumps too, where the tune has no repeats beside them
+};
+
 /// How a tune is told to other programs.
 struct ExportChoices {
     std::vector<TuningRecord> Tunings;  // of the instrument; at least one
     std::optional<int> Tuning;          // row; without it, the tune's own
     int Capo = 0;
     double Tempo = 0;  // 0: not told
+    Repeats Reader = Repeats::Followed;
 };
 
-/// A tune as a music, all notes with pitch, string and fret. Where its repeats and signs have it
-/// played in an order that a Music's own rules do not give, the measures are written out in that
-/// order. A tune that cannot be performed is a Fault or a NeverEnding.
+/// A tune as a music, all notes with pitch, string and fret. What the reader would play in another
+/// order than the tune has is written out in the tune's. A tune that cannot be performed is a Fault
+/// or a NeverEnding, unless the reader is only shown it.
 Music MusicOf(Tune& tune, const ExportChoices& choices, Notices& notices);
 
 }  // namespace quillon

@@ -47,6 +47,14 @@ int FirstCode(int ticks, bool rest)
     return (rest ? rests : notes)[ticks];
 }
 
+/// Whether a hammer-on or a slide joins two equal events, which then may share a cell.
+bool AreConnected(const MusicEvent& one, const MusicEvent& two)
+{
+    return one.Length == two.Length && std::ranges::any_of(one.Notes, [](const MusicNote& note) {
+               return note.Next == Link::Hammer || note.Next == Link::Slide;
+           });
+}
+
 // Where events begin, in one measure: the shortest way from the first to the last boundary, each of
 // which may be on the nearest tick or on one of its neighbours.
 
@@ -95,11 +103,13 @@ struct Grid {
             return false;
         const MusicEvent& one = events[event];
         const MusicEvent& two = events[event + 1];
-        return one.Notes.size() == 1 && two.Notes.size() == 1 && two.Chord.empty() &&
-               !one.Notes[0].Tied && !two.Notes[0].Tied &&
-               one.Length < kShortestTicks * kTickUnits &&
-               two.Length < kShortestTicks * kTickUnits &&
-               (event == 0 || events[event - 1].Notes.empty() || !events[event - 1].Notes[0].Tied);
+        return AreConnected(one, two) ||
+               (one.Notes.size() == 1 && two.Notes.size() == 1 && two.Chord.empty() &&
+                !one.Notes[0].Tied && !two.Notes[0].Tied &&
+                one.Length < kShortestTicks * kTickUnits &&
+                two.Length < kShortestTicks * kTickUnits &&
+                (event == 0 || events[event - 1].Notes.empty() ||
+                 !events[event - 1].Notes[0].Tied));
     }
 
     void Offer(std::size_t to, int neighbour, Units cost, int from, Step step)
@@ -131,8 +141,9 @@ struct Grid {
             if (ticks < kShortestTicks || CodesOfTicks(ticks, 0, false).size() != 1)
                 continue;
             const Units middle = Tick(event, from) * kTickUnits + ticks * kTickUnits / 2;
+            const Units softer = AreConnected(events[event], events[event + 1]) ? 0 : kPairCost;
             Offer(event + 2, to,
-                  cost + kPairCost + std::llabs(middle - exact[event + 1]) + Error(event + 2, to),
+                  cost + softer + std::llabs(middle - exact[event + 1]) + Error(event + 2, to),
                   from, Step::Pair);
         }
     }
@@ -159,7 +170,8 @@ std::vector<MusicEvent> Grid::Fitted(Notices& notices)
             fitted.back().Length = length / 2;
             fitted.push_back(events[before]);
             fitted.back().Length = length / 2;
-            fitted.back().Notes[0].Next = Link::Hammer;
+            if (!AreConnected(events[before], events[at - 1]))
+                fitted.back().Notes[0].Next = Link::Hammer;
         } else if (step == Step::Single) {
             fitted.push_back(events[before]);
             fitted.back().Length = length;
@@ -176,9 +188,15 @@ std::vector<MusicEvent> Grid::Fitted(Notices& notices)
 
 bool IsOnGrid(const MusicMeasure& measure)
 {
-    return std::ranges::all_of(measure.Events, [](const MusicEvent& event) {
-        return event.Length % kTickUnits == 0 && event.Length >= kShortestTicks * kTickUnits;
-    });
+    const auto& events = measure.Events;
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        Units length = events[i].Length;
+        if (i + 1 < events.size() && AreConnected(events[i], events[i + 1]))
+            length += events[++i].Length;
+        if (length % kTickUnits != 0 || length < kShortestTicks * kTickUnits)
+            return false;
+    }
+    return true;
 }
 
 }  // namespace

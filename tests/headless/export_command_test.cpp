@@ -25,14 +25,17 @@ std::string Refusal(const Arguments& arguments)
 TEST(ExportCommandTest, TheFormIsTheOutputsExtension)
 {
     for (const auto& [output, format] : {
-             std::pair{"a.pdf",     "pdf" },
-             {"a.svg",     "svg" },
-             {"a.png",     "png" },
-             {"a.mid",     "mid" },
-             {"a.wav",     "wav" },
-             {"a.gui",     "tune"},
-             {"a.b.bjo",   "tune"},
-             {"d.x/a.bss", "tune"}
+             std::pair{"a.pdf",     "pdf"     },
+             {"a.svg",     "svg"     },
+             {"a.png",     "png"     },
+             {"a.mid",     "mid"     },
+             {"a.wav",     "wav"     },
+             {"a.abc",     "abc"     },
+             {"a.xml",     "musicxml"},
+             {"a.txt",     "txt"     },
+             {"a.gui",     "tune"    },
+             {"a.b.bjo",   "tune"    },
+             {"d.x/a.bss", "tune"    }
     }) {
         const ExportCommand command = ParseExportCommand({"tune.gui", "-o", output});
         EXPECT_EQ(command.Format, format);
@@ -43,7 +46,7 @@ TEST(ExportCommandTest, TheFormIsTheOutputsExtension)
 
 TEST(ExportCommandTest, AnOutputThatTellsNoFormNeedsFormat)
 {
-    for (const char* output : {"a.txt", "a", "-", "folder.pdf/a", "a.PDF", "a.page-log", "a.tune"})
+    for (const char* output : {"a.doc", "a", "-", "folder.pdf/a", "a.PDF", "a.page-log", "a.tune"})
         EXPECT_NE(Refusal({"t.gui", "-o", output}).find("--format"), std::string::npos) << output;
     for (const char* format :
          {"pdf", "svg", "png", "mid", "wav", "tune", "measure-log", "page-log", "print-log"})

@@ -1,0 +1,88 @@
+#include "exchange/abc_writer.h"
+#include "exchange/forms.h"
+#include "exchange/musicxml_reader.h"
+#include "exchange/musicxml_writer.h"
+#include "exchange/text_tab_writer.h"
+
+#include "music_text.h"
+#include "support/tunes.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon {
+namespace {
+
+Music MusicFrom(Tune& tune)
+{
+    Notices notices;
+    ExportChoices choices;
+    choices.Tunings = DefaultTunings(tune.NumStrings);
+    return MusicOf(tune, choices, notices);
+}
+
+void FillSmallTune(Tune& tune)
+{
+    tune[0].ChordText = "Small";
+    NoteRecord& head = AddMeasure(tune, 3, 4);
+    AddNote(tune, kQuarter, 1, "2").ChordText = "D";
+    AddNote(tune, kEighth, 2, "3-5");
+    AddNote(tune, kEighth, 1, "12").Slot(6) = "0";
+    head.BarCode = kRepeatEnd;
+    AddMeasure(tune, 3, 4);
+    for (int i = 0; i < 3; ++i)
+        AddNote(tune, kTripletEighth, 3, "1");
+    AddNote(tune, kHalfRest);
+}
+
+TEST(WritersTest, AbcHasLengthsInSixteenthsAndExplicitAccidentals)
+{
+    Tune tune;
+    FillSmallTune(tune);
+    Notices notices;
+    EXPECT_EQ(WriteAbc(MusicFrom(tune), notices), "X:1\n"
+                                                  "T:Small\n"
+                                                  "M:3/4\n"
+                                                  "L:1/16\n"
+                                                  "K:C\n"
+                                                  "\"D\"^F4 DE[eE,,]2:|(3^G,2^G,2^G,2z8|\n");
+    EXPECT_EQ(notices.Lines().size(), 2U);
+}
+
+TEST(WritersTest, TextTablatureStandsInColumns)
+{
+    Tune tune;
+    FillSmallTune(tune);
+    Notices notices;
+    EXPECT_EQ(WriteTextTab(MusicFrom(tune), notices), "Small\n"
+                                                      "Tuning: E A D G B E\n"
+                                                      "\n"
+                                                      "   D\n"
+                                                      "   q    s s e     e3 e3 e3 h\n"
+                                                      "e|-2--------12-:|-------------------|\n"
+                                                      "B|------3h5----:|-------------------|\n"
+                                                      "G|-------------:|-1--1--1-----------|\n"
+                                                      "D|-------------:|-------------------|\n"
+                                                      "A|-------------:|-------------------|\n"
+                                                      "E|----------0--:|-------------------|\n"
+                                                      "\n");
+}
+
+TEST(WritersTest, MusicXmlIsRefusedWithTheLine)
+{
+    try {
+        ReadMusicXml("<score-partwise>\n<part>\n</score-partwise>");
+        FAIL();
+    } catch (const ExchangeError& error) {
+        EXPECT_EQ(std::string(error.what()).substr(0, 7), "Line 3:");
+    }
+    EXPECT_THROW(ReadMusicXml("<html/>"), ExchangeError);
+    EXPECT_THROW(ReadMusicXml("<score-partwise/>"), ExchangeError);
+    EXPECT_THROW(ReadMusicXml(std::string(100000, '<')), ExchangeError);
+    std::string deep;
+    for (int i = 0; i < 100000; ++i)
+        deep += "<a>";
+    EXPECT_THROW(ReadMusicXml(deep), ExchangeError);
+}
+
+}  // namespace
+}  // namespace quillon
