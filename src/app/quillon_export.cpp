@@ -153,7 +153,7 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSourc
     ExportedTune tune =
         Load(command, source, realFonts ? TheRenderer().Metrics() : fixed,
              [&](const std::string& font) { return !realFonts || TheRenderer().HasFont(font); });
-    if (const ExchangeForm* form = FindForm(format))
+    if (const ExchangeForm* form = FindForm(format); form && form->Write)
         return {ForeignFile(command, source.Path, *form, tune.Window().tune)};
     if (format == "tune")
         return {tune.TuneFile()};

@@ -419,7 +419,7 @@ void AbcBody::TakeMeasureRests()
 
 void AbcBody::AddEvent(MusicEvent event, std::vector<Sounding> sounding)
 {
-    if (Open().Events.size() >= kMostEvents)
+    if (++eventCount > kMostEvents)
         return;
     if (tuplet.Left > 0) {
         event.Length = Scaled(event.Length, {tuplet.InTimeOf, tuplet.Notes});

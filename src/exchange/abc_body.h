@@ -122,6 +122,8 @@ private:
     std::string chord;
     char leftHand = ' ';
 
+    std::size_t eventCount = 0;  // of the tune
+
     // The section in hand
     std::size_t sectionStart = 0;
     bool openRepeat = false;   // begun by |:

@@ -2,6 +2,7 @@
 
 #include "exchange/abc_reader.h"
 #include "exchange/abc_writer.h"
+#include "exchange/midi_reader.h"
 #include "exchange/musicxml_reader.h"
 #include "exchange/musicxml_writer.h"
 #include "exchange/text_tab_writer.h"
@@ -13,9 +14,10 @@ namespace quillon {
 const std::vector<ExchangeForm>& ExchangeForms()
 {
     static const std::vector<ExchangeForm> forms = {
-        {"abc",      "",    "ABC",            ReadAbc,      WriteAbc,      Repeats::Followed},
-        {"musicxml", "xml", "MusicXML",       ReadMusicXml, WriteMusicXml, Repeats::Jumps   },
-        {"txt",      "tab", "text tablature", nullptr,      WriteTextTab,  Repeats::Shown   },
+        {"abc",      "",     "ABC",            ReadAbc,      WriteAbc,      Repeats::Followed},
+        {"musicxml", "xml",  "MusicXML",       ReadMusicXml, WriteMusicXml, Repeats::Jumps   },
+        {"mid",      "midi", "MIDI",           ReadMidi,     nullptr,       Repeats::Shown   },
+        {"txt",      "tab",  "text tablature", nullptr,      WriteTextTab,  Repeats::Shown   },
     };
     return forms;
 }

@@ -401,6 +401,9 @@ void WriteWhatFits(Music& music, Tune& tune, Notices& notices)
     const std::size_t written = TableWriter(music, tune).Write();
     if (written == music.Measures.size())
         return;
+    if (written == 0)
+        throw ExchangeError(
+            "Its first measure is longer than a whole tune; put bar lines into it.");
     notices.Say("The tune ends after measure " + std::to_string(written) + ": a tune holds " +
                 std::to_string(kLastRecord) + " notes, rests and measures.");
     music.Measures.resize(written);
@@ -473,6 +476,22 @@ void RequireEvents(const Music& music)
         throw ExchangeError("There is no note in it; choose a file with music in it.");
 }
 
+/// What no table can hold is not worth a fingering. Two events share a record at best.
+void CutToTable(Music& music, Notices& notices)
+{
+    std::size_t room = 2 * kLastRecord;
+    for (std::size_t i = 0; i < music.Measures.size(); ++i) {
+        auto& events = music.Measures[i].Events;
+        if (events.size() <= room) {
+            room -= events.size();
+            continue;
+        }
+        events.resize(room);
+        music.Measures.resize(i + 1);
+        notices.Say("The tune is too long: its end is left out.");
+    }
+}
+
 void TellWhatIsNotKept(const Music& music, const ImportChoices& choices, Notices& notices)
 {
     if (music.Tempo > 0)
@@ -493,6 +512,7 @@ void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& no
     const int row = TuningRowOf(music, choices, numStrings, notices);
     if (row > 0 || choices.Tuning)
         music.TuningRow = row;
+    CutToTable(music, notices);
     FreeMissingStrings(music, numStrings, notices);
     FitToTicks(music, notices);
     ChooseFingering(music,

@@ -103,6 +103,17 @@ TEST(MusicToTableTest, ATuneThatIsTooLongEndsWithAMeasure)
               "The tune ends after measure 300: a tune holds 1500 notes, rests and measures.\n");
 }
 
+TEST(MusicToTableTest, WhatIsFarTooLongIsCutBeforeItIsFingered)
+{
+    std::string music;
+    for (int i = 0; i < 15000; ++i)
+        music += "c/2";
+    EXPECT_THROW(Made(music), ExchangeError);
+    const MadeTune made = Made("c|" + music);
+    EXPECT_EQ(made.tune->LastMeas, 1);
+    EXPECT_NE(made.Said().find("The tune is too long: its end is left out."), std::string::npos);
+}
+
 TEST(MusicToTableTest, TempoAndCapoAreTold)
 {
     Tune tune;
