@@ -9,7 +9,7 @@ _quillon_export()
     case $prev in
     -o | --output | --tuning-file) _filedir ;;
     --format) COMPREPLY=($(compgen -W "$formats" -- "$cur")) ;;
-    --from) COMPREPLY=($(compgen -W 'abc musicxml mid' -- "$cur")) ;;
+    --from) COMPREPLY=($(compgen -W 'abc musicxml mid txt' -- "$cur")) ;;
     --strings) COMPREPLY=($(compgen -W '4 5 6' -- "$cur")) ;;
     --center-title) COMPREPLY=($(compgen -W 'yes no' -- "$cur")) ;;
     --look) COMPREPLY=($(compgen -W 'engraved plain' -- "$cur")) ;;
@@ -23,7 +23,7 @@ _quillon_export()
                 --title-font --title-size --left --right --top --stave-space --center-title --look
                 --measures --crop --paper --no-empty-page --dpi --text --help' -- "$cur"))
         else
-            _filedir '@(gui|bjo|bss|abc|musicxml|xml|mid)'
+            _filedir '@(gui|bjo|bss|abc|musicxml|xml|mid|txt)'
         fi
         ;;
     esac

@@ -24,7 +24,7 @@ const char* const kExportHelp =
     "  --order           prints the order in which the measures are played\n"
     "  --format F        pdf, svg, png, mid, wav, abc, musicxml, txt, tune,\n"
     "                    measure-log, page-log or print-log; without it, OUT's extension decides\n"
-    "  --from F          abc, musicxml or mid: the form of TUNE, whatever its extension\n"
+    "  --from F          abc, musicxml, mid or txt: the form of TUNE, whatever its extension\n"
     "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"
     "  --tempo T         quarter notes per minute, 30 to 300\n"
     "  --tuning INDEX    row of the tuning list, counted from 0\n"

@@ -5,6 +5,7 @@
 #include "store/item_file.h"
 #include "store/tune_file.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
@@ -62,6 +63,24 @@ std::string TwoDigits(std::size_t number)
     return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
+/// None of a file that cannot be read, which a tune says in its own words.
+std::optional<std::string> BytesOf(const std::string& path)
+{
+    try {
+        return ReadFileBytes(path);
+    } catch (const Fault&) {
+        return std::nullopt;
+    }
+}
+
+/// A tune is one whatever its extension. Its first line is three numbers.
+bool IsTuneFile(std::string_view bytes)
+{
+    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
+    return std::ranges::count(line, ',') == 2 &&
+           line.find_first_not_of("0123456789-, ") == std::string_view::npos;
+}
+
 void MakeBytes(const ExportCommand& command, FoundTune& found, TuneSource& source)
 {
     const ExportOptions& options = command.Options;
@@ -88,13 +107,14 @@ std::vector<TuneSource> SourcesOf(const ExportCommand& command, const std::strin
 {
     const std::string stem = fs::path(path).stem().string();
     const ExchangeForm* form = FormOf(command, path);
-    if (!form || !form->Read)
+    const std::optional<std::string> bytes = form && form->Read ? BytesOf(path) : std::nullopt;
+    if (!bytes || (command.From.empty() && IsTuneFile(*bytes)))
         return {
             {path, stem, 0, "", "", {}}
         };
     std::vector<FoundTune> tunes;
     try {
-        tunes = ReadForm(*form, ReadFileBytes(path));
+        tunes = ReadForm(*form, *bytes);
     } catch (const ExchangeError& error) {
         throw ExportError(error.what());
     }

@@ -5,6 +5,7 @@
 #include "exchange/midi_reader.h"
 #include "exchange/musicxml_reader.h"
 #include "exchange/musicxml_writer.h"
+#include "exchange/text_tab_reader.h"
 #include "exchange/text_tab_writer.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ const std::vector<ExchangeForm>& ExchangeForms()
         {"abc",      "",     "ABC",            ReadAbc,      WriteAbc,      Repeats::Followed},
         {"musicxml", "xml",  "MusicXML",       ReadMusicXml, WriteMusicXml, Repeats::Jumps   },
         {"mid",      "midi", "MIDI",           ReadMidi,     nullptr,       Repeats::Shown   },
-        {"txt",      "tab",  "text tablature", nullptr,      WriteTextTab,  Repeats::Shown   },
+        {"txt",      "tab",  "text tablature", ReadTextTab,  WriteTextTab,  Repeats::Shown   },
     };
     return forms;
 }

@@ -156,11 +156,17 @@ private:
         for (auto pitch = music.OpenPitches.rbegin(); pitch != music.OpenPitches.rend(); ++pitch)
             text += " " + StringName(*pitch, false);
         text += "\n";
+        text += "Time: " + SignatureText() + "\n";
         if (music.Capo > 0)
             text += "Capo " + std::to_string(music.Capo) + "\n";
         if (music.Tempo > 0)
             text += "Tempo: " + std::to_string(std::lround(music.Tempo)) + "\n";
         text += "\n";
+    }
+
+    std::string SignatureText() const
+    {
+        return std::to_string(Here().Beats) + "/" + std::to_string(Here().BeatUnit);
     }
 
     /// The measure on this system, or on the next one if it is full.
@@ -254,6 +260,10 @@ private:
         const auto add = [&](const std::string& sign) {
             signs += (signs.empty() || sign.empty() ? "" : " ") + sign;
         };
+        const MusicMeasure* measureBefore = at > 0 ? &music.Measures[at - 1] : nullptr;
+        if (measureBefore &&
+            (measureBefore->Beats != Here().Beats || measureBefore->BeatUnit != Here().BeatUnit))
+            add(SignatureText());
         if (!Here().EndingText.empty())
             add("[" + Here().EndingText);
         const auto words = std::ranges::find(kWords, Here().Sign, &SignWords::Code);
@@ -286,7 +296,7 @@ private:
 
 std::string WriteTextTab(const Music& music, Notices&)
 {
-    return TabWriter(music).Write();
+    return music.Measures.empty() ? std::string() : TabWriter(music).Write();
 }
 
 }  // namespace quillon

@@ -55,6 +55,7 @@ TEST(WritersTest, TextTablatureStandsInColumns)
     Notices notices;
     EXPECT_EQ(WriteTextTab(MusicFrom(tune), notices), "Small\n"
                                                       "Tuning: E A D G B E\n"
+                                                      "Time: 3/4\n"
                                                       "\n"
                                                       "   D\n"
                                                       "   q    s s e     e3 e3 e3 h\n"

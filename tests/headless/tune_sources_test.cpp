@@ -60,6 +60,13 @@ TEST_F(TuneSourcesTest, WhatCannotBeReadSaysWhyAndWhatToDo)
     EXPECT_NE(sources[2].Failure, "");
 }
 
+TEST_F(TuneSourcesTest, ATuneIsOneWhateverItsExtension)
+{
+    EXPECT_FALSE(Sources("a.txt", "0,0,0\r\n0,0,0,0\r\n").at(0).IsForeign());
+    EXPECT_THROW(Sources("a.txt", "words, and words, and words\n"), ExportError);
+    EXPECT_FALSE(SourcesOf(command, "missing.txt").at(0).IsForeign());
+}
+
 TEST_F(TuneSourcesTest, FromTellsTheFormOfAnyFile)
 {
     EXPECT_FALSE(Sources("a.text", "X:1\nK:C\nC\n").at(0).IsForeign());
