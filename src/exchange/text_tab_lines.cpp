@@ -148,6 +148,15 @@ bool IsChords(const std::vector<TabWord>& words)
     });
 }
 
+std::vector<TabWord> EndingsIn(const std::vector<TabWord>& words)
+{
+    std::vector<TabWord> endings;
+    for (const TabWord& word : words)
+        if (word.Text.size() > 1 && word.Text[0] == '[' && IsDigit(word.Text[1]))
+            endings.push_back({word.At, word.Text.substr(1)});
+    return endings;
+}
+
 void TakeLinesAbove(const std::vector<std::string>& lines, std::size_t first, TabStaff& staff)
 {
     for (std::size_t above = 1; above <= std::min(kLinesAbove, first); ++above) {
@@ -159,6 +168,8 @@ void TakeLinesAbove(const std::vector<std::string>& lines, std::size_t first, Ta
             staff.Rhythm = words;
         else if (staff.Chords.empty() && IsChords(words))
             staff.Chords = words;
+        else if (staff.Endings.empty())
+            staff.Endings = EndingsIn(words);
     }
 }
 

@@ -44,6 +44,7 @@ struct TabStaff {
     std::vector<TabRow> Rows;
     std::vector<TabWord> Rhythm;  // a letter for each note and rest; empty without such a line
     std::vector<TabWord> Chords;
+    std::vector<TabWord> Endings;  // "[1" and what follows it
 
     /// All rows but at most one have a bar there.
     bool IsBar(std::size_t column) const;

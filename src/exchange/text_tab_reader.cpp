@@ -13,6 +13,7 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t kMostMeasures = 3000;
+constexpr int kHighestEnding = 9;
 
 /// What stands in the lines before the first staff.
 struct Heading {
@@ -124,6 +125,9 @@ private:
         else if (!columns.empty())
             AddBySpacing(measure, columns, end);
         AddChords(measure, staff, begin, end);
+        for (const TabWord& ending : staff.Endings)
+            if (ending.At >= begin && ending.At < end)
+                measure.Endings = {std::clamp(NumberIn(ending.Text), 1, kHighestEnding)};
     }
 
     /// Every note has a letter above it.

@@ -82,6 +82,19 @@ TEST(TextTabReaderTest, WhatIsWrittenIsReadAgain)
         << text;
 }
 
+TEST(TextTabReaderTest, BracketsAndDotsAreEndingsAndRepeats)
+{
+    EXPECT_EQ(Cells("           [1       [2\n"
+                    "     q       q        q\n"
+                    "e||:-0----|--1----:|--3----|\n"
+                    "B||:------|-------:|-------|\n"
+                    "G||:------|-------:|-------|\n"
+                    "D||:------|-------:|-------|\n"
+                    "A||:------|-------:|-------|\n"
+                    "E||:------|-------:|-------|\n"),
+              "|98 7:1/0 |99[1 7:1/1 |[2 7:1/3");
+}
+
 TEST(TextTabReaderTest, ATextWithoutAStaffIsRefused)
 {
     EXPECT_THROW(ReadTextTab("just words\n----\n|---|\n"), ExchangeError);
