@@ -25,6 +25,7 @@ constexpr std::size_t kRecordBytes = 58;  // of a record in a tune's file, at le
 constexpr std::size_t kLongest = 8;
 constexpr std::size_t kShorter = 4;           // what of it are steps, when it has been shortened
 constexpr std::size_t kAlwaysFits = 128'000;  // some two hundred steps, whatever the tune
+constexpr int kLeastSteps = 100;              // that can be undone after a kill, however long
 
 std::string TimeStamp()
 {
@@ -48,6 +49,12 @@ std::size_t LongestFor(const Tune& tune)
 {
     const auto records = static_cast<std::size_t>(std::max<int>(tune.LastNote, 0));
     return std::max(kAlwaysFits, kLongest * kRecordBytes * records);
+}
+
+/// What is kept of the steps in a journal that was `longest`.
+StepsToKeep KeptOf(std::size_t longest)
+{
+    return {longest / kLongest * kShorter, kLeastSteps};
 }
 
 }  // namespace
@@ -79,7 +86,7 @@ void Journal::Begin()
         outdated.push_back(std::move(file));
     file.reset();
     progress.Forgotten = 0;
-    const std::string bytes = Summary(run, saved, longest / kLongest * kShorter, progress);
+    const std::string bytes = Summary(run, saved, KeptOf(longest), progress);
     try {
         file = std::make_shared<GrowingFile>(NextPath());
         AppendFrame(bytes);
@@ -257,7 +264,7 @@ void Journal::KeepShort()
         if (!contents.Run)
             return;
         const std::string summary =
-            Summary(*contents.Run, contents.Saved, most / kLongest * kShorter, contents.Reached);
+            Summary(*contents.Run, contents.Saved, KeptOf(most), contents.Reached);
         shortest = summary.size();
         TakePlaceOf(present, size, summary, contents.Reached.Forgotten);
     } catch (const std::system_error&) {

@@ -132,15 +132,15 @@ std::string LinkTo(const Progress& progress)
     return bytes.Take();
 }
 
-/// The first step of the latest ones that fit into `goal` bytes. What was undone is always kept.
-int FirstThatFits(const Timeline& run, std::size_t goal)
+/// The first step to keep. What was undone is always kept.
+int FirstOf(StepsToKeep kept, const Timeline& run)
 {
     std::size_t size = 0;
     int first = run.UndoCount() + run.RedoCount() + 1;
     for (; first > 1; --first) {
         const Step& step = run.At(first - 1);
         size += step.Deltas.size() + step.Detour.size() + step.Written.size() + step.Name.size();
-        if (size > goal && first <= run.UndoCount() + 1)
+        if (size > kept.Bytes && first <= run.UndoCount() + 1 - kept.Least)
             break;
     }
     return first;
@@ -208,10 +208,10 @@ std::string Frame(std::string_view entry, Progress& progress)
     return frame;
 }
 
-std::string Summary(const Timeline& run, const std::optional<Saving>& saved, std::size_t goal,
+std::string Summary(const Timeline& run, const std::optional<Saving>& saved, StepsToKeep kept,
                     Progress& progress)
 {
-    const int dropped = FirstThatFits(run, goal) - 1;
+    const int dropped = FirstOf(kept, run) - 1;
     progress.Forgotten += dropped;
     std::vector<std::string> entries = EntriesOf(run, dropped);
     if (saved)

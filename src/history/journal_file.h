@@ -58,10 +58,16 @@ JournalContents ReadJournal(std::string_view bytes);
 /// An entry in its frame, the next one that `progress` counts.
 std::string Frame(std::string_view entry, Progress& progress);
 
+/// The latest steps that fit into so many bytes, but at least so many of those that were done.
+struct StepsToKeep {
+    std::size_t Bytes = 0;
+    int Least = 0;
+};
+
 /// A journal of a run that has come as far as `progress` and goes on: with only the latest steps to
-/// undo, as many as fit into `goal` bytes. Raises `progress.Forgotten`. What the run goes on to
+/// undo. Raises `progress.Forgotten`. What the run goes on to
 /// write can be appended, as long as it does not go back beyond those steps.
-std::string Summary(const Timeline& run, const std::optional<Saving>& saved, std::size_t goal,
+std::string Summary(const Timeline& run, const std::optional<Saving>& saved, StepsToKeep kept,
                     Progress& progress);
 
 }  // namespace quillon

@@ -222,6 +222,17 @@ TEST_F(JournalTest, OfATuneThatIsLeftGoesOnAsOneOfAnEndedRun)
     }
 }
 
+TEST_F(JournalTest, IsSummedUpWithAsManyStepsAsAreAskedForHoweverLongTheyAre)
+{
+    PlayStory();
+    const int done = Past().UndoCount();
+    for (const int least : {0, 1, 3, done, done + 1}) {
+        Progress progress;
+        const std::string bytes = Summary(Past().Steps(), {}, {0, least}, progress);
+        EXPECT_EQ(ReadJournal(bytes).Run->UndoCount(), std::min(least, done));
+    }
+}
+
 TEST_F(JournalTest, StaysShortHoweverMuchIsTyped)
 {
     constexpr std::size_t kTunes = 10;

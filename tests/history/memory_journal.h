@@ -38,18 +38,18 @@ public:
 
     const std::string& Bytes() const { return bytes; }
 
-    void Shorten(std::size_t goal)
+    void Shorten(StepsToKeep kept)
     {
         const JournalContents contents = ReadJournal(bytes);
         progress = contents.Reached;
-        bytes = Summary(*contents.Run, contents.Saved, goal, progress);
+        bytes = Summary(*contents.Run, contents.Saved, kept, progress);
     }
 
 private:
     void Begin()
     {
         progress.Forgotten = 0;
-        bytes = Summary(history.Steps(), {}, 1'000'000, progress);
+        bytes = Summary(history.Steps(), {}, {1'000'000}, progress);
     }
 
     History& history;

@@ -193,7 +193,7 @@ private:
         Expect(back == 0 || BytesOf(read.MomentAt(back)) == BytesOf(steps.MomentAt(back)),
                "undo " + std::to_string(back) + " in the journal");
         if (Below(2) == 0)
-            journal.Shorten(static_cast<std::size_t>(Below(30'000)));
+            journal.Shorten({static_cast<std::size_t>(Below(30'000)), Below(3)});
     }
 
     /// Another run takes over, all steps are undone and redone, and this one goes on as it was.
