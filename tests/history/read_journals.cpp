@@ -68,10 +68,9 @@ std::string Told(const std::string& path)
         members.AddNumber("undo", run->UndoCount());
         members.AddNumber("redo", run->RedoCount());
     }
-    if (const auto& saved = contents.Saved) {
-        members.AddText("saved_path", Hex(saved->Path));
-        members.AddText("saved", Hex(saved->Bytes));
-    }
+    const Saving saved = contents.Saved.value_or(Saving());
+    members.AddText("saved_path", Hex(saved.Path));
+    members.AddText("saved", Hex(saved.Bytes));
     return members.Object();
 }
 

@@ -12,8 +12,6 @@
 //
 // "done" and a line end on standard output say that an action is over: all that it set off has come
 // to its end. An open dialog holds up the action that opened it.
-//
-// The wall clock is stopped at KEY_FEED_TIME, in seconds since 1970, if that is given.
 
 #include <QApplication>
 #include <QPointer>
@@ -23,34 +21,10 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <cstdlib>
-#include <ctime>
 #include <deque>
 #include <functional>
 
-#include <sys/syscall.h>
 #include <unistd.h>
-
-extern "C" {
-
-int clock_gettime(clockid_t clock, timespec* now) noexcept
-{
-    static const char* const fixed = getenv("KEY_FEED_TIME");
-    if (!fixed || clock != CLOCK_REALTIME)
-        return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
-    *now = {std::atol(fixed), 0};
-    return 0;
-}
-
-time_t time(time_t* stored) noexcept
-{
-    timespec now;
-    clock_gettime(CLOCK_REALTIME, &now);
-    if (stored)
-        *stored = now.tv_sec;
-    return now.tv_sec;
-}
-}
 
 namespace {
 

@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""Breaks the protection of unsaved work on purpose, and counts how many runs of kill_test.py notice.
+"""Breaks the keeping of work on purpose, and counts how many runs of kill_test.py notice.
 
     kill_breaks.py [--runs RUNS] [NAME...]
 
 Each break is built in a copy of the tree, which goes in the end; the tree itself is not touched. RUNS
-is 100 unless given. Takes a quarter of an hour, so ./test does not run it. Exit status 1 if a break
+is 100 unless given. Takes half an hour, so ./test does not run it. Exit status 1 if a break
 was noticed by fewer than 95 of 100 runs.
 """
 
@@ -18,15 +18,51 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-RESCUE = "src/shell/rescue.cpp"
-PROGRAM = "src/qt/program.cpp"
+JOURNAL = "src/history/journal.cpp"
+HISTORY = "src/history/history.cpp"
+RESCUED = "src/shell/rescued.cpp"
+KEEPER = "src/shell/run_keeper.cpp"
 
 # Name, what it breaks, and the replacements of text in files that do it.
 BREAKS = {
     "nothing": ("the program as it is", []),
+    "entry": (
+        "one entry of twenty is not in the journal",
+        [
+            (
+                JOURNAL,
+                "    const std::string frame = Frame(entry, progress);\n",
+                "    static int entries = 0;\n    if (++entries % 20 == 0)\n        return;\n"
+                "    const std::string frame = Frame(entry, progress);\n",
+            )
+        ],
+    ),
+    "late": (
+        "an entry is written together with the next one",
+        [
+            (
+                JOURNAL,
+                "    behind += frame;\n    try {\n        file->Append(behind);\n        behind.clear();\n",
+                "    try {\n        file->Append(behind);\n        behind = frame;\n",
+            )
+        ],
+    ),
     "tail": (
-        "a parked tail is not in the copy",
-        [(RESCUE, "if (!form.Parked.Bytes.empty())", "if (form.Parked.RecordsBack < 0)")],
+        "a parked tail is not in rescued work",
+        [(RESCUED, "if (form.InputMode == InputMode::Insert)", "if (form.CurValue < 0)")],
+    ),
+    "left": (
+        "a tune that is left is in no journal",
+        [(KEEPER, "        journal.LeaveBehind(HowItEnds());\n}\n", "        parked.clear();\n}\n")],
+    ),
+    "undo": ("undo is not in the journal", [(HISTORY, "    Tell(EntryOf(back));\n", "")]),
+    "steps": (
+        "what was brought back cannot be undone",
+        [(HISTORY, "place <= run.UndoCount(); ++place)", "place < 0 * run.UndoCount(); ++place)")],
+    ),
+    "hold": (
+        "Save writes what is not in the journal",
+        [(KEEPER, "        journal.Hold({fs::absolute(path, ignored), bytes});\n", "")],
     ),
     "second-save": (
         "the second Save of a run writes nothing",
@@ -41,54 +77,11 @@ BREAKS = {
     ),
     "failures": (
         "a write that fails counts as done",
-        [
-            (
-                "src/store/item_file.cpp",
-                "    file.close();\n    if (!file)\n        Fail(Error::PathFileAccess, path);\n",
-                "    file.close();\n",
-            ),
-            (
-                "src/store/staged_file.cpp",
-                "        if (written < 0 && errno != EINTR)\n            Fail(errno);\n",
-                "        if (written < 0)\n            return;\n",
-            ),
-        ],
+        [("src/store/growing_file.cpp", "            Fail(reason);\n", "            return;\n")],
     ),
     "start": (
-        "the start deletes all copies",
-        [
-            (
-                PROGRAM,
-                "    bool loaded = false;\n",
-                "    for (const std::string& name : RescueCopiesIn(system.ProgramFolder()))\n"
-                '        DeleteFile(system.ProgramFolder() + "/" + name);\n    bool loaded = false;\n',
-            )
-        ],
-    ),
-    "name": (
-        "a new copy overwrites a file of its name",
-        [(RESCUE, 'RandomLetters() + "."', 'RandomLetters().substr(8) + "."')],
-    ),
-    "named": (
-        "a tune with a name gets no copy",
-        [
-            (
-                RESCUE,
-                "if (form.Saved == SavedState::Unsaved) {\n        Write",
-                "if (form.Saved == SavedState::Unsaved) {\n        if (tune.FileName.empty())\n            Write",
-            )
-        ],
-    ),
-    "in-place": (
-        "the copy is written in its place",
-        [
-            (RESCUE, "            aside->Write(bytes);\n", ""),
-            (
-                RESCUE,
-                "            aside->Rename(path);\n",
-                "            aside->Rename(path);\n            aside->Write(bytes);\n",
-            ),
-        ],
+        "the start removes all journals",
+        [(RESCUED, "if (spoilt || contents.Run->Changed())", "if (contents.Run->UndoCount() < 0)")],
     ),
 }
 
@@ -112,7 +105,7 @@ def apply(folder, replacements):
 
 def build(folder):
     environment = {**os.environ, "CCACHE_NOHASHDIR": "1", "CCACHE_BASEDIR": str(folder)}
-    for command in (["cmake", "--preset", "dev"], ["ninja", "-C", "build/dev", "quillon", "key_feed"]):
+    for command in (["cmake", "--preset", "dev"], ["ninja", "-C", "build/dev", "quillon", "key_feed", "read_journals"]):
         done = subprocess.run(command, cwd=folder, env=environment, capture_output=True, text=True)
         if done.returncode != 0:
             sys.exit(done.stdout + done.stderr)

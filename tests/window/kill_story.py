@@ -1,26 +1,27 @@
-"""What a typist does before the editor is killed, and what must be on the disk after each action.
+"""What a typist does before the editor is killed, and what its journals must hold after each action.
 
 Everything is played on the models of tests/model first, which share nothing with the program: their
-table, their scratch file, their Saved and their saved files say what the disk has to hold, and their
-writer of tune files makes the bytes. The rule:
+table, their scratch file, their history and their saved files say what the disk has to hold, and
+their writer of tune files makes the bytes. The rule:
 
-- While Saved is 0, one copy keeps up with the tune. It holds the table, and after it the tail that
-  an insertion has parked, under measure numbers that count on.
-- Else there is none, whatever a remark or a paste has changed since: they leave Saved alone.
-- Save in an insertion writes the table alone. The copy from before, which has the tail, stays for good,
-  though the tune counts as saved and a later "OK" brings the tail back.
-- It stays too when a command throws the tail away, such as an append or another insertion. The next
-  copy is another file.
-- No to the save question takes the copy away. Nothing else does, least of all another start.
+- The journal of the run holds the table, and after it the tail that an insertion has parked, under
+  measure numbers that count on. It does so whatever has been saved, and counts as changed when the
+  table differs from its file.
+- A tune that differs from its file is left behind in a journal of its own when another takes its
+  place: as discarded after No to the save question, else as lost.
+- So it is, as lost, when a command throws the tail away, or Save in an insertion writes the table alone.
+- Nothing is left behind by going back and forth in the history.
 """
 
 import pathlib
 import sys
+from typing import NamedTuple
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "model"))
 
 from editor_model import ScenarioPlayer  # noqa: E402
 from editor_state import FRET_ENTRY, INSERTED_MEASURE  # noqa: E402
+from history_model import History  # noqa: E402
 from number_rules import RunTimeFault  # noqa: E402
 from random_scripts import ScriptWriter  # noqa: E402
 from store_model import HEAD, MemoryFiles, NoteRecord, records_bytes, tune_bytes  # noqa: E402
@@ -52,45 +53,70 @@ MENU_KEYS = {
 }
 CLICKED = ("cmdNext", "cmdPrevious", "cmdRest", "lblMeasNum")
 ANSWERS = ("dialog", "prompt", "ask")  # lines that wait for the command after them
+GOING_BACK = {"undo": "Ctrl+Z", "redo": "Ctrl+Y"}
 TAIL_FILE = "Temp.Sav"
 
 
-class Disk:
-    """`copy` holds the bytes of the copy that goes along with the tune, None without one; `left`
-    those of the copies that stay for good; `tunes` those of the saved tunes, by name."""
+class Work(NamedTuple):
+    """What a journal holds: a tune's bytes, how its run has ended ("" if it has not said so), and
+    whether the table differs from its file."""
 
-    def __init__(self, copy, left, tunes):
-        self.copy, self.left, self.tunes = copy, left, tunes
+    tune: bytes
+    ended: str
+    changed: bool
 
-    def copies(self):
-        return sorted(self.left + ([] if self.copy is None else [self.copy]))
+
+class Disk(NamedTuple):
+    """`work` is what the journal of the run holds, `left` what is in others; `tunes` are the saved
+    tunes, by name, `saved` the one that this run has saved last, "" if none."""
+
+    work: Work
+    left: tuple
+    tunes: dict
+    saved: str
+
+
+class Past(NamedTuple):
+    """The moments in which the steps began, and what the files had of their tunes."""
+
+    moments: list
+    filed: dict
 
 
 class Action:
-    """One thing that is done: its tokens for key_feed.cpp, and the disk after it. `between` are
-    copies that are right in the midst of it, as a key may be two events. While it is done no file
-    grows beyond a few bytes if `full` is set."""
+    """One thing that is done: its tokens for key_feed.cpp, and the disk and the past after it. While it
+    is done no file grows if `full` is set."""
 
-    def __init__(self, line, tokens, disk, between=(), full=False):
-        self.line, self.tokens, self.disk = line, tokens, disk
-        self.between, self.full = between, full
+    def __init__(self, line, tokens, disk=None, past=None, full=False):
+        self.line, self.tokens, self.disk, self.past, self.full = line, tokens, disk, past, full
 
 
 class Player(ScenarioPlayer):
-    """Tells of the state between the two events of a key, and of what is asked and shown."""
+    """Tells what is asked and shown, and which work is left behind. The editor's `tail` is what an
+    insertion has taken out of the table; like anything of the editor it is put back by undo."""
 
     def __init__(self, files):
         super().__init__(files)
         self.asked = []
-        self.key_was_down = lambda: None
+        self.left = []
+        self.saved = ""
         editor = self.editor
+        editor.tail = []
+        self.begin_history()
         for name in ("ask_file", "ask_yes", "ask_text"):
             setattr(editor, name, self._noting(name, getattr(editor, name)))
         editor.show_box = lambda icon, *_: icon == "question" or self.asked.append(("box", None))
+        write = files.write
+        files.write = lambda name, data: (self._note_saved(name), write(name, data))
         take_fonts = editor.take_fonts
         editor.take_fonts = lambda: (self._replace_fonts(), take_fonts())
-        key_down = editor.StaffBox_key_down
-        editor.StaffBox_key_down = lambda key: (key_down(key), self.key_was_down())
+
+    def begin_history(self):
+        self.history = History(self.editor)
+
+    def _note_saved(self, name):
+        if name.endswith(".gui"):
+            self.saved = name
 
     def _replace_fonts(self):
         """Digits that were typed into the header record by accident are the name of no font."""
@@ -99,16 +125,55 @@ class Player(ScenarioPlayer):
             if header.Slot[s]:
                 header.Slot[s] = "Arial"
 
-    def event(self, kind, handler, *arguments):
-        """Keeps no history: nothing here is undone."""
-        handler(*arguments)
-
     def _noting(self, name, ask):
         def noting():
             self.asked.append((name, ask()))
             return self.asked[-1][1]
 
         return noting
+
+    def event(self, kind, handler, *arguments):
+        super().event(kind, self._handle, handler, arguments)
+
+    def _handle(self, handler, arguments):
+        editor = self.editor
+        before = self.work()
+        counts = editor.tunes_begun, editor.tunes_written
+        tail = [copied(editor.table[i]) for i in range(editor.MeasHead, editor.LastNote + 1)]
+        handler(*arguments)
+        begun, saved = editor.tunes_begun != counts[0], editor.tunes_written != counts[1]
+        self._follow(before, begun and not saved, saved, handler == editor.mnuInsMeas, tail)
+
+    def _follow(self, before, replaced, saved, inserting, tail):
+        editor = self.editor
+        discarded = ("ask_yes", False) in self.asked
+        read_back = TAIL_FILE not in editor.files.contents
+        thrown_away = not read_back and (inserting or editor.InputMode != INSERTED_MEASURE)
+        tail_lost = editor.tail and (thrown_away or saved) and not discarded
+        if before.changed and (replaced or tail_lost):
+            self.left.append(before._replace(ended="discarded" if discarded else "lost"))
+        if inserting:
+            editor.tail = tail
+        elif thrown_away or read_back:
+            editor.tail = []
+
+    def work(self):
+        """The tune as a file that holds the parked tail too, whose measures count on."""
+        table, last = self.editor.table, self.editor.LastNote
+        measure = table[max(last, 0)].Measure
+        tail = [copied(record) for record in self.editor.tail]
+        for record in tail:
+            measure += record.NoteCode == HEAD
+            record.Measure = measure
+        now = self.history.now
+        changed = now.work() != self.history.filed[now.tune]
+        return Work(tune_bytes(table, last) + records_bytes(tail), "", changed)
+
+
+def copied(record):
+    copy = NoteRecord()
+    copy.copy_from(record)
+    return copy
 
 
 class Typist(ScriptWriter):
@@ -118,22 +183,29 @@ class Typist(ScriptWriter):
     def __init__(self, seed, folder, tunes, named):
         self.folder = folder
         self.named = named
-        self.tail = []  # what an insertion has taken out of the table
         self.played = []
-        self.disk = Disk(None, [], tunes)
         super().__init__(seed, 0, tunes)
+        self.disk = Disk(self.player.work(), (), tunes, "")
 
     def replay(self):
         """Plays the lines from the start, to be rid of one that has ended in a fault."""
         self.player = Player(MemoryFiles(self.tunes))
         if self.named:
-            self.editor.focus = ""  # nothing has it yet
+            self._open_named()
         for line in self.lines:
             self._play_line(line)
         self.answers = []
 
+    def _open_named(self):
+        """The program's history begins when the tune is open."""
+        self.editor.focus = ""  # nothing has it yet
+        self._play_line("dialog " + self.named)
+        self._play_line("menu mnuOpen")
+        self.player.begin_history()
+
     def _play_line(self, line):
         """No answer that was not wanted waits for another command."""
+        self.player.asked.clear()
         self.player.play_line(line)
         if line.partition(" ")[0] not in ANSWERS:
             for queue in (self.editor.dialogs, self.editor.prompts, self.editor.questions):
@@ -155,6 +227,8 @@ class Typist(ScriptWriter):
             self._play(line, [*MENU_KEYS[rest]])
         elif word == "press" and rest in CLICKED:
             self._play(line, ["@" + rest])
+        elif word in GOING_BACK:
+            self._play(line, [GOING_BACK[word]])
         elif word == "copy":
             first, last = rest.split()
             boxes = ("?Text1", '"' + first, "Return", "?Text2", '"' + last, "Return", "?MainWin")
@@ -166,11 +240,6 @@ class Typist(ScriptWriter):
         return {"mnuSave": editor.mnuSave_on, "mnuPaste": editor.mnuPaste_on}.get(name, True)
 
     def _play(self, line, tokens):
-        editor = self.editor
-        tail = [self._copied(editor.table[i]) for i in range(editor.MeasHead, editor.LastNote + 1)]
-        between = []
-        self.player.key_was_down = lambda: editor.Saved == 0 and between.append(self._work())
-        self.player.asked.clear()
         lines = self.answers + [line]
         self.answers = []
         try:
@@ -180,8 +249,16 @@ class Typist(ScriptWriter):
             self.replay()
             return
         self.lines += lines
-        self._follow(line, tail)
-        self.played.append(Action(line, tokens + self._answer_tokens(), self.disk, between))
+        contents = self.editor.files.contents
+        tunes = {name: data for name, data in contents.items() if name.endswith(".gui")}
+        player = self.player
+        self.disk = Disk(player.work(), tuple(player.left), tunes, player.saved)
+        self._note(line, tokens + self._answer_tokens())
+
+    def _note(self, line, tokens):
+        history = self.player.history
+        steps = [step.begun_in for step in history.steps]
+        self.played.append(Action(line, tokens, self.disk, Past(steps, dict(history.filed))))
 
     def _answer_tokens(self):
         """Keys for the dialogs that come, in their order."""
@@ -198,53 +275,14 @@ class Typist(ScriptWriter):
                 tokens += ["?QFileDialog", *(path if answer else ["Escape"])]
         return tokens + ["?MainWin"] if tokens else []
 
-    # What the disk must hold
-
-    @staticmethod
-    def _copied(record):
-        copied = NoteRecord()
-        copied.copy_from(record)
-        return copied
-
-    def _work(self):
-        """The tune as a file that holds the parked tail too, whose measures count on."""
-        table, last = self.editor.table, self.editor.LastNote
-        measure = table[max(last, 0)].Measure
-        tail = [self._copied(record) for record in self.tail]
-        for record in tail:
-            measure += record.NoteCode == HEAD
-            record.Measure = measure
-        return tune_bytes(table, last) + records_bytes(tail)
-
-    def _follow(self, line, tail):
-        """A copy stays for good when the tail in it was thrown away, or saved work lacks it."""
-        editor, disk = self.editor, self.disk
-        contents = self.player.editor.files.contents
-        read_back = TAIL_FILE not in contents
-        inserting = line == "menu mnuInsMeas"
-        lost = not read_back and (inserting or editor.InputMode != INSERTED_MEASURE)
-        discarded = ("ask_yes", False) in self.player.asked
-        left = list(disk.left)
-        if self.tail and (lost or editor.Saved != 0) and not discarded and disk.copy is not None:
-            left.append(disk.copy)
-        if inserting:
-            self.tail = tail
-        elif lost or read_back:
-            self.tail = []
-        tunes = {name: data for name, data in contents.items() if name.endswith(".gui")}
-        self.disk = Disk(self._work() if editor.Saved == 0 else None, left, tunes)
-
-    # Starts
-
-    def greet(self):
-        """The start without a tune."""
-        self.played.append(Action("start", ["?Splash", "Return", "?MainWin"], self.disk))
-
-    def open_named(self):
-        """The start with a tune, which is opened as from the menu."""
-        self.emit("dialog " + self.named)
-        self.emit("menu mnuOpen")
-        self.played[-1].tokens = ["?MainWin", "?StaffBox"]
+    def undone(self, action, count):
+        """What a journal must hold when so many steps have been undone after an action. No more can be
+        played."""
+        moment = action.past.moments[-count]
+        moment.put_back(self.editor)
+        self.player.history.now = moment
+        self.player.history.filed = action.past.filed
+        return self.player.work()
 
     # Chapters
 
@@ -288,7 +326,7 @@ class Typist(ScriptWriter):
         self.emit("press " + self.pick("cmdNext", "cmdNext", "cmdPrevious"))
 
     def fill_disk(self):
-        """The copy stays as it was, and follows when there is room again."""
+        """The journal stays as it was, and catches up when there is room again."""
         self.edit()
         self.leave_modes()
         for full in (True, True, False):
@@ -297,7 +335,15 @@ class Typist(ScriptWriter):
             if full and len(self.played) > count:
                 action = self.played[-1]
                 action.full = True
-                action.disk = self.disk = Disk(before.copy, before.left, before.tunes)
+                action.disk = self.disk = before
+
+    def undo(self):
+        for _ in range(min(self.rng.randrange(1, 6), len(self.player.history.steps))):
+            self.emit("undo")
+
+    def redo(self):
+        for _ in range(min(self.rng.randrange(1, 6), len(self.player.history.undone))):
+            self.emit("redo")
 
     def save_as_or_not(self):
         if self.chance(0.5):
@@ -328,12 +374,13 @@ class Typist(ScriptWriter):
             (action,) = self.rng.choices(list(WANDERINGS), list(WANDERINGS.values()))
             action(self)
 
+    def start(self):
+        greeting = ["?MainWin", "?StaffBox"] if self.named else ["?Splash", "Return", "?MainWin"]
+        self._note("start", greeting)
+
     def tell(self):
         """A whole life. Returns how many of its actions are looked at one by one."""
-        if self.named:
-            self.open_named()
-        else:
-            self.greet()
+        self.start()
         chapters = [Typist.insert, Typist.fill_disk, Typist.save_twice]
         self.rng.shuffle(chapters)
         self.edit()
@@ -373,4 +420,6 @@ WANDERINGS = {
     Typist.open: 1,
     Typist.new: 1,
     Typist.leave_mode: 2,
+    Typist.undo: 4,
+    Typist.redo: 3,
 }
