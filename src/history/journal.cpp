@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds kRest(200);
 // A journal is shortened before it is ten times as long as the tune's file.
 constexpr std::size_t kRecordBytes = 58;  // of a record in a tune's file, at least
 constexpr std::size_t kLongest = 8;
-constexpr std::size_t kShorter = 4;           // what of it are steps, when it has been shortened
+constexpr std::size_t kShorter = 3;           // what of it are steps, when it has been shortened
 constexpr std::size_t kAlwaysFits = 128'000;  // some two hundred steps, whatever the tune
 constexpr int kLeastSteps = 100;              // that can be undone after a kill, however long
 
@@ -257,7 +257,7 @@ void Journal::KeepShort()
         size = file ? file->Size() : 0;
         leastUndone = std::numeric_limits<int>::max();
     }
-    if (size <= std::max(most, 2 * shortest))
+    if (size <= std::max(most, shortest + most / 4))
         return;
     try {
         JournalContents contents = ReadJournal(present->Read(0, size));
