@@ -1,18 +1,22 @@
-// What history adds to each key, and how much room it takes.
+// What history and journal add to each key, and how much room they take.
 
 #include "headless/scenario.h"
 
+#include "shell/run_keeper.h"
 #include "store/tune_file.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <sstream>
+#include <thread>
 
 namespace quillon {
 namespace {
 
-/// The editor with a tune of `records` records open, in a folder of its own.
+/// The editor with a tune of `records` records open and a journal, in a folder of its own.
 class Desk {
 public:
     explicit Desk(int records)
@@ -20,6 +24,7 @@ public:
         std::filesystem::create_directories(folder);
         std::filesystem::current_path(folder);
         scenario.emplace(folder.string(), output);
+        keeper.emplace(Window(), Past(), folder.string());
         if (records == 0)
             return;
         Tune tune;
@@ -39,6 +44,7 @@ public:
 
     ~Desk()
     {
+        keeper.reset();
         std::filesystem::current_path(before);
         std::filesystem::remove_all(folder);
     }
@@ -50,11 +56,24 @@ public:
     History& Past() { return *scenario->Steps(); }
     MainWin& Window() { return scenario->Window(); }
 
+    std::size_t JournalSize() const
+    {
+        std::error_code gone;
+        return std::filesystem::file_size(keeper->JournalPath(), gone);
+    }
+
+    /// Ten times the tune's file, or what any tune's journal may take.
+    double LongestAllowed()
+    {
+        return std::max(10.0 * static_cast<double>(TuneBytes(Window().tune).size()), 128'000.0);
+    }
+
 private:
     std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::path folder = std::filesystem::temp_directory_path() / "quillon-history-bench";
     std::ostringstream output;
     std::optional<Scenario> scenario;
+    std::optional<RunKeeper> keeper;
 };
 
 void LookWhereNothingChanged(benchmark::State& state)
@@ -82,11 +101,14 @@ void TypeAFret(benchmark::State& state)
 }
 BENCHMARK(TypeAFret)->Arg(300)->Arg(1500);
 
-/// Notes of two keys, eight to a measure, and at the table's end a new tune.
+/// Notes of two keys, eight to a measure, and at the table's end a new tune. Pauses let the thread
+/// that shortens the journal keep up with keys that no person types as fast.
 void HundredThousandKeys(benchmark::State& state)
 {
     for (auto _ : state) {
         Desk desk(0);
+        std::size_t longest = 0;
+        double fullest = 0;
         desk.Play("toolbar 4");
         for (int keys = 0; keys < 100'000; keys += 2) {
             if (desk.Window().tune.LastNote > kLastRecord - 20) {
@@ -95,7 +117,15 @@ void HundredThousandKeys(benchmark::State& state)
             }
             desk.Play(desk.Window().form.Focus == Control::cmdNext ? "key Enter" : "type 5");
             desk.Play("key Enter");
+            if (keys % 1000 == 0) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                longest = std::max(longest, desk.JournalSize());
+                fullest = std::max(fullest,
+                                   static_cast<double>(desk.JournalSize()) / desk.LongestAllowed());
+            }
         }
+        state.counters["journal"] = static_cast<double>(longest);
+        state.counters["fullest"] = fullest;
         state.counters["bytes"] = static_cast<double>(desk.Past().Steps().Size());
         state.counters["steps"] = desk.Past().UndoCount();
     }
