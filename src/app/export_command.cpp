@@ -22,7 +22,7 @@ const char* const kExportHelp =
     "\n"
     "  --check           lists the problems of each tune, one per line\n"
     "  --order           prints the order in which the measures are played\n"
-    "  --format F        pdf, svg, png, mid, wav, abc, musicxml, txt, tune,\n"
+    "  --format F        pdf, svg, png, mid, wav, abc, musicxml, ly, txt, tune,\n"
     "                    measure-log, page-log or print-log; without it, OUT's extension decides\n"
     "  --from F          abc, musicxml, mid or txt: the form of TUNE, whatever its extension\n"
     "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"

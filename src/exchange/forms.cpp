@@ -2,6 +2,7 @@
 
 #include "exchange/abc_reader.h"
 #include "exchange/abc_writer.h"
+#include "exchange/lilypond_writer.h"
 #include "exchange/midi_reader.h"
 #include "exchange/musicxml_reader.h"
 #include "exchange/musicxml_writer.h"
@@ -18,6 +19,7 @@ const std::vector<ExchangeForm>& ExchangeForms()
         {"abc",      "",     "ABC",            ReadAbc,      WriteAbc,      Repeats::Followed},
         {"musicxml", "xml",  "MusicXML",       ReadMusicXml, WriteMusicXml, Repeats::Jumps   },
         {"mid",      "midi", "MIDI",           ReadMidi,     nullptr,       Repeats::Shown   },
+        {"ly",       "",     "LilyPond",       nullptr,      WriteLilyPond, Repeats::Followed},
         {"txt",      "tab",  "text tablature", ReadTextTab,  WriteTextTab,  Repeats::Shown   },
     };
     return forms;

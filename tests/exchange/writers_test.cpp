@@ -1,5 +1,6 @@
 #include "exchange/abc_writer.h"
 #include "exchange/forms.h"
+#include "exchange/lilypond_writer.h"
 #include "exchange/musicxml_reader.h"
 #include "exchange/musicxml_writer.h"
 #include "exchange/text_tab_writer.h"
@@ -8,6 +9,8 @@
 #include "support/tunes.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace quillon {
 namespace {
@@ -66,6 +69,22 @@ TEST(WritersTest, TextTablatureStandsInColumns)
                                                       "A|-------------:|-------------------|\n"
                                                       "E|----------0--:|-------------------|\n"
                                                       "\n");
+}
+
+TEST(WritersTest, LilyPondHasTheTuneAsWrittenAndAsItSounds)
+{
+    Tune tune;
+    FillSmallTune(tune);
+    Notices notices;
+    const std::string text = WriteLilyPond(MusicFrom(tune), notices);
+    for (const char* part :
+         {"title = \"Small\"", "tuning = \\stringTuning <e, a, d g b e'>",
+          "<fis'\\1>4^\\markup \\bold \"D\"", "<d'\\2>16( <e'\\2>16) <e''\\1 e,\\6>8",
+          "\\set Score.repeatCommands = #'(end-repeat)",
+          "\\tuplet 3/2 { <gis\\3>8 <gis\\3>8 <gis\\3>8 } r2 |"})
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+    // Two measures as written, three as they sound.
+    EXPECT_EQ(std::ranges::count(text, '|') - 1, 5);
 }
 
 TEST(WritersTest, MusicXmlIsRefusedWithTheLine)
