@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-/// A file for LilyPond 2.24 in UTF-8, which compiles without a warning.
+/// A file for LilyPond 2.24 in UTF-8.
 std::string WriteLilyPond(const Music& music, Notices& notices);
 
 }  // namespace quillon
