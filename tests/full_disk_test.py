@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Full disks and folders that cannot be written: saving, scratch files, the rescue copy, building
+"""Full disks and folders that cannot be written: saving, scratch files, the journal, building
 MIDI files and every form of export end as they should, and leave no half result.
 
     full_disk_test.py FOLDER_OF_THE_PROGRAMS [NAME...]

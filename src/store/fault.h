@@ -1,9 +1,9 @@
 // Run-time errors: failures that nothing handles and that end the program.
 //
-// A handler does not catch a Fault. The application's event loop does, in one place: it keeps a
-// rescue copy of unsaved work, shows the error and ends with status 1. The few commands that do
-// handle failures (opening a tune, saving under a new name, printing, building MIDI) catch it
-// themselves.
+// A handler does not catch a Fault. The application's event loop does, in one place: it shows the
+// error and ends with status 1. The work from before the event is in the journal. The few commands
+// that do handle failures (opening a tune, saving under a new name, printing, building MIDI) catch
+// it themselves.
 
 #pragma once
 

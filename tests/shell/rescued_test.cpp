@@ -20,7 +20,7 @@ protected:
         win.editor.cmdNext();
     }
 
-    /// What is read back from the rescue copy.
+    /// What is read back from the rescued bytes.
     Tune Rescued()
     {
         Tune tune;
