@@ -82,6 +82,9 @@ public:
     /// Appends a step that was done and undone.
     void AppendUndone(Step step);
 
+    /// The step that began the present tune, 0 if none did.
+    int TuneBegunBy() const { return TuneBegunAt(position); }
+
     /// Whether the table differs from its file: as last saved, opened or begun.
     bool Changed() const { return changed; }
 

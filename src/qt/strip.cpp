@@ -198,13 +198,17 @@ void Strip::Go(void (History::*go)(int))
     if (!runner.Steps)
         return;
     runner.RunUnobserved("Undo", [&] {
+        const Timeline& steps = runner.Steps->Steps();
+        const int tune = steps.TuneBegunBy();
         try {
             (*runner.Steps.*go)(1);
         } catch (const Fault& fault) {  // nothing has changed
             win.platform.dialogs.Message(Icon::Stop, "Undo", fault.what());
             return;
         }
-        if (win.pages.LargeView)
+        if (steps.TuneBegunBy() != tune)
+            win.ShowPages();
+        else if (win.pages.LargeView)
             win.pages.mnuSmallView();
     });
     emit Gone();

@@ -425,6 +425,18 @@ void MainWin::cmdRefresh()
     editor.SetFocus(Control::StaffBox);
 }
 
+void MainWin::ShowPages()
+{
+    pages.mnuSmallView();
+    pages.ResetCounters();
+    pages.BlankPages();
+    try {
+        LayOutPages(tune, page, pages);
+    } catch (const Fault&) {
+        pages.BlankPages();
+    }
+}
+
 void MainWin::ReportTooWide(std::optional<int> measure)
 {
     if (measure)

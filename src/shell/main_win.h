@@ -95,6 +95,9 @@ public:
     /// being inserted.
     void cmdRefresh();
 
+    /// Shows the pages of a tune that another one has given way to. Nothing but the pages changes.
+    void ShowPages();
+
     /// Path of a file in the program's own folder.
     std::string ProgramFile(const std::string& name) const;
 

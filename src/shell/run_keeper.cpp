@@ -1,7 +1,5 @@
 #include "shell/run_keeper.h"
 
-#include "notation/page_layout.h"
-
 #include <filesystem>
 
 namespace quillon {
@@ -109,24 +107,12 @@ bool RunKeeper::OpenJournal(const std::string& path, const std::string& stepName
     if (history.Changed())
         journal.LeaveBehind(HowItEnds());
     history.Adopt(*contents.Run, stepName);
-    ShowPages();
+    win.ShowPages();
     journal.Sync();
     std::error_code ignored;
     if (journal.Trouble().empty())
         fs::remove(path, ignored);
     return true;
-}
-
-void RunKeeper::ShowPages()
-{
-    win.pages.mnuSmallView();
-    win.pages.ResetCounters();
-    win.pages.BlankPages();
-    try {
-        LayOutPages(win.tune, win.page, win.pages);
-    } catch (const Fault&) {
-        win.pages.BlankPages();
-    }
 }
 
 }  // namespace quillon

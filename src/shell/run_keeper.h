@@ -54,7 +54,6 @@ private:
     void Append(std::string_view entry) override;
     bool LosesTail(const Event& event) const;
     Ending HowItEnds() const;
-    void ShowPages();
 
     MainWin& win;
     History& history;

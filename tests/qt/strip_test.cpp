@@ -253,6 +253,20 @@ private slots:
         QCOMPARE(Core().tune[2].Slot(6), std::string());
     }
 
+    void UndoToAnotherTuneShowsItsPages()
+    {
+        Open(TuneFile("three.gui"));
+        QCOMPARE(State()->text(), QString("three.gui · page 1 of 1"));
+        const std::string page = Core().pages.Page(0).Surface.Picture().Log();
+        Action("mnuNew")->trigger();
+        QVERIFY(Core().pages.Page(0).Surface.Picture().Log() != page);
+        Undo()->trigger();
+        QCOMPARE(Core().pages.Page(0).Surface.Picture().Log(), page);
+        QCOMPARE(State()->text(), QString("three.gui · page 1 of 1"));
+        Redo()->trigger();
+        QCOMPARE(State()->text(), QString("New tune"));
+    }
+
     void TheLineOfStateFollows()
     {
         QCOMPARE(State()->text(), QString("New tune"));
