@@ -35,7 +35,7 @@ constexpr Style kEngraved{
     .ThickBar = 0.33,
     .BarClear = 0.15,
     .RepeatDot = 0.15,
-    .Bracket = 0.09,
+    .Bracket = 0.08,
     .Stem = 0.1,
     .Beam = 0.25,
     .BeamClear = 0.15,
@@ -43,13 +43,13 @@ constexpr Style kEngraved{
     .TieEnd = 0.05,
     .TieMiddle = 0.15,
     .Dot = 0.14,
-    .FigureClear = 0.14,
+    .FigureClear = 0.17,
 };
 
-constexpr double kPlainBarClear = 1.5;  // device dots
-constexpr double kShortestPiece = 0.3;  // gaps: a shorter piece between two figures is left out
-constexpr double kNearStem = 0.2;       // gaps: a beam that ends nearer to a stem ends on it
-constexpr double kOnStemEnd = 0.7;      // gaps: how far from its end a stem's beams may lie
+constexpr double kPlainBarClear = 1.125;  // points: seen at every density
+constexpr double kShortestPiece = 0.25;   // gaps: a shorter piece between two figures is left out
+constexpr double kNearStem = 0.2;         // gaps: a beam that ends nearer to a stem ends on it
+constexpr double kOnStemEnd = 0.7;        // gaps: how far from its end a stem's beams may lie
 constexpr int kTiePieces = 16;
 
 bool Overlap(const Box& a, const Box& b)
@@ -161,7 +161,8 @@ private:
 
 class PlainLook {
 public:
-    PlainLook(const Drawing& drawing, double deviceDot) : dot(deviceDot)
+    PlainLook(const Drawing& drawing, const LookValues& values)
+        : dot(values.Dot), units(values.UnitsPerPoint)
     {
         for (const Operation& op : drawing.Operations())
             if (op.Part == Role::StringLine)
@@ -183,7 +184,7 @@ private:
     void Finish(Stroke& stroke)
     {
         Operation& op = stroke.Drawn;
-        const double clear = kPlainBarClear * dot;
+        const double clear = kPlainBarClear * units;
         switch (op.Part) {
         case Role::StringLine:
         case Role::BlockRest:
@@ -212,7 +213,8 @@ private:
         }
     }
 
-    double dot;
+    double dot;    // of the device
+    double units;  // of the drawing, to the point
     double stringPen = dot;
     BarGroup bar;
 };
@@ -481,7 +483,7 @@ private:
 
     bool IsAtFigure(const Point& point) const
     {
-        const double clear = Gaps(kEngraved.FigureClear) / 2;
+        const double clear = Gaps(kEngraved.FigureClear);
         return std::any_of(figures.begin(), figures.end(), [&](const Box& figure) {
             return Overlap(Grown(figure, clear), {point.X, point.Y, point.X, point.Y});
         });
@@ -527,7 +529,7 @@ std::vector<Stroke> StrokesOf(const Drawing& drawing, const LookValues& values,
 {
     if (values.As == Look::Engraved)
         return EngravedLook(drawing, values, metrics).Strokes();
-    PlainLook plain(drawing, values.Dot);
+    PlainLook plain(drawing, values);
     std::vector<Stroke> strokes;
     strokes.reserve(drawing.Operations().size());
     for (const Operation& op : drawing.Operations())

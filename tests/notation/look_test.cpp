@@ -8,7 +8,7 @@ constexpr double kDot = 15;
 constexpr double kGap = 165;
 
 /// A staff of two strings at 1000 and 1165, from 400 to 9400, in twips. In the engraved look, at
-/// this gap: strings 11.55, bars 18.15, stems 16.5, beams 41.25, clear of figures 23.1.
+/// this gap: strings 11.55, bars 18.15, stems 16.5, beams 41.25, clear of figures 28.05.
 class LookTest : public testing::Test {
 protected:
     LookTest()
@@ -175,15 +175,15 @@ TEST_F(LookTest, AnEngravedStringLeavesRoomForItsFigures)
     Figure(2000, 1000);
     Figure(3000, 1000);
     Figure(5000, 1165);
-    EXPECT_EQ(PiecesAt(1000), "400..1996.9 2103.1..2996.9 3103.1..9400");
-    EXPECT_EQ(PiecesAt(1165), "400..4996.9 5103.1..9400");
+    EXPECT_EQ(PiecesAt(1000), "400..1991.95 2108.05..2991.95 3108.05..9400");
+    EXPECT_EQ(PiecesAt(1165), "400..4991.95 5108.05..9400");
 }
 
 TEST_F(LookTest, FiguresAreInAnyOrder)
 {
     Figure(3000, 1000);
     Figure(2000, 1000);
-    EXPECT_EQ(PiecesAt(1000), "400..1996.9 2103.1..2996.9 3103.1..9400");
+    EXPECT_EQ(PiecesAt(1000), "400..1991.95 2108.05..2991.95 3108.05..9400");
 }
 
 TEST_F(LookTest, FiguresThatStandCloseShareAGap)
@@ -191,13 +191,13 @@ TEST_F(LookTest, FiguresThatStandCloseShareAGap)
     Figure(2000, 1000, "12");
     Figure(2130, 1000);
     Figure(2270, 1000, "1");
-    EXPECT_EQ(PiecesAt(1000), "400..1996.9 2373.1..9400");
+    EXPECT_EQ(PiecesAt(1000), "400..1991.95 2378.05..9400");
 }
 
 TEST_F(LookTest, AFigureAtTheStaffsEndLeavesNoPiece)
 {
     Figure(9380, 1000);
-    EXPECT_EQ(PiecesAt(1000), "400..9376.9");
+    EXPECT_EQ(PiecesAt(1000), "400..9371.95");
 }
 
 TEST_F(LookTest, JoinedFiguresStandInOneGap)
@@ -205,7 +205,7 @@ TEST_F(LookTest, JoinedFiguresStandInOneGap)
     Figure(2000, 1000);
     surface.PrintLineAt(2100, 700, "-", Role::Joint);
     Figure(2200, 1000);
-    EXPECT_EQ(PiecesAt(1000), "400..1996.9 2303.1..9400");
+    EXPECT_EQ(PiecesAt(1000), "400..1991.95 2308.05..9400");
 }
 
 TEST_F(LookTest, WhatJoinsFiguresLeavesTheStringBelowWhole)
@@ -244,7 +244,7 @@ TEST_F(LookTest, AnEngravedBracketLeavesRoomForItsNumber)
     const double half = lines[0].Pen / 2;
     EXPECT_DOUBLE_EQ(lines[0].Drawn.Y2, 1700 + half);
     EXPECT_EQ(lines[1].Drawn.X1, 2000);
-    EXPECT_DOUBLE_EQ(lines[1].Drawn.X2, 2520 - 0.14 * kGap);
+    EXPECT_DOUBLE_EQ(lines[1].Drawn.X2, 2520 - 0.17 * kGap);
     EXPECT_EQ(lines[2].Drawn.X1, 2620);
     EXPECT_EQ(lines[2].Drawn.X2, 3000);
 }
@@ -254,7 +254,7 @@ TEST_F(LookTest, AnEngravedStemBeginsClearOfTheFigureAboveIt)
     Figure(2000, 1165);
     surface.Line(2040, 1230, 2040, 1500, Role::Stem);
     const Operation stem = Of(Role::Stem).at(0).Drawn;
-    EXPECT_DOUBLE_EQ(stem.Y1, 1165 + 120 + 0.14 * kGap);
+    EXPECT_DOUBLE_EQ(stem.Y1, 1165 + 120 + 0.17 * kGap);
     EXPECT_EQ(stem.Y2, 1500);
 }
 
@@ -318,7 +318,7 @@ TEST_F(LookTest, ALetterUnderAFigureMovesClearOfIt)
     surface.PrintLineAt(2060, 1250, "i", Role::Fingering);
     surface.PrintLineAt(4000, 1250, "m", Role::Fingering);
     const auto letters = Of(Role::Fingering);
-    EXPECT_DOUBLE_EQ(letters.at(0).Drawn.Y1, 1285 + 0.14 * kGap - 20);
+    EXPECT_DOUBLE_EQ(letters.at(0).Drawn.Y1, 1285 + 0.17 * kGap - 20);
     EXPECT_EQ(letters.at(1).Drawn.Y1, 1250);
 }
 
