@@ -66,6 +66,7 @@ class Reader:
         if "tune" not in told:
             return None
         told["path"] = path
+        told["saved"] = bytes.fromhex(told["saved"])
         told["work"] = Work(bytes.fromhex(told["tune"]), told["ended"], told["changed"])
         return told
 
@@ -115,7 +116,7 @@ class Home:
                 compare("left behind", left, sorted(action.disk.left))
             time.sleep(0.01)
         saved = action.disk.tunes.get(action.disk.saved, b"")
-        compare("saved tune in the journal", [latest(live)["saved"]], [saved.hex()])
+        compare("saved tune in the journal", [latest(live)["saved"]], [saved])
 
     def only_journal(self):
         """Of the run that lives, which has left nothing behind."""
@@ -126,7 +127,7 @@ class Home:
     @staticmethod
     def is_as_saved(journal):
         path = pathlib.Path(os.fsdecode(bytes.fromhex(journal["saved_path"])))
-        return not path.name or (path.exists() and path.read_bytes().hex() == journal["saved"])
+        return not path.name or (path.exists() and path.read_bytes() == journal["saved"])
 
     def look_after_start(self):
         """What earlier lives have left is under Rescued, as tunes and as journals."""
@@ -157,7 +158,7 @@ class Home:
             found = tunes.get(name)
             half_written = found is None or data.startswith(found)
             if found not in (before.get(name), data) and not (
-                half_written and killed["saved"] == data.hex()
+                half_written and killed["saved"] == data
             ):
                 compare("tunes", tunes, after)
 

@@ -171,7 +171,7 @@ def look(home, actions, cut):
     for name, data in after.items():
         path = home.work / name
         found = path.read_bytes() if path.exists() else None
-        if found not in (before.get(name), data) and journal["saved"] != data.hex():
+        if found not in (before.get(name), data) and journal["saved"] != data:
             raise Loss(f"{name}: found {summary([found])}, expected {summary([before.get(name), data])}")
 
 
