@@ -375,8 +375,12 @@ class Typist(ScriptWriter):
             action(self)
 
     def start(self):
-        greeting = ["?MainWin", "?StaffBox"] if self.named else ["?Splash", "Return", "?MainWin"]
-        self._note("start", greeting)
+        if self.named:
+            boxes = sum(kind == "box" for kind, _ in self.player.asked)
+            tokens = ["?QMessageBox", "Return"] * boxes + ["?MainWin", "?StaffBox"]
+        else:
+            tokens = ["?Splash", "Return", "?MainWin"]
+        self._note("start", tokens)
 
     def tell(self):
         """A whole life. Returns how many of its actions are looked at one by one."""
