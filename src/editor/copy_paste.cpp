@@ -102,10 +102,8 @@ void Editor::PasteAfterMeasure()
         form.MeasEnd = tune.LastNote;
     }
     ItemReader tail(ReadFileBytes(kPasteScratch));
-    while (!tail.AtEnd()) {
+    while (!tail.AtEnd())
         PasteRecord(tail);
-        ++form.Parked.RecordsBack;
-    }
     form.Parked = {};
     tune.CurMeas = Head().Measure;
 }

@@ -36,7 +36,6 @@ struct ParkedTail {
     /// The same as they were in the table: a text with a double quote does not come back from
     /// Bytes.
     std::vector<NoteRecord> Records;
-    int RecordsBack = 0;  // how many of them are back in the table
 
     bool operator==(const ParkedTail&) const = default;
 };

@@ -237,7 +237,6 @@ void Editor::ReadBackTail(int from, int renumberBy)
         tune[i].Measure += renumberBy;
         tune.LastNote = i;
         tune.LastMeas = tune[i].Measure;
-        ++form.Parked.RecordsBack;
     }
     DeleteFile(kInsertScratch);
     form.Parked = {};

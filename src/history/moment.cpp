@@ -49,10 +49,7 @@ Moment::Moment(const quillon::Values& live)
 
 bool Moment::IsSound() const
 {
-    const ParkedTail& parked = Form.Parked;
-    return FindMode(Music.NumStrings) && Form.Toolbar1 >= 0 && Form.Toolbar1 <= kNoteValues &&
-           parked.RecordsBack >= 0 &&
-           static_cast<std::size_t>(parked.RecordsBack) <= parked.Records.size();
+    return FindMode(Music.NumStrings) && Form.Toolbar1 >= 0 && Form.Toolbar1 <= kNoteValues;
 }
 
 void Moment::PutBack(const quillon::Values& live)

@@ -165,7 +165,6 @@ void Put(ByteWriter& bytes, const ParkedTail& value)
 {
     const auto& records = value.Records;
     const bool asRecords = BytesOf(records) == value.Bytes;
-    Put(bytes, value.RecordsBack);
     PutList(bytes, records.data(), records.data() + records.size());
     Put(bytes, asRecords);
     if (!asRecords)
@@ -174,7 +173,6 @@ void Put(ByteWriter& bytes, const ParkedTail& value)
 
 void Get(ByteReader& bytes, ParkedTail& value)
 {
-    Get(bytes, value.RecordsBack);
     value.Records = GetList<NoteRecord>(bytes);
     bool asRecords = false;
     Get(bytes, asRecords);

@@ -29,14 +29,12 @@ constexpr std::uintmax_t kLargestJournal = 64 * 1024 * 1024;
 constexpr unsigned kMode = 0600;
 constexpr int kMostCharacters = 40;  // of the tune's name; a character has up to four bytes
 
-/// Appends the parked records that are not back in the table yet. Their measures go on counting
-/// from `measure`, the last one in the table.
+/// Appends the parked records. Their measures go on counting from `measure`, the last one in the
+/// table.
 void AppendParkedTail(std::string& bytes, const ParkedTail& parked, int measure)
 {
     ItemWriter writer;
-    for (std::size_t i = static_cast<std::size_t>(parked.RecordsBack); i < parked.Records.size();
-         ++i) {
-        NoteRecord record = parked.Records[i];
+    for (NoteRecord record : parked.Records) {
         if (record.IsHead())
             ++measure;
         record.Measure = measure;
