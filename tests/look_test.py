@@ -1,11 +1,12 @@
 #!/usr/bin/python3
 """Pages in both looks, as pictures of many programs: what the looks promise, measured in pixels.
 
-    look_test.py QUILLON_EXPORT
+    look_test.py QUILLON_EXPORT [NUMBER]
 
-Programs that are not installed are left out, and named.
+With a NUMBER two of the tunes are looked at, which depend on it: a dense one and an example. Programs that are not installed are left out, and named.
 """
 
+import concurrent.futures
 import functools
 import pathlib
 import re
@@ -17,8 +18,8 @@ import tempfile
 import xml.etree.ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-TUNES = [
-    *sorted(ROOT.glob("tests/golden/every_sign*.[gb]??")),
+DENSE = sorted(ROOT.glob("tests/golden/every_sign*.[gb]??"))
+EXAMPLES = [
     ROOT / "examples/greensleeves.gui",
     ROOT / "examples/yankee_doodle.bjo",
     ROOT / "examples/drowsy_maggie.bss",
@@ -342,7 +343,7 @@ class Looks:
             self.passed += 1
         else:
             self.failed += 1
-            print(f"failed: {what}{': ' if seen != '' else ''}{seen}")
+            print(f"failed: {what}{': ' if seen != '' else ''}{seen}", flush=True)
 
     def make(self, tune, extension, *options):
         """The file of page 1."""
@@ -424,18 +425,29 @@ class Looks:
             self.check_none(f"{what}: {first} lacks what {name} has", differences(other, one))
 
 
-def main():
-    if len(sys.argv) != 2:
-        raise SystemExit("usage: look_test.py QUILLON_EXPORT")
+def look_at(program, tune):
+    """How many checks of a tune passed, and how many failed."""
+    count = STRINGS[tune.suffix]
     with tempfile.TemporaryDirectory() as folder:
-        looks = Looks(sys.argv[1], pathlib.Path(folder))
-        for tune in TUNES:
-            count = STRINGS[tune.suffix]
-            looks.pdfs(tune, count)
-            looks.svgs(tune, count)
-            looks.pngs(tune, count)
-    print(f"{looks.passed} passed, {looks.failed} failed")
-    sys.exit(looks.failed > 0)
+        looks = Looks(program, pathlib.Path(folder))
+        looks.pdfs(tune, count)
+        looks.svgs(tune, count)
+        looks.pngs(tune, count)
+    return looks.passed, looks.failed
+
+
+def main():
+    if len(sys.argv) not in (2, 3):
+        raise SystemExit("usage: look_test.py QUILLON_EXPORT [NUMBER]")
+    tunes = [*DENSE, *EXAMPLES]
+    if len(sys.argv) == 3:
+        number = int(sys.argv[2])
+        tunes = [DENSE[number % len(DENSE)], EXAMPLES[number // len(DENSE) % len(EXAMPLES)]]
+    with concurrent.futures.ProcessPoolExecutor() as processes:
+        results = list(processes.map(look_at, [sys.argv[1]] * len(tunes), tunes))
+    passed, failed = (sum(column) for column in zip(*results))
+    print(f"{passed} passed, {failed} failed")
+    sys.exit(failed > 0)
 
 
 if __name__ == "__main__":

@@ -163,6 +163,7 @@ void CopyBox::ShowAgain()
     ShowTexts();
     const QScopedValueRollback guard(showing, true);
     box->setCursorPosition(caret);
+    activateWindow();
     box->setFocus();
 }
 

@@ -87,7 +87,7 @@ void RunKeeper::Open(const Rescued& rescued)
         win.OpenDropped(rescued.Tune);
         return;
     }
-    if (!win.MayLeaveTune())
+    if (history.Changed() && !win.MayLeaveTune())
         return;
     if (!OpenJournal(rescued.Journal, "Open " + rescued.Name)) {
         win.OpenDropped(rescued.Tune);

@@ -37,8 +37,8 @@ public:
     /// The run ends by a fault. Another one may open the journal from now on.
     void EndByFault() { journal.Release(); }
 
-    /// Opens rescued work as a step, after the save question. It goes on where it was, and is among
-    /// the rescued tunes no longer.
+    /// Opens rescued work as a step, after the save question if the present tune is changed. It
+    /// goes on where it was, and is among the rescued tunes no longer.
     void Open(const Rescued& rescued);
 
     /// Opens a journal and removes it. False if nothing can be brought back from it.

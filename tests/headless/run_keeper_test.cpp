@@ -442,6 +442,20 @@ TEST_F(RunKeeperTest, RescuedWorkThatIsOpenedStaysWhereTheJournalCannotBeWritten
     EXPECT_EQ(FoundOne().Journal, found.Journal);
 }
 
+TEST_F(RunKeeperTest, ATuneThatIsNotChangedIsNotAskedAboutWhenAnotherIsRescued)
+{
+    {
+        KeptRun run(own);
+        run.TypeTwoMeasures();
+    }
+    const Rescued found = FoundOne();
+    KeptRun next(own);
+    next.Win().form.Saved = SavedState::Unsaved;
+    next.Play("ask yes\ndialog cancel");
+    next.Keeper().Open(found);
+    EXPECT_EQ(next.Win().tune.LastMeas, 2);
+}
+
 TEST_F(RunKeeperTest, RescueCopiesOfEarlierVersionsAreFoundInTheOrderOfTheirTimes)
 {
     const std::string names[] = {"air-Rescue-20240103-120000-x.gui",

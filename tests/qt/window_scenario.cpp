@@ -436,6 +436,7 @@ void WindowScript::GiveFocus(QWidget* widget)
         return;
     widget->setFocus();
     desk.window->activateWindow();
+    Desk::Settle();
 }
 
 void WindowScript::Press(std::string_view name)
