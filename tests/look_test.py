@@ -305,7 +305,7 @@ def repeat_bars(picture, count, dot):
         dots = [
             x
             for x, ink in marks(picture.greys(int(first + dot * gap)))
-            if 0.1 * gap < ink < 0.7 * gap and not is_in(free, x)
+            if 0.08 * gap < ink < 0.7 * gap and not is_in(free, x)
         ]
         for thick, thick_ink in bars:
             for thin, thin_ink in bars:
