@@ -32,6 +32,7 @@ UPPER_DOT = {"plain": {6: 1.5, 5: 1.2, 4: 0.7}, "engraved": {6: 1.5, 5: 1.5, 4: 
 COARSE = "gs", 96  # blackens each pixel that a line only touches
 NO_DOT = {6: 2.5, 5: 0.5, 4: 1.5}  # a mid-gap without dots
 LEAST_THICK = 1.2  # times a thin bar
+COARSE_GAP = 20  # pixels: below, a dot may be one pixel wide in the row that is measured
 VALLEY = 60  # greys between two marks that are apart
 BODY = ("--body-size", "10")  # the screen's pages are laid out for it
 LEAST_BEAM = 2.5  # times a string line
@@ -301,11 +302,12 @@ def repeat_bars(picture, count, dot):
     found = 0
     for first, gap in picture.staves(count):
         bars = bars_of(picture, first, gap, count)
+        least = 0.9 if gap < COARSE_GAP else 0.1 * gap
         free = [x for x, _ in marks(picture.greys(int(first + NO_DOT[count] * gap)))]
         dots = [
             x
             for x, ink in marks(picture.greys(int(first + dot * gap)))
-            if 0.08 * gap < ink < 0.7 * gap and not is_in(free, x)
+            if least < ink < 0.7 * gap and not is_in(free, x)
         ]
         for thick, thick_ink in bars:
             for thin, thin_ink in bars:
