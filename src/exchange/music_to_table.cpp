@@ -190,7 +190,7 @@ void LeaveOutWhatSharesNoCell(Music& music, Notices& notices)
 
 std::string FretText(const MusicNote& note)
 {
-    const std::string fret = std::to_string(note.Fret);
+    std::string fret = std::to_string(note.Fret);
     switch (note.Look) {
     case NoteLook::Ghost:
         return "(" + fret + ")";

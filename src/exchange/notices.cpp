@@ -24,6 +24,7 @@ void Notices::Count(std::string_view one, std::string_view many, int count)
 std::vector<std::string> Notices::Lines() const
 {
     std::vector<std::string> lines;
+    lines.reserve(notices.size());
     for (const Notice& notice : notices)
         lines.push_back(notice.Count == 1 ? notice.One
                                           : std::to_string(notice.Count) + " " + notice.Many);

@@ -172,6 +172,7 @@ private:
         const std::size_t first = columns.front().At;
         const std::size_t width = std::max<std::size_t>(end - first, 1);
         std::vector<std::size_t> parts;
+        parts.reserve(columns.size() + 1);
         for (const TabColumn& column : columns)
             parts.push_back(std::min(((column.At - first) * count + width / 2) / width, count));
         parts.push_back(count);

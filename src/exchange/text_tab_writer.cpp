@@ -65,7 +65,7 @@ std::string LinkText(const MusicNote* from, const MusicNote& to)
 
 std::string FretText(const MusicNote& note)
 {
-    const std::string fret = std::to_string(note.Fret);
+    std::string fret = std::to_string(note.Fret);
     switch (note.Look) {
     case NoteLook::Ghost:
         return "(" + fret + ")";

@@ -317,10 +317,10 @@ std::string WriteRescueCopy(const Tune& tune, const MainForm& form, const std::s
     try {
         TemporaryFile file(folder, kMode);
         file.Write(RescueBytes(tune, form));
-        const std::string path = fs::path(file.Path())
-                                     .replace_filename(TuneName(fs::path(tune.FileName).stem()) +
-                                                       fs::path(file.Path()).filename().string() +
-                                                       "." + FindMode(tune.NumStrings)->Extension);
+        std::string path = fs::path(file.Path())
+                               .replace_filename(TuneName(fs::path(tune.FileName).stem()) +
+                                                 fs::path(file.Path()).filename().string() + "." +
+                                                 FindMode(tune.NumStrings)->Extension);
         file.Rename(path);
         return path;
     } catch (const std::exception&) {
