@@ -233,7 +233,7 @@ private:
     const Neck& neck;
     const MusicEvent& event;
     bool onBeat;
-    Place place;
+    Place place{};
     std::vector<Place> places;
 };
 
