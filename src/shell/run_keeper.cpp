@@ -8,11 +8,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// Contents without a run if the file cannot be read.
+JournalContents Contents(const std::string& path)
+{
+    try {
+        return ReadJournal(ReadFileBytes(path));
+    } catch (const Fault&) {
+        return {};
+    }
+}
+
 }  // namespace
 
 RunKeeper::RunKeeper(MainWin& mainWin, History& theHistory, std::string programFolder)
-    : win(mainWin), history(theHistory), folder(std::move(programFolder)),
-      journal(folder, history.Steps())
+    : win(mainWin), history(theHistory), journal(std::move(programFolder), history.Steps())
 {
     history.Keeper = this;
     win.BeforeWriting = [this](const std::string& path, const std::string& bytes) {
@@ -100,7 +109,7 @@ void RunKeeper::Open(const Rescued& rescued)
 
 bool RunKeeper::OpenJournal(const std::string& path, const std::string& stepName)
 {
-    const JournalContents contents = ReadJournal(ReadFileBytes(path));
+    const JournalContents contents = Contents(path);
     if (!contents.Run)
         return false;
     history.Observe(Input::Command, {});  // the tune that goes may just have been saved

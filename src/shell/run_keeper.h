@@ -57,7 +57,6 @@ private:
 
     MainWin& win;
     History& history;
-    std::string folder;
     Journal journal;
     std::string parked;  // the tail that the last event has left parked
 };

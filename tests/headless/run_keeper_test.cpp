@@ -456,6 +456,21 @@ TEST_F(RunKeeperTest, ATuneThatIsNotChangedIsNotAskedAboutWhenAnotherIsRescued)
     EXPECT_EQ(next.Win().tune.LastMeas, 2);
 }
 
+TEST_F(RunKeeperTest, WhereAJournalHasGoneTheTuneBesideItIsOpened)
+{
+    {
+        KeptRun run(own);
+        run.TypeTwoMeasures();
+    }
+    const Rescued found = FoundOne();
+    fs::remove(found.Journal);
+    KeptRun next(own);
+    EXPECT_FALSE(next.Keeper().OpenJournal(found.Journal, "Start Again"));
+    next.Keeper().Open(found);
+    EXPECT_EQ(next.Win().tune.FileName, found.Tune);
+    EXPECT_EQ(next.Win().tune.LastMeas, 2);
+}
+
 TEST_F(RunKeeperTest, RescueCopiesOfEarlierVersionsAreFoundInTheOrderOfTheirTimes)
 {
     const std::string names[] = {"air-Rescue-20240103-120000-x.gui",
