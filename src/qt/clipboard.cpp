@@ -1,6 +1,7 @@
 #include "qt/clipboard.h"
 
 #include "notation/draw_surface.h"
+#include "shell/look_choice.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -30,7 +31,7 @@ void QtClipboard::SetPicture(const Drawing& page, const PagePart& part, double w
         painter.scale(ratio * width / part.Width / kScreenDot,
                       ratio * height / part.Height / kScreenDot);
         painter.translate(-part.X * kScreenDot, -part.Y * kScreenDot);
-        Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true});
+        Paint(painter, page, {.UnitsPerPoint = kTwips, .Crisp = true, .As = ChosenLook(settings)});
     }
     painter.end();
     QGuiApplication::clipboard()->setImage(image);

@@ -4,6 +4,7 @@
 #include "qt/settings.h"
 #include "qt/start_notice.h"
 #include "qt/text.h"
+#include "shell/look_choice.h"
 #include "shell/menus.h"
 #include "shell/spoken.h"
 #include "shell/steps.h"
@@ -131,7 +132,16 @@ void EditorWindow::AddStrip()
     strip = new Strip(win, runner, this);
     layout()->setMenuBar(nullptr);
     setMenuWidget(new MenuRow(ui->menuBar, strip, this));
+    ShowLook();
+    connect(&strip->Menu(), &MoreMenu::LookChosen, this, &EditorWindow::ShowLook);
     connect(strip, &Strip::Gone, this, [this] { otherForms.FollowUndo(); });
+}
+
+void EditorWindow::ShowLook()
+{
+    const Look look = ChosenLook(win.platform.settings);
+    ui->StaffBox->SetLook(look);
+    ui->picPage->SetLook(look);
 }
 
 void EditorWindow::ConnectControls()

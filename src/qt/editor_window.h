@@ -63,6 +63,7 @@ private:
     bool KeyIsTaken(const QObject* widget, QKeyEvent& key);
     void ConnectControls();
     void AddStrip();
+    void ShowLook();
     void StaffBoxKey(int keyCode, const std::string& characters);
     void FitStaff();
     void FirstActivate();

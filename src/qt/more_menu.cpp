@@ -7,6 +7,7 @@
 #include "qt/text.h"
 #include "shell/check.h"
 #include "shell/key_sheet.h"
+#include "shell/look_choice.h"
 #include "shell/recent_tunes.h"
 
 #include <QDesktopServices>
@@ -60,6 +61,8 @@ MoreMenu::MoreMenu(MainWin& mainWin, Runner& theRunner, QWidget* strip)
     addSeparator();
     wholeTune += Add("stripCheck", [this] { Check(); });
     wholeTune += Add("stripOrder", [this] { ShowOrder(); });
+    addSeparator();
+    AddLook();
     addSeparator();
     Add("stripManual", [this] { OpenManual(); });
     Add("stripKeys", [this] { ShowKeys(mainWindow); });
@@ -169,6 +172,16 @@ void MoreMenu::ShowOrder()
         text = "The tune cannot be played: " + ToUnicode(failure.what());
     }
     ShowLines(mainWindow, "Playing Order", {text.isEmpty() ? "There is nothing to play." : text});
+}
+
+void MoreMenu::AddLook()
+{
+    QAction* look = Add("stripLook", [this](bool engraved) {
+        ChooseLook(win.platform.settings, engraved ? Look::Engraved : Look::Plain);
+        emit LookChosen();
+    });
+    look->setCheckable(true);
+    look->setChecked(ChosenLook(win.platform.settings) == Look::Engraved);
 }
 
 void MoreMenu::OpenManual()

@@ -27,6 +27,9 @@ public:
     /// Whether these actions, which have no button at the moment, stand at the top.
     void ShowOnTop(const QList<QAction*>& actions, bool shown);
 
+signals:
+    void LookChosen();
+
 private:
     template <typename Handler> QAction* Add(const char* name, Handler handler);
     void FillLists();
@@ -35,6 +38,7 @@ private:
     void Save();
     void Check();
     void ShowOrder();
+    void AddLook();
     void OpenManual();
 
     MainWin& win;

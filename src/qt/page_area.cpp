@@ -58,6 +58,12 @@ void PageArea::Show()
     update();
 }
 
+void PageArea::SetLook(Look newLook)
+{
+    look = newLook;
+    update();
+}
+
 void PageArea::wheelEvent(QWheelEvent* event)
 {
     QCoreApplication::sendEvent(vsbPage, event);
@@ -88,7 +94,7 @@ void PageArea::PaintPage(QPainter& painter, const PageSurface& page)
     painter.setClipRect(paper);
     painter.translate(paper.topLeft());
     painter.scale(1 / kScreenDot, 1 / kScreenDot);
-    Paint(painter, page.Surface.Picture(), {.UnitsPerPoint = kTwips, .Crisp = true});
+    Paint(painter, page.Surface.Picture(), {.UnitsPerPoint = kTwips, .Crisp = true, .As = look});
     painter.restore();
 }
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "notation/look.h"
 #include "notation/page_view.h"
 #include "qt/runner.h"
 
@@ -22,6 +23,8 @@ public:
     /// The pages to show, which run their handlers, and the scroll bar beside the area. All must
     /// outlive the area.
     void Connect(PageView& pageView, Runner& theRunner, QScrollBar& scrollBar);
+
+    void SetLook(Look newLook);
 
     /// Shows the pages as they are now; paints only if they have changed.
     void Show();
@@ -48,6 +51,7 @@ private:
         bool operator==(const Seen&) const = default;
     };
 
+    Look look = Look::Plain;
     PageView* pages = nullptr;
     Runner* runner = nullptr;
     QScrollBar* vsbPage = nullptr;

@@ -187,7 +187,10 @@ void PaintCrispLine(QPainter& painter, double x1, double y1, double x2, double y
     }
     const bool smooth = painter.testRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillRect(toPixels.inverted().mapRect(pixels), painter.pen().color());
+    QColor ink = painter.pen().color();
+    if (width < kScreenDot)  // too thin for a whole pixel: paler
+        ink.setAlphaF(static_cast<float>(std::min(1.0, width * toPixels.m11())));
+    painter.fillRect(toPixels.inverted().mapRect(pixels), ink);
     painter.setRenderHint(QPainter::Antialiasing, smooth);
 }
 

@@ -32,7 +32,7 @@ Box PartOf(const Drawing& page, const PageChoices& choices, const PaintStyle& st
 /// pixels. Operations that have no finite place or size are left out.
 void Paint(QPainter& painter, const Drawing& drawing, const PaintStyle& style);
 
-/// A line of `width` twips that fills whole pixels.
+/// A line of `width` twips that fills whole pixels; one that is thinner than these is paler.
 void PaintCrispLine(QPainter& painter, double x1, double y1, double x2, double y2, double width);
 
 }  // namespace quillon

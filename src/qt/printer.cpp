@@ -3,6 +3,7 @@
 #include "notation/page_view.h"
 #include "qt/paint.h"
 #include "qt/text.h"
+#include "shell/look_choice.h"
 #include "store/fault.h"
 
 #include <QApplication>
@@ -28,7 +29,10 @@ void OfferWholeTuneOnly(const QPrintDialog& dialog)
 
 }  // namespace
 
-QtPrinter::QtPrinter(Runner& theRunner) : runner(theRunner) {}
+QtPrinter::QtPrinter(Runner& theRunner, const Settings& theSettings)
+    : runner(theRunner), settings(theSettings)
+{
+}
 
 QtPrinter::~QtPrinter() = default;
 
@@ -75,12 +79,16 @@ void QtPrinter::Print(const std::vector<Drawing>& pages)
     if (!painter.begin(&Device()))
         throw Fault(Error::PathFileAccess);
     painter.scale(Device().resolution() / kTwipsPerInch, Device().resolution() / kTwipsPerInch);
+    const PaintStyle style{.UnitsPerPoint = kTwips,
+                           .Dot = kPrinterDot,
+                           .SignOutlines = true,
+                           .As = ChosenLook(settings)};
     bool first = true;
     for (const Drawing& page : pages) {
         if (!first)
             Device().newPage();
         first = false;
-        Paint(painter, page, {.UnitsPerPoint = kTwips, .Dot = kPrinterDot, .SignOutlines = true});
+        Paint(painter, page, style);
     }
 }
 

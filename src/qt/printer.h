@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/printer.h"
+#include "platform/settings.h"
 #include "qt/runner.h"
 
 #include <memory>
@@ -13,7 +14,8 @@ namespace quillon {
 
 class QtPrinter : public Printer {
 public:
-    explicit QtPrinter(Runner& theRunner);
+    /// Both must outlive the printer. Pages are printed in the look that the settings tell.
+    QtPrinter(Runner& theRunner, const Settings& theSettings);
     ~QtPrinter() override;
 
     std::optional<int> ShowDialog(const std::string& jobName) override;
@@ -28,6 +30,7 @@ private:
     QPrinter& Device() const;
 
     Runner& runner;
+    const Settings& settings;
     int copies = 1;
     mutable std::unique_ptr<QPrinter> device;  // made on first use: asking for printers takes time
 };

@@ -31,8 +31,8 @@ public:
     QtSettings settings;
     QtDialogs dialogs;
     QtSystem system;
-    QtPrinter printer{runner};
-    QtClipboard clipboard;
+    QtPrinter printer{runner, settings};
+    QtClipboard clipboard{settings};
     LoadedPlayer player;
     LoadedMidiPorts midiPorts;
     FontMetrics metrics;

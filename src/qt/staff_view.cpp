@@ -190,6 +190,12 @@ void StaffView::SetScale(double newScale)
     updateGeometry();
 }
 
+void StaffView::SetLook(Look newLook)
+{
+    look = newLook;
+    update();
+}
+
 void StaffView::Show(const Drawing& picture, const std::array<bool, 6>& staffLines)
 {
     if (drawing == &picture && revision == picture.Revision() && lines == staffLines)
@@ -225,11 +231,11 @@ void StaffView::paintEvent(QPaintEvent*)
     painter.setClipRect(card);
     painter.translate(card.topLeft());
     painter.scale(PixelsPerPoint() / kTwips, PixelsPerPoint() / kTwips);
-    PaintCard(painter);
+    look == Look::Plain ? PaintPlain(painter) : PaintEngraved(painter);
 }
 
 /// The staff lines are under the drawing and paler, so that the numbers on them are easy to read.
-void StaffView::PaintCard(QPainter& painter)
+void StaffView::PaintPlain(QPainter& painter) const
 {
     painter.setPen(QColor(0x8c, 0x8c, 0x8c));
     for (int i = 0; i < 6; ++i) {
@@ -239,6 +245,25 @@ void StaffView::PaintCard(QPainter& painter)
     }
     if (drawing)
         Paint(painter, *drawing, {.UnitsPerPoint = kPoints, .Crisp = true});
+}
+
+/// The staff lines are part of what is drawn, so that they leave room for the numbers.
+void StaffView::PaintEngraved(QPainter& painter) const
+{
+    std::vector<Operation> card;
+    Operation string;
+    string.Part = Role::StringLine;
+    string.X1 = kStaffStartX;
+    string.X2 = kStaffEndX;
+    for (int i = 0; i < 6; ++i) {
+        string.Y1 = string.Y2 = StringY(i + 1);
+        if (lines[static_cast<std::size_t>(i)])
+            card.push_back(string);
+    }
+    if (drawing)
+        card.insert(card.end(), drawing->Operations().begin(), drawing->Operations().end());
+    Paint(painter, {std::move(card), true},
+          {.UnitsPerPoint = kPoints, .Crisp = true, .As = Look::Engraved});
 }
 
 void StaffView::keyPressEvent(QKeyEvent* event)

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "notation/look.h"
 #include "notation/measure_view.h"
 
 #include <QWidget>
@@ -19,6 +20,8 @@ public:
 
     /// Scale 1 shows a point as 1/72 inch of the screen.
     void SetScale(double newScale);
+
+    void SetLook(Look newLook);
 
     /// Size of the widget at a scale: the card and the room for the focus frame around it.
     static QSize SizeAt(double scale);
@@ -58,10 +61,12 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    void PaintCard(QPainter& painter);
+    void PaintPlain(QPainter& painter) const;
+    void PaintEngraved(QPainter& painter) const;
     double PixelsPerPoint() const { return scale * 96 / 72; }
 
     double scale = 1;
+    Look look = Look::Plain;
     const Drawing* drawing = nullptr;
     unsigned revision = 0;
     std::array<bool, 6> lines{};

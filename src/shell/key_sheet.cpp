@@ -15,6 +15,7 @@ constexpr StripCommand kStrip[] = {
     {"stripSave",     "&Save",          "Ctrl+S",               "Save the tune; a new one under a name that is asked for"},
     {"stripCheck",    "&Check the Tune", "",                    "List what is wrong with the tune"},
     {"stripOrder",    "&Playing Order", "",                     "Show the order in which the measures are played"},
+    {"stripLook",     "Engraved &Look", "",                     "Thin strings and thick beams, as in printed music: on the screen, on paper and in copies"},
     {"stripManual",   "&Manual",        "F11",                  "Open the manual"},
     {"stripKeys",     "&Keys",          "",                     "Show all keys"},
 };

@@ -8,6 +8,7 @@
 #include "support/tunes.h"
 
 #include <QAccessible>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QFileDialog>
@@ -497,6 +498,37 @@ private slots:
         resize(menus + 800);
         QVERIFY(ButtonOf(Undo())->isVisible());
         QVERIFY(!More()->actions().contains(Undo()));
+    }
+
+    void TheEngravedLookIsChosenForGood()
+    {
+        Open(TuneFile("tune.gui"));
+        QWidget* page = Window().findChild<QWidget*>("picPage");
+        const QImage plainStaff = Staff()->grab().toImage();
+        const QImage plainPage = page->grab().toImage();
+        const Drawing picture = Core().pages.picPage1[0].Surface.Picture();
+        const auto copy = [&] {
+            program->clipboard.SetPicture(picture, {0, 0, 800, 400}, 800, 400);
+            return QGuiApplication::clipboard()->image();
+        };
+        const QImage plainCopy = copy();
+        QVERIFY(!Action("stripLook")->isChecked());
+
+        Action("stripLook")->trigger();
+        QVERIFY(Action("stripLook")->isChecked());
+        QVERIFY(Staff()->grab().toImage() != plainStaff);
+        QVERIFY(page->grab().toImage() != plainPage);
+        QVERIFY(copy() != plainCopy);
+        QCOMPARE(Core().pages.picPage1[0].Surface.Picture().Log(), picture.Log());
+        End();
+        Begin();
+        QVERIFY(Action("stripLook")->isChecked());
+
+        Action("stripLook")->trigger();
+        Open(QDir::current().filePath("tune.gui"));
+        QVERIFY(Staff()->grab().toImage() == plainStaff);
+        QVERIFY(Window().findChild<QWidget*>("picPage")->grab().toImage() == plainPage);
+        QVERIFY(copy() == plainCopy);
     }
 
     void TheRowIsAsHighAsTheMenuBarWas()

@@ -60,10 +60,14 @@ class PagePicture(unittest.TestCase):
     def test_of_a_banjo_tune(self):
         self.compare("amazing_grace.bjo")
 
-    def compare(self, name):
+    def test_in_the_engraved_look(self):
+        # A tune without ties: how a curve's edge is smoothed depends on the place in the window.
+        self.compare("irish_washerwoman.bss", "engraved")
+
+    def compare(self, name, look="plain"):
         tune = ROOT / "examples" / name
         png = subprocess.run(
-            [EXPORT, tune, "--look", "plain", "--dpi", "96", "--format", "png", "-o", "-"],
+            [EXPORT, tune, "--look", look, "--dpi", "96", "--format", "png", "-o", "-"],
             check=True,
             capture_output=True,
         ).stdout
@@ -72,6 +76,11 @@ class PagePicture(unittest.TestCase):
         page = colours(page)
         with Editor(name, files=[tune]) as editor:
             editor.start()
+            if look == "engraved":
+                editor.press("Alt+r")
+                editor.press("l")  # Engraved Look
+                editor.settle()
+                editor.look("engraved")
             paper = Paper(editor.picture())
             part, last = paper.shown(editor.picture())
             self.assertTrue(page.startswith(part), "the page's first rows")

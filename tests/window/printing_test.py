@@ -76,8 +76,17 @@ class Printing(unittest.TestCase):
             for job in jobs:
                 shown = subprocess.run(["pdftotext", job, "-"], check=True, capture_output=True)
                 self.assertIn(b"Greensleeves", shown.stdout)
+            editor.press("Alt+r")
+            editor.press("l")  # Engraved Look
             editor.menu("mnuPrint")
             editor.dialog("Print")
             editor.press("Enter")
             editor.back()
-            self.assertEqual(len(queue.jobs(3)), 3, "the dialog's copies are 1 again")
+            jobs = queue.jobs(3)
+            self.assertEqual(len(jobs), 3, "the dialog's copies are 1 again")
+            self.assertNotEqual(self.inked(jobs[2]), self.inked(jobs[0]), "thinner lines")
+
+    @staticmethod
+    def inked(job):
+        picture = subprocess.run(["pdftoppm", "-r", "100", "-gray", job], check=True, capture_output=True)
+        return picture.stdout
