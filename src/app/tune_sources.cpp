@@ -15,15 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The form that a file is in; null for a tune of our own.
-const ExchangeForm* FormOf(const ExportCommand& command, const fs::path& path)
-{
-    if (!command.From.empty())
-        return FindForm(command.From);
-    const std::string extension = path.extension().string();
-    return extension.empty() ? nullptr : FindForm(std::string_view(extension).substr(1));
-}
-
 /// Of the tune that a music becomes: what the command says, or the output's extension, or the
 /// music's own instrument.
 int StringsFor(const ExportCommand& command, const Music& music)
@@ -73,14 +64,6 @@ std::optional<std::string> BytesOf(const std::string& path)
     }
 }
 
-/// A tune is one whatever its extension. Its first line is three numbers.
-bool IsTuneFile(std::string_view bytes)
-{
-    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
-    return std::ranges::count(line, ',') == 2 &&
-           line.find_first_not_of("0123456789-, ") == std::string_view::npos;
-}
-
 void MakeBytes(const ExportCommand& command, FoundTune& found, TuneSource& source)
 {
     const ExportOptions& options = command.Options;
@@ -106,8 +89,8 @@ void MakeBytes(const ExportCommand& command, FoundTune& found, TuneSource& sourc
 std::vector<TuneSource> SourcesOf(const ExportCommand& command, const std::string& path)
 {
     const std::string stem = fs::path(path).stem().string();
-    const ExchangeForm* form = FormOf(command, path);
-    const std::optional<std::string> bytes = form && form->Read ? BytesOf(path) : std::nullopt;
+    const ExchangeForm* form = command.From.empty() ? FormOfFile(path) : FindForm(command.From);
+    const std::optional<std::string> bytes = form ? BytesOf(path) : std::nullopt;
     if (!bytes || (command.From.empty() && IsTuneFile(*bytes)))
         return {
             {path, stem, 0, "", "", {}}

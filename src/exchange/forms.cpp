@@ -36,10 +36,31 @@ const ExchangeForm* FindForm(std::string_view nameOrExtension)
     return found == forms.end() ? nullptr : &*found;
 }
 
+const ExchangeForm* FormOfFile(const std::string& path)
+{
+    const std::size_t name = path.find_last_of('/') + 1;
+    const std::size_t dot = path.find_last_of('.');
+    if (dot == std::string::npos || dot < name)
+        return nullptr;
+    std::string extension = path.substr(dot + 1);
+    for (char& c : extension)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    const ExchangeForm* form = FindForm(extension);
+    return form && form->Read ? form : nullptr;
+}
+
+bool IsTuneFile(std::string_view bytes)
+{
+    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
+    return std::ranges::count(line, ',') == 2 &&
+           line.find_first_not_of("0123456789-, ") == std::string_view::npos;
+}
+
 std::vector<FoundTune> ReadForm(const ExchangeForm& form, std::string_view bytes)
 {
     if (bytes.size() > kLargestForeignFile)
-        throw ExchangeError("It is larger than 8 MB; divide it into smaller files.");
+        throw ExchangeError(kTooLargeToRead);
     return form.Read(bytes);
 }
 

@@ -13,6 +13,8 @@ namespace quillon {
 /// Far more than any tune book; what is larger is something else.
 constexpr std::size_t kLargestForeignFile = std::size_t{8} * 1024 * 1024;
 
+constexpr const char* kTooLargeToRead = "It is larger than 8 MB; divide it into smaller files.";
+
 struct ExchangeForm {
     std::string_view Name;  // as the command line has it, and the extension of new files
     std::string_view OtherExtension;
@@ -29,6 +31,13 @@ struct ExchangeForm {
 
 /// The form of that name, or of files with that extension; null if there is none.
 const ExchangeForm* FindForm(std::string_view nameOrExtension);
+
+/// The form that is read from files with the path's extension, in any case; null if there is none.
+const ExchangeForm* FormOfFile(const std::string& path);
+
+/// Whether the bytes of a file are a tune of our own, which is one whatever its extension. Its
+/// first line is three numbers.
+bool IsTuneFile(std::string_view bytes);
 
 /// All of them, for lists.
 const std::vector<ExchangeForm>& ExchangeForms();

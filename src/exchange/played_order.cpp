@@ -9,7 +9,8 @@ namespace quillon {
 std::vector<int> PlayedOrder(Tune& tune)
 {
     const Sound silence{};
-    Performance performance(tune, silence);
+    MidiFileWriter unused;
+    Performance performance(tune, silence, unused);
     performance.WalkSilently();
     std::map<int, int> measures;  // by head record
     for (int i = 1; i <= tune.LastNote; ++i)

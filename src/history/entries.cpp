@@ -22,7 +22,8 @@ enum EventPart : unsigned {
     kMoving = 4,
     kSavedBefore = 8,
     kSavedAfter = 16,
-    kAllParts = 31,
+    kInNoFile = 32,
+    kAllParts = 63,
 };
 
 ByteWriter Begun(Kind kind)
@@ -84,7 +85,8 @@ void ReplayEvent(ByteReader& bytes, Timeline& timeline)
     event.SavedBefore = parts & kSavedBefore;
     event.SavedAfter = parts & kSavedAfter;
     if (parts & kBegins)
-        event.Begins = {std::string(bytes.Text()), (parts & kBeginsTune) != 0};
+        event.Begins = {std::string(bytes.Text()), (parts & kBeginsTune) != 0,
+                        (parts & kInNoFile) != 0};
     event.Delta = bytes.Text();
     Apply(event.Delta, Direction::Forward, timeline.Last());
     timeline.Add(event);
@@ -113,9 +115,10 @@ std::string EntryOf(const Event& event)
 {
     ByteWriter bytes = Begun(kEvent);
     const bool beginsTune = event.Begins && event.Begins->BeginsTune;
+    const bool inNoFile = event.Begins && event.Begins->InNoFile;
     bytes.Byte((event.Begins ? kBegins : 0U) | (beginsTune ? kBeginsTune : 0U) |
                (event.Moving ? kMoving : 0U) | (event.SavedBefore ? kSavedBefore : 0U) |
-               (event.SavedAfter ? kSavedAfter : 0U));
+               (event.SavedAfter ? kSavedAfter : 0U) | (inNoFile ? kInNoFile : 0U));
     if (event.Begins)
         bytes.Text(event.Begins->Name);
     bytes.Text(event.Delta);

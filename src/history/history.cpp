@@ -105,8 +105,8 @@ void History::Observe(Input input, std::string_view name)
     const bool typed = input == Input::Key && before == after;
     const bool goesOn = !beginsTune && (entered || typed || after.What == Typing::PageSetup);
     if (begins)
-        event.Begins = {StepName(name, goesOn ? after : Open(), changes, measureBefore),
-                        beginsTune};
+        event.Begins = {StepName(name, goesOn ? after : Open(), changes, measureBefore), beginsTune,
+                        beginsTune && program.Form.Saved == SavedState::Unsaved};
     event.Moving = !begins && !changed;
     Add(event);
     if (begins)

@@ -9,7 +9,8 @@
 // when a text mode is entered, and when a record changes (but for XPos, Spacing and BeamCode, which
 // a redraw works out anew), the name, the instrument, fonts or margins. What is being typed goes on
 // in the step that is open: the strings of a note up to Enter or to another note, a text until its
-// mode ends, page setup until the form closes.
+// mode ends, page setup until the form closes. A tune that is unsaved as soon as it is begun, such
+// as one made of another program's file, is work.
 
 #pragma once
 
@@ -61,7 +62,8 @@ public:
     /// The moment after the last event. At a fault: the one before the event that failed.
     const Moment& Last() const { return timeline.Last(); }
 
-    /// Whether the table differs from its file: as last saved, opened or begun.
+    /// Whether the table differs from its file: as last saved, opened or begun. One that was begun
+    /// unsaved differs until it is saved.
     bool Changed() const { return timeline.Changed(); }
 
     /// Opens the tune in which another run has ended, as a step. The steps of that run come after

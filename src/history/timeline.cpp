@@ -94,12 +94,13 @@ void Timeline::BeginStep(const Event::Beginning& beginning)
     before.Deltas += before.Detour;
     before.Detour.clear();
     steps.resize(static_cast<std::size_t>(position) + 1);
-    steps.push_back({beginning.Name,
-                     {},
-                     {},
-                     0,
-                     beginning.BeginsTune,
-                     beginning.BeginsTune ? WorkBytes(last.Music) : std::string()});
+    steps.push_back(
+        {beginning.Name,
+         {},
+         {},
+         0,
+         beginning.BeginsTune,
+         beginning.BeginsTune && !beginning.InNoFile ? WorkBytes(last.Music) : std::string()});
     ++position;
 }
 

@@ -20,6 +20,7 @@ struct Event {
     struct Beginning {
         std::string Name;
         bool BeginsTune = false;
+        bool InNoFile = false;  // the tune that begins is work, in no file so far
     };
 
     std::optional<Beginning> Begins;  // a step
@@ -37,7 +38,8 @@ struct Step {
     std::string Detour;      // moving about since the steps after this one were undone
     std::size_t Moving = 0;  // length of what of Deltas is moving about, at their end
     bool BeginsTune = false;
-    std::string Written;  // if it begins a tune: the tune's work as its file has it, see WorkBytes
+    std::string Written;  // if it begins a tune: the tune's work as its file has it, see WorkBytes;
+                          // "" if it is in none
 };
 
 class Timeline {

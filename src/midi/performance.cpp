@@ -46,10 +46,18 @@ NeverEnding::NeverEnding()
 {
 }
 
-void Explained(const Tune& tune, const std::function<void()>& build)
+void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
 {
+    writer.BeginFile();
+    writer.WriteTempo(IntegerDivide(kMicrosecondsPerMinute, sound.Tempo));
+    writer.SetDivision(sound.Tempo);
+    Performance performance(tune, sound, writer);
     try {
-        build();
+        for (int s = 1; s <= tune.NumStrings; ++s) {
+            performance.TrackString = s;
+            writer.NextTrack();
+            performance.BuildStringTrack();
+        }
     } catch (const Fault& fault) {
         if (!fault.Explanation().empty())
             throw;
@@ -57,47 +65,25 @@ void Explained(const Tune& tune, const std::function<void()>& build)
         throw Fault(fault.Number(),
                     "Measure " + std::to_string(last.Measure) + " cannot be played.");
     }
-}
-
-int MicrosecondsPerQuarter(int tempo)
-{
-    return IntegerDivide(kMicrosecondsPerMinute, tempo);
-}
-
-void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
-{
-    writer.BeginFile();
-    writer.WriteTempo(MicrosecondsPerQuarter(sound.Tempo));
-    writer.SetDivision(sound.Tempo);
-    Performance performance(tune, sound, [&](int status, int data1, int data2, int delta) {
-        writer.WriteEvent(status, data1, data2, delta);
-    });
-    Explained(tune, [&] {
-        for (int s = 1; s <= tune.NumStrings; ++s) {
-            performance.TrackString = s;
-            writer.NextTrack();
-            performance.BuildStringTrack();
-        }
-    });
     writer.FinishTracks();
 }
 
 void Performance::BuildStringTrack()
 {
-    writeEvent(kProgramChange + TrackString, sound.Instrument, 0, 0);
+    writer.WriteEvent(kProgramChange + TrackString, sound.Instrument, 0, 0);
     RestTicks = 0;
     NoteTicks = 0;
     Velocity = 100;
-    written = 0;
-    Walk([this] {
-        late = written + RestTicks + NoteTicks - due;
-        TakeRecord();
-    });
+    Walk([this] { TakeRecord(); });
+}
+
+void Performance::WalkSilently()
+{
+    Walk([] {});
 }
 
 void Performance::Walk(const std::function<void()>& takeRecord)
 {
-    due = 0;
     way = {};
     arrivals.clear();
     played.clear();
@@ -109,9 +95,8 @@ void Performance::Walk(const std::function<void()>& takeRecord)
         if (Record().IsHead() && !TakeHead())
             return;
         if (Record().IsHead())
-            played.push_back({.Head = tune.CurNote, .Begin = due});
+            played.push_back({tune.CurNote});
         takeRecord();
-        due += TicksAt(sound.Tempo, Record().NoteCode);
         ++tune.CurNote;
         if (tune.CurNote > tune.LastNote)
             ReturnFromEnd();
@@ -141,7 +126,7 @@ bool Performance::TakeHead()
         way.EndingNumber = way.PassNumber = 1;
     }
     TakeEndings();
-    played.push_back({tune.CurNote, way.PassNumber, fromCoda, way.FineMode, due});
+    played.push_back({tune.CurNote, way.PassNumber, fromCoda, way.FineMode});
     if (Record().BarCode == kRepeatEnd) {
         if (way.PassNumber == way.EndingNumber)
             way.RepeatPending = true;
@@ -285,11 +270,11 @@ Int16 Performance::PitchOf(std::string_view text) const
 /// Velocity 0 ends the note.
 void Performance::WriteNote(int pitch, int velocity, int delta)
 {
-    writeEvent(kNoteOn + TrackString, pitch, velocity, delta);
-    written += delta;
+    writer.WriteEvent(kNoteOn + TrackString, pitch, velocity, delta);
 }
 
-Sound ChosenSound(Tune& tune, const std::vector<TuningRecord>& tunings, const SoundChoices& choices)
+std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
+                          const SoundChoices& choices)
 {
     if (tunings.empty())
         throw Fault(Error::InvalidPropertyValue);
@@ -302,14 +287,8 @@ Sound ChosenSound(Tune& tune, const std::vector<TuningRecord>& tunings, const So
     sound.Tempo = HeldTempo(choices.Tempo.value_or(mode.Tempo));
     sound.Instrument = choices.Instrument.value_or(mode.Instrument);
     sound.OpenPitch = OpenPitches(tunings[static_cast<std::size_t>(row)], HeldCapo(choices.Capo));
-    return sound;
-}
-
-std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
-                          const SoundChoices& choices)
-{
     MidiFileWriter writer;
-    BuildMidiFile(tune, ChosenSound(tune, tunings, choices), writer);
+    BuildMidiFile(tune, sound, writer);
     return writer.Bytes();
 }
 

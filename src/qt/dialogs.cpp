@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -15,10 +16,13 @@
 #include <QFontInfo>
 #include <QInputDialog>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPointer>
 #include <QRegularExpression>
 #include <QUrl>
+#include <QVBoxLayout>
 
 namespace quillon {
 
@@ -71,6 +75,14 @@ private:
     void closeEvent(QCloseEvent* event) override { event->ignore(); }
 };
 
+void ShowBox(QMessageBox::Icon icon, const QString& title, const QString& text)
+{
+    const Owner owner;
+    QMessageBox box(icon, title, text, QMessageBox::Ok, owner);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
 /// Whether a file is among those that the program keeps for the user.
 bool IsKept(const QString& path)
 {
@@ -97,10 +109,38 @@ bool MayReplace(QWidget* owner, const QString& path)
 void QtDialogs::Message(Icon icon, const std::string& title, const std::string& text)
 {
     runner.ShowForm();
+    ShowBox(BoxIcon(icon), ToUnicode(title), BoxText(text));
+}
+
+void QtDialogs::Tell(const QString& title, const QString& text)
+{
+    runner.ShowForm();
+    ShowBox(QMessageBox::Critical, title, text);
+}
+
+std::optional<int> QtDialogs::ChooseLine(const QString& title, const QString& question,
+                                         const QStringList& lines)
+{
+    runner.ShowForm();
     const Owner owner;
-    QMessageBox box(BoxIcon(icon), ToUnicode(title), BoxText(text), QMessageBox::Ok, owner);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    QDialog dialog(owner);
+    dialog.setWindowTitle(title);
+    auto* layout = new QVBoxLayout(&dialog);
+    auto* label = new QLabel(question);
+    label->setTextFormat(Qt::PlainText);
+    layout->addWidget(label);
+    auto* list = new QListWidget;
+    list->setAccessibleName(question);
+    list->addItems(lines);
+    list->setCurrentRow(0);
+    layout->addWidget(list);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    layout->addWidget(buttons);
+    QObject::connect(list, &QListWidget::itemActivated, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    list->setFocus();
+    return dialog.exec() == QDialog::Accepted ? std::optional(list->currentRow()) : std::nullopt;
 }
 
 bool QtDialogs::Ask(const std::string& title, const std::string& text)
@@ -169,6 +209,14 @@ std::optional<std::string> QtDialogs::OpenFile(const std::string& filter,
     QFileDialog dialog(owner, "Open", FolderToBeginIn(), FileFilters(ToUnicode(filter)));
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setDefaultSuffix(ToUnicode(defaultExtension));
+    return RunFileDialog(dialog);
+}
+
+std::optional<std::string> QtDialogs::ImportFile(const QString& filters)
+{
+    const Owner owner;
+    QFileDialog dialog(owner, "Import", FolderToBeginIn(), filters);
+    dialog.setFileMode(QFileDialog::ExistingFile);
     return RunFileDialog(dialog);
 }
 

@@ -30,6 +30,14 @@ public:
                                         const std::string& defaultExtension) override;
     std::optional<FontChoice> ChooseFont(const FontChoice& current) override;
 
+    // What the described forms do not ask. Filters are the toolkit's.
+    void Tell(const QString& title, const QString& text);
+    std::optional<std::string> ImportFile(const QString& filters);
+
+    /// Which of some lines, from 0; nothing if cancelled.
+    std::optional<int> ChooseLine(const QString& title, const QString& question,
+                                  const QStringList& lines);
+
 private:
     std::optional<std::string> RunFileDialog(QFileDialog& dialog);
     QString FolderToBeginIn() const;

@@ -1,9 +1,11 @@
 #include "qt/editor_window.h"
 
+#include "exchange/forms.h"
 #include "qt/paint.h"
 #include "qt/settings.h"
 #include "qt/start_notice.h"
 #include "qt/text.h"
+#include "shell/import.h"
 #include "shell/look_choice.h"
 #include "shell/menus.h"
 #include "shell/spoken.h"
@@ -55,7 +57,8 @@ void KeepWidth(QWidget* widget, const QString& longest)
     widget->setMinimumWidth(widget->fontMetrics().horizontalAdvance(longest));
 }
 
-/// The tune file that is dropped, "" if it is anything else: what is no tune cannot be opened.
+/// The tune or the file of another program that is dropped, "" if it is anything else: that cannot
+/// be opened.
 std::string DroppedTune(const QDropEvent& event)
 {
     const QList<QUrl> urls = event.mimeData()->urls();
@@ -63,7 +66,8 @@ std::string DroppedTune(const QDropEvent& event)
         return {};
     const QString path = urls[0].toLocalFile();
     const std::string extension = QFileInfo(path).suffix().toLower().toStdString();
-    return FindModeOfExtension(extension) ? PathToBytes(path) : std::string();
+    const std::string bytes = PathToBytes(path);
+    return FindModeOfExtension(extension) || FormOfFile(bytes) ? bytes : std::string();
 }
 
 bool IsShortcut(const QKeyEvent& key)
@@ -210,7 +214,11 @@ void EditorWindow::FirstActivate()
 {
     if (std::exchange(activated, true))
         return;
-    runner.Run("Start", [this] { win.FirstActivate(commandLine); });
+    const std::string path = PathOf(commandLine);
+    const bool imports = IsForeign(path);
+    if (imports)
+        greets = false;
+    runner.Run("Start", [&] { win.FirstActivate(imports ? "" : commandLine); });
     if (!greets)
         runner.Run("Start", [this] { win.SplashClosed(); });
     runner.Steps.emplace(ValuesOf(win));
@@ -218,6 +226,8 @@ void EditorWindow::FirstActivate()
     if (!commandLine.empty())
         ShowStartNote(this);
     ui->StaffBox->setFocus();  // what the window offers first, when it is not a form beside it
+    if (imports)
+        ImportFile(path);
 }
 
 // The system closes the form: the save question is asked, but the form is not held back.
@@ -325,8 +335,11 @@ void EditorWindow::dropEvent(QDropEvent* event)
     event->accept();
     QTimer::singleShot(0, this, [this, path = DroppedTune(*event)] {
         activateWindow();
-        runner.Run(
-            "Open", [&] { win.OpenDropped(path); }, Input::Command, "Open");
+        if (IsForeign(path))
+            ImportFile(path);
+        else
+            runner.Run(
+                "Open", [&] { win.OpenDropped(path); }, Input::Command, "Open");
     });
 }
 

@@ -43,6 +43,9 @@ public:
     /// Called when the start is over and history has begun.
     std::function<void()> OnStarted = [] {};
 
+    /// Imports a file of another program's.
+    std::function<void(const std::string& path)> ImportFile = [](const std::string&) {};
+
     /// The start shows no greeting.
     void GreetNobody() { greets = false; }
 

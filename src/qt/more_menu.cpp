@@ -59,6 +59,8 @@ MoreMenu::MoreMenu(MainWin& mainWin, Runner& theRunner, QWidget* strip)
     for (QMenu* list : {recent, rescued, examples})
         list->setToolTipsVisible(true);
     addSeparator();
+    Add("stripImport", [this] { Import(); });
+    addSeparator();
     wholeTune += Add("stripCheck", [this] { Check(); });
     wholeTune += Add("stripOrder", [this] { ShowOrder(); });
     addSeparator();

@@ -21,6 +21,9 @@ public:
     /// Puts the recovered tunes into their submenu, which is hidden while it is empty.
     std::function<void(QMenu&)> FillRescued = [](QMenu&) {};
 
+    /// Asks for another program's file and imports it.
+    std::function<void()> Import = [] {};
+
     /// Enables the commands that can be used now.
     void ShowEnabled();
 

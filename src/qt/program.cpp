@@ -45,6 +45,9 @@ bool Program::Start()
     if (!loaded)
         return false;
     window = std::make_unique<EditorWindow>(win, system, runner, commandLine);
+    exchange.emplace(win, runner, dialogs, window.get());
+    window->ImportFile = [this](const std::string& path) { exchange->ImportFile(path); };
+    window->More().Import = [this] { exchange->Import(); };
     window->OnStarted = [this] { KeepRun(); };
     if (!resumed.empty())
         window->GreetNobody();

@@ -6,6 +6,7 @@
 #include "qt/clipboard.h"
 #include "qt/dialogs.h"
 #include "qt/editor_window.h"
+#include "qt/file_exchange.h"
 #include "qt/font_metrics.h"
 #include "qt/printer.h"
 #include "qt/runner.h"
@@ -41,6 +42,7 @@ public:
         metrics
     };
     std::unique_ptr<EditorWindow> window;
+    std::optional<FileExchange> exchange;
     std::optional<RunKeeper> keeper;  // when the start is over
     std::unique_ptr<EndFromOutside> endFromOutside;
 

@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QScrollBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -72,6 +73,20 @@ void ShowKeys(QWidget* mainWindow)
         width += list->columnWidth(column);
     }
     ShowSheet(mainWindow, "Keys", list, {width, list->fontMetrics().lineSpacing() * kKeysShown});
+}
+
+void ShowNote(QWidget* mainWindow, const QString& name, const QString& text)
+{
+    delete mainWindow->findChild<QMessageBox*>(name, Qt::FindDirectChildrenOnly);
+    auto* note =
+        new QMessageBox(QMessageBox::Information, "Quillon", text, QMessageBox::Ok, mainWindow);
+    note->setObjectName(name);
+    note->setTextFormat(Qt::PlainText);
+    note->setModal(false);
+    note->setAttribute(Qt::WA_DeleteOnClose);
+    note->setAttribute(Qt::WA_ShowWithoutActivating);
+    note->show();
+    mainWindow->activateWindow();  // where a window is always shown with the focus
 }
 
 }  // namespace quillon

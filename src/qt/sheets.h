@@ -15,4 +15,7 @@ void ShowLines(QWidget* mainWindow, const QString& title, const QStringList& lin
 /// Shows all keys.
 void ShowKeys(QWidget* mainWindow);
 
+/// Shows a text in a box that takes no focus, in place of an earlier one of that name.
+void ShowNote(QWidget* mainWindow, const QString& name, const QString& text);
+
 }  // namespace quillon

@@ -1,10 +1,9 @@
 #include "qt/start_notice.h"
 
 #include "qt/own_folder.h"
+#include "qt/sheets.h"
 #include "qt/text.h"
 #include "shell/rescued.h"
-
-#include <QMessageBox>
 
 #include <algorithm>
 
@@ -53,17 +52,8 @@ QString StartNotice()
 void ShowStartNote(QWidget* mainWindow)
 {
     const QString text = StartNotice();
-    if (text.isEmpty())
-        return;
-    auto* note =
-        new QMessageBox(QMessageBox::Information, "Quillon", text, QMessageBox::Ok, mainWindow);
-    note->setObjectName("StartNote");
-    note->setTextFormat(Qt::PlainText);
-    note->setModal(false);
-    note->setAttribute(Qt::WA_DeleteOnClose);
-    note->setAttribute(Qt::WA_ShowWithoutActivating);
-    note->show();
-    mainWindow->activateWindow();  // where a window is always shown with the focus
+    if (!text.isEmpty())
+        ShowNote(mainWindow, "StartNote", text);
 }
 
 }  // namespace quillon

@@ -175,7 +175,8 @@ struct Rehearsal {
 
     Tune& tune;
     const Sound silence{};
-    Performance performance{tune, silence};
+    MidiFileWriter unused{};
+    Performance performance{tune, silence, unused};
 };
 
 /// What a head's signs lead to in the performance.

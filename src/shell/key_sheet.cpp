@@ -13,6 +13,7 @@ constexpr StripCommand kStrip[] = {
     {"stripUndo",     "Undo",           "Ctrl+Z",               "Take the last step back"},
     {"stripRedo",     "Redo",           "Ctrl+Shift+Z, Ctrl+Y", "Take the step again that was undone last"},
     {"stripSave",     "&Save",          "Ctrl+S",               "Save the tune; a new one under a name that is asked for"},
+    {"stripImport",   "&Import...",     "",                     "Make a tune of another program's file"},
     {"stripCheck",    "&Check the Tune", "",                    "List what is wrong with the tune"},
     {"stripOrder",    "&Playing Order", "",                     "Show the order in which the measures are played"},
     {"stripLook",     "Engraved &Look", "",                     "Thin strings and thick beams, as in printed music: on the screen, on paper and in copies"},

@@ -41,6 +41,13 @@ bool SettingIsTrue(const Settings& settings, const std::string& key)
 
 }  // namespace
 
+std::string PathOf(const std::string& commandLine)
+{
+    if (!commandLine.starts_with('"'))
+        return commandLine;
+    return commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
+}
+
 MainWin::MainWin(const Platform& thePlatform, const TextMetrics& textMetrics)
     : platform(thePlatform), view(tune, form, page, textMetrics), pages(textMetrics),
       editor(tune, form, view, platform.dialogs, platform.system),
@@ -143,9 +150,7 @@ void MainWin::FirstActivate(const std::string& commandLine)
         platform.system.Show(Form::Splash);
         return;
     }
-    tune.FileName = commandLine;
-    if (commandLine.front() == '"')
-        tune.FileName = commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
+    tune.FileName = PathOf(commandLine);
     // A dot before them is not asked for.
     constexpr std::size_t length = 3;
     if (tune.FileName.size() >= length)
@@ -254,6 +259,18 @@ void MainWin::OpenTune(const std::function<std::optional<std::string>()>& choose
     platform.system.SetWaitCursor(false);
 }
 
+void MainWin::FillNewTune(const std::string& bytes)
+{
+    ShowTune(bytes);
+    const int lastMeas = tune.LastMeas;
+    for (int measure = 1; measure <= lastMeas; ++measure)  // so that its beams are known
+        editor.ShowMeasure(measure);
+    ShowFirstMeasure();
+    cmdRefresh();
+    form.Saved = SavedState::Unsaved;
+    platform.system.SetWaitCursor(false);
+}
+
 bool MainWin::LoadTune()
 {
     std::optional<std::string> bytes;  // none of a file that is too large for a tune
@@ -285,6 +302,11 @@ void MainWin::ShowTune(std::optional<std::string> bytes)
         IncompatibleFile();
     }
     FontsFromHeader();
+    ShowFirstMeasure();
+}
+
+void MainWin::ShowFirstMeasure()
+{
     form.EntryState = EntryState::Review;
     tune.CurMeas = 0;
     tune.CurNote = 0;

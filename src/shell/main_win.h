@@ -25,6 +25,9 @@
 
 namespace quillon {
 
+/// The path on a command line: without its double quotes.
+std::string PathOf(const std::string& commandLine);
+
 class MainWin {
 public:
     MainWin(const Platform& thePlatform, const TextMetrics& textMetrics);
@@ -91,6 +94,10 @@ public:
     // Help
     void mnuAbout();
 
+    /// Puts a tune that is in no file, given as the bytes of one, in the place of the present tune,
+    /// which has just been begun.
+    void FillNewTune(const std::string& bytes);
+
     /// Lays the tune out on the pages, then gives StaffBox the focus. Nothing while a measure is
     /// being inserted.
     void cmdRefresh();
@@ -118,6 +125,7 @@ private:
     void AskToSave();
     void OpenTune(const std::function<std::optional<std::string>()>& choosePath);
     void IncompatibleFile();
+    void ShowFirstMeasure();
     void FontsFromHeader();
     void WriteTuneFile();
     void ChooseInstrument(int numStrings);

@@ -1,5 +1,6 @@
 #include "headless/scenario.h"
 #include "history/memory_journal.h"
+#include "shell/import.h"
 #include "shell/run_keeper.h"
 #include "shell/steps.h"
 #include "store/staged_file.h"
@@ -48,6 +49,15 @@ public:
     }
 
     std::string Look() { return Print("state") + Print("table") + Print("log"); }
+
+    /// The tune in a file of another program's, as the window takes it.
+    void Import(const std::string& path)
+    {
+        Past().Begin();
+        Notices ignored;
+        TakeImported(Win(), *MakeImported(Win(), TunesIn(path).at(0), ignored));
+        Past().Observe(Input::Command, "Import " + path);
+    }
 
     /// No good-bye: as after a kill.
     void Die() { keeper.reset(); }
@@ -131,6 +141,41 @@ TEST_F(RunKeeperTest, ARunThatIsKilledIsFoundWithItsPlaceAndItsSteps)
     EXPECT_EQ(next.Look(), before);
     EXPECT_EQ(next.Past().UndoCount(), 11) << "eight notes, two measures, and the opening";
     EXPECT_TRUE(Found().empty()) << "what was opened is this run's";
+}
+
+TEST_F(RunKeeperTest, AnImportIsOneStepAndWorkUntilItIsSaved)
+{
+    WriteFileBytes("two.abc", "X:1\nK:G\nGABc d2g2|gfed G4|]\n");
+    std::string before;
+    std::string imported;
+    {
+        KeptRun run(own);
+        run.TypeTwoMeasures();
+        run.Play("strings 5\ntype 7\nkey Enter");
+        before = run.Look();
+        const int steps = run.Past().UndoCount();
+        run.Import("two.abc");
+        imported = run.Look();
+        EXPECT_EQ(run.Past().UndoCount(), steps + 1);
+        EXPECT_EQ(run.Past().UndoName(), "Import two.abc");
+        EXPECT_TRUE(run.Past().Changed());
+        run.Play("undo");
+        EXPECT_EQ(run.Look(), before);
+        run.Play("redo");
+        EXPECT_EQ(run.Look(), imported);
+        EXPECT_TRUE(run.Past().Changed());
+    }
+    std::vector<Rescued> found = Found();
+    std::erase_if(found, [](const Rescued& one) { return one.Discarded; });
+    ASSERT_EQ(found.size(), 1U);
+    KeptRun next(own);
+    next.Keeper().Open(found[0]);
+    EXPECT_EQ(next.Look(), imported);
+    EXPECT_TRUE(next.Past().Changed());
+    next.Play("undo");
+    EXPECT_EQ(next.Look(), before);
+    next.Play("redo\ndialog two.bjo\nmenu mnuSaveAs");
+    EXPECT_FALSE(next.Past().Changed());
 }
 
 TEST_F(RunKeeperTest, RescuedWorkIsAlsoATuneFile)

@@ -96,6 +96,7 @@ class StripTest : public QObject, private WindowDesk {
     }
 
     bool wasThere = false;  // the menu of More
+    QString told;
 
     /// In the next file dialog, which would refuse some names by itself.
     static void ChooseFile(const QString& path)
@@ -142,6 +143,41 @@ private slots:
         QTest::mouseClick(ButtonOf(Redo()), Qt::LeftButton);
         QCOMPARE(int{Core().tune.LastMeas}, 2);
         QCOMPARE(ButtonOf(Redo())->toolTip(), QString("Redo"));
+    }
+
+    void ImportTakesAFileOfAnotherProgram()
+    {
+        WriteFileBytes("reel.abc", "X:1\nT:Reel\nK:C\nc\n");
+        ChooseFile(QDir::current().filePath("reel.abc"));
+        Action("stripImport")->trigger();
+        QCOMPARE(Core().tune[0].ChordText, std::string("Reel"));
+        QCOMPARE(Undo()->text(), QString("Undo Import reel.abc"));
+        for (const std::string& path : RecentTunes(Core().platform.settings))
+            QVERIFY(!path.ends_with("reel.abc"));
+    }
+
+    void ImportOpensATuneOfOurOwn()
+    {
+        ChooseFile(TuneFile("three.txt"));
+        Action("stripImport")->trigger();
+        QCOMPARE(int{Core().tune.LastMeas}, 3);
+        QCOMPARE(Undo()->text(), QString("Undo Open three.txt"));
+    }
+
+    void ImportSaysWhichExtensionsCanBeRead()
+    {
+        WriteFileBytes("reel.doc", "X:1\nT:Reel\nK:C\nc\n");
+        InDialog<QFileDialog>([this](QFileDialog* files) {
+            InDialog<QMessageBox>([this](QMessageBox* box) {
+                told = box->text();
+                box->accept();
+            });
+            files->findChild<QLineEdit*>()->setText(QDir::current().filePath("reel.doc"));
+            files->QDialog::done(QDialog::Accepted);
+        });
+        Action("stripImport")->trigger();
+        QVERIFY2(told.contains("reel.doc") && told.contains(".musicxml"), qPrintable(told));
+        QVERIFY(!Undo()->isEnabled());
     }
 
     void ATuneCalledLikeHtmlIsShownAsItIsCalled()

@@ -19,6 +19,7 @@
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
@@ -72,6 +73,13 @@ private:
         tune[2].NoteCode = kQuarter;
         tune[2].Slot(6) = "9";
         WriteFileBytes(name.toStdString(), TuneBytes(tune));
+        return QUrl::fromLocalFile(QDir::current().filePath(name));
+    }
+
+    /// Another program's file, in the current directory.
+    static QUrl TextFile(const QString& name, const std::string& text)
+    {
+        WriteFileBytes(name.toStdString(), text);
         return QUrl::fromLocalFile(QDir::current().filePath(name));
     }
 
@@ -590,6 +598,96 @@ private slots:
         QVERIFY(!asked);  // the drop does not wait for the answer
         QTRY_COMPARE(Core().tune[2].Slot(6), std::string("9"));
         QVERIFY(asked);
+    }
+
+    void ADroppedFileOfAnotherProgramIsImportedAndCanBeUndone()
+    {
+        QTest::keyClicks(Staff(), "1");
+        QTest::keyClick(Staff(), Qt::Key_Return);
+        InDialog<QMessageBox>([](QMessageBox* box) { box->button(QMessageBox::No)->click(); });
+        QVERIFY(Drop({TextFile("reel.ABC", "X:1\nT:Reel\nK:G\n{a}GABc d2g2|\n")}));
+        QTRY_COMPARE(Core().tune[0].ChordText, std::string("Reel"));
+        QCOMPARE(Core().tune.FileName, std::string());
+        QTRY_VERIFY(Staff()->hasFocus());
+        const auto* state = Window().findChild<QLabel*>("stripState");
+        QVERIFY(state->text().startsWith("New tune, changed"));
+        const auto* note = Window().findChild<QMessageBox*>("ImportNote");
+        QVERIFY(note && !note->isModal());
+        QCOMPARE(note->text(), QString("reel.ABC has been imported.\n\nA grace note is left out."));
+        auto* undo = Window().findChild<QAction*>("stripUndo");
+        QCOMPARE(undo->text(), QString("Undo Import reel.ABC"));
+        undo->trigger();
+        QCOMPARE(Core().tune[2].Slot(6), std::string("1"));
+    }
+
+    void ADroppedFileWithATuneInItIsOpenedWhateverItsExtension()
+    {
+        QVERIFY(Drop({TuneFile("tune.txt")}));
+        QTRY_COMPARE(int{Core().tune.LastNote}, 2);
+        QVERIFY(Core().tune.FileName.ends_with("/tune.txt"));
+    }
+
+    void AFileThatCannotBeImportedSaysWhyAndTheTuneStays()
+    {
+        QTest::keyClicks(Staff(), "1");
+        QString text;
+        InDialog<QMessageBox>([&](QMessageBox* box) {
+            text = box->text();
+            box->accept();
+        });
+        QVERIFY(Drop({TextFile("B\u00fcch.xml", "<score")}));
+        QTRY_VERIFY(!text.isEmpty());
+        QVERIFY2(text.startsWith("B\u00fcch.xml cannot be imported.\nLine 1: "), qPrintable(text));
+        QCOMPARE(Core().tune[2].Slot(6), std::string("1"));
+        QVERIFY(!Window().findChild<QMessageBox*>("ImportNote"));
+    }
+
+    void ATuneBookAsksWhichTune()
+    {
+        QString question;
+        QStringList titles;
+        InDialog<QDialog>([&](QDialog* dialog) {
+            question = dialog->findChild<QLabel*>()->text();
+            auto* list = dialog->findChild<QListWidget*>();
+            for (int i = 0; i < list->count(); ++i)
+                titles += list->item(i)->text();
+            list->setCurrentRow(1);
+            QTest::keyClick(list, Qt::Key_Return);
+        });
+        const char* book = "X:1\nT:One\nK:C\nc\n\nX:2\nK:C\nd8\n\nX:3\nT:Three\nK:C\ne\n";
+        QVERIFY(Drop({TextFile("book.abc", book)}));
+        QTRY_COMPARE(int{Core().tune.LastNote}, 2);
+        QCOMPARE(Core().tune[2].Slot(1), std::string("10"));
+        QCOMPARE(question, QString("There are 3 tunes in book.abc. Which one do you want?"));
+        QCOMPARE(titles, QStringList({"One", "Tune 2", "Three"}));
+    }
+
+    void ATuneBookCanBeLeftAlone()
+    {
+        bool asked = false;
+        InDialog<QDialog>([&](QDialog* dialog) {
+            asked = true;
+            dialog->reject();
+        });
+        QVERIFY(Drop({TextFile("book.abc", "X:1\nK:C\nc\n\nX:2\nK:C\nd\n")}));
+        QTRY_VERIFY(asked);
+        QCOMPARE(int{Core().tune.LastNote}, 0);
+        QVERIFY(!Window().findChild<QAction*>("stripUndo")->isEnabled());
+    }
+
+    void AStartWithAFileOfAnotherProgramImportsItWithoutAGreeting()
+    {
+        End();
+        const QString path = TextFile("start.abc", "X:1\nT:Start\nK:C\nc\n").toLocalFile();
+        program = std::make_unique<Program>('"' + path.toStdString() + '"');
+        QVERIFY(program->Start());
+        QTRY_COMPARE(Core().tune[0].ChordText, std::string("Start"));
+        QVERIFY(!FormNamed("Splash"));
+        QCOMPARE(Core().form.Saved, SavedState::Unsaved);
+        Window().findChild<QAction*>("stripUndo")->trigger();
+        QCOMPARE(int{Core().tune.LastNote}, 0);
+        QTest::keyClicks(Staff(), "3");
+        QCOMPARE(Core().tune[2].Slot(6), std::string("3"));
     }
 
     void OnlyOneTuneFileCanBeDropped()
