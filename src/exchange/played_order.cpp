@@ -9,8 +9,7 @@ namespace quillon {
 std::vector<int> PlayedOrder(Tune& tune)
 {
     const Sound silence{};
-    MidiFileWriter unused;
-    Performance performance(tune, silence, unused);
+    Performance performance(tune, silence);
     performance.WalkSilently();
     std::map<int, int> measures;  // by head record
     for (int i = 1; i <= tune.LastNote; ++i)

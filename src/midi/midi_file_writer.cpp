@@ -60,10 +60,10 @@ void MidiFileWriter::WriteEvent(int status, int data1, int data2, int delta)
         track += DataByte(data2);
 }
 
-void MidiFileWriter::WriteTempo(int microseconds)
+void MidiFileWriter::WriteTempo(int microseconds, int delta)
 {
-    using namespace std::string_literals;
-    track += "\0\xFF\x51\x03"s + BigEndian(static_cast<std::uint32_t>(microseconds), 3);
+    track += VariableLength(delta);
+    track += "\xFF\x51\x03" + BigEndian(static_cast<std::uint32_t>(microseconds), 3);
 }
 
 void MidiFileWriter::NextTrack()

@@ -23,8 +23,8 @@ public:
     /// overflow Fault.
     void WriteEvent(int status, int data1, int data2, int delta);
 
-    /// Adds a Set Tempo event, in microseconds per quarter note.
-    void WriteTempo(int microseconds);
+    /// Adds a Set Tempo event, in microseconds per quarter note. `delta` is as above.
+    void WriteTempo(int microseconds, int delta = 0);
 
     /// Ticks per quarter note, 1..32767.
     void SetDivision(int ticks) { division = ticks; }

@@ -46,18 +46,10 @@ NeverEnding::NeverEnding()
 {
 }
 
-void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
+void Explained(const Tune& tune, const std::function<void()>& build)
 {
-    writer.BeginFile();
-    writer.WriteTempo(IntegerDivide(kMicrosecondsPerMinute, sound.Tempo));
-    writer.SetDivision(sound.Tempo);
-    Performance performance(tune, sound, writer);
     try {
-        for (int s = 1; s <= tune.NumStrings; ++s) {
-            performance.TrackString = s;
-            writer.NextTrack();
-            performance.BuildStringTrack();
-        }
+        build();
     } catch (const Fault& fault) {
         if (!fault.Explanation().empty())
             throw;
@@ -65,25 +57,47 @@ void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
         throw Fault(fault.Number(),
                     "Measure " + std::to_string(last.Measure) + " cannot be played.");
     }
+}
+
+int MicrosecondsPerQuarter(int tempo)
+{
+    return IntegerDivide(kMicrosecondsPerMinute, tempo);
+}
+
+void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer)
+{
+    writer.BeginFile();
+    writer.WriteTempo(MicrosecondsPerQuarter(sound.Tempo));
+    writer.SetDivision(sound.Tempo);
+    Performance performance(tune, sound, [&](int status, int data1, int data2, int delta) {
+        writer.WriteEvent(status, data1, data2, delta);
+    });
+    Explained(tune, [&] {
+        for (int s = 1; s <= tune.NumStrings; ++s) {
+            performance.TrackString = s;
+            writer.NextTrack();
+            performance.BuildStringTrack();
+        }
+    });
     writer.FinishTracks();
 }
 
 void Performance::BuildStringTrack()
 {
-    writer.WriteEvent(kProgramChange + TrackString, sound.Instrument, 0, 0);
+    writeEvent(kProgramChange + TrackString, sound.Instrument, 0, 0);
     RestTicks = 0;
     NoteTicks = 0;
     Velocity = 100;
-    Walk([this] { TakeRecord(); });
-}
-
-void Performance::WalkSilently()
-{
-    Walk([] {});
+    written = 0;
+    Walk([this] {
+        late = written + RestTicks + NoteTicks - due;
+        TakeRecord();
+    });
 }
 
 void Performance::Walk(const std::function<void()>& takeRecord)
 {
+    due = 0;
     way = {};
     arrivals.clear();
     played.clear();
@@ -95,8 +109,9 @@ void Performance::Walk(const std::function<void()>& takeRecord)
         if (Record().IsHead() && !TakeHead())
             return;
         if (Record().IsHead())
-            played.push_back({tune.CurNote});
+            played.push_back({.Head = tune.CurNote, .Begin = due});
         takeRecord();
+        due += TicksAt(sound.Tempo, Record().NoteCode);
         ++tune.CurNote;
         if (tune.CurNote > tune.LastNote)
             ReturnFromEnd();
@@ -126,7 +141,7 @@ bool Performance::TakeHead()
         way.EndingNumber = way.PassNumber = 1;
     }
     TakeEndings();
-    played.push_back({tune.CurNote, way.PassNumber, fromCoda, way.FineMode});
+    played.push_back({tune.CurNote, way.PassNumber, fromCoda, way.FineMode, due});
     if (Record().BarCode == kRepeatEnd) {
         if (way.PassNumber == way.EndingNumber)
             way.RepeatPending = true;
@@ -270,11 +285,11 @@ Int16 Performance::PitchOf(std::string_view text) const
 /// Velocity 0 ends the note.
 void Performance::WriteNote(int pitch, int velocity, int delta)
 {
-    writer.WriteEvent(kNoteOn + TrackString, pitch, velocity, delta);
+    writeEvent(kNoteOn + TrackString, pitch, velocity, delta);
+    written += delta;
 }
 
-std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
-                          const SoundChoices& choices)
+Sound ChosenSound(Tune& tune, const std::vector<TuningRecord>& tunings, const SoundChoices& choices)
 {
     if (tunings.empty())
         throw Fault(Error::InvalidPropertyValue);
@@ -287,8 +302,14 @@ std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
     sound.Tempo = HeldTempo(choices.Tempo.value_or(mode.Tempo));
     sound.Instrument = choices.Instrument.value_or(mode.Instrument);
     sound.OpenPitch = OpenPitches(tunings[static_cast<std::size_t>(row)], HeldCapo(choices.Capo));
+    return sound;
+}
+
+std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
+                          const SoundChoices& choices)
+{
     MidiFileWriter writer;
-    BuildMidiFile(tune, sound, writer);
+    BuildMidiFile(tune, ChosenSound(tune, tunings, choices), writer);
     return writer.Bytes();
 }
 

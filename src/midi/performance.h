@@ -11,12 +11,17 @@
 #include "midi/sound_settings.h"
 #include "store/tune.h"
 
+#include <cstdint>
 #include <functional>
 #include <set>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace quillon {
+
+/// Time since the beginning of a track. Repeats can add up to more than an int holds.
+using Ticks = std::int64_t;
 
 /// Ticks of a note or rest where a quarter note has `quarter`, cut to whole ones; 0 for any other
 /// code.
@@ -37,13 +42,17 @@ struct PlayedMeasure {
     int Pass = 0;           // through the current repeat; 0 if its signs are skipped unread
     bool FromCoda = false;  // the jump to the Coda was taken at this head
     bool FineMode = false;  // a Fine here ends the performance
+    Ticks Begin = 0;        // when it is due
 };
+
+/// Takes a track's events one by one, as MidiFileWriter::WriteEvent does.
+using EventWriter = std::function<void(int status, int data1, int data2, int delta)>;
 
 class Performance {
 public:
-    /// All three must outlive the builder.
-    Performance(Tune& theTune, const Sound& theSound, MidiFileWriter& midiFile)
-        : tune(theTune), sound(theSound), writer(midiFile)
+    /// Both must outlive the builder. A walk without sound needs no `eventWriter`.
+    Performance(Tune& theTune, const Sound& theSound, EventWriter eventWriter = {})
+        : tune(theTune), sound(theSound), writeEvent(std::move(eventWriter))
     {
     }
 
@@ -53,11 +62,18 @@ public:
     /// walk ended. A search for an ending or a Coda that is not there: a subscript Fault.
     void BuildStringTrack();
 
-    /// The same walk without sound.
-    void WalkSilently();
+    /// The same walk without sound. `visit` is called for each record.
+    void WalkSilently(const std::function<void()>& visit = [] {}) { Walk(visit); }
 
     /// What the last walk has entered, in order; after a failure, what it had entered by then.
     const std::vector<PlayedMeasure>& Played() const { return played; }
+
+    /// When the record that is being taken is due: what all before it last by their codes.
+    Ticks Due() const { return due; }
+
+    /// By how much the track runs late at this record, or early if negative: a note that is split
+    /// into halves of whole ticks gains or loses one, and some odd cells lose more.
+    Ticks Late() const { return late; }
 
 private:
     /// Everything that decides where the walk goes next, but for its position.
@@ -98,7 +114,7 @@ private:
 
     Tune& tune;
     const Sound& sound;
-    MidiFileWriter& writer;
+    EventWriter writeEvent;
 
     Journey way;
 
@@ -107,18 +123,31 @@ private:
 
     std::vector<PlayedMeasure> played;
 
+    Ticks due = 0;
+    Ticks late = 0;
+    Ticks written = 0;   // time of the track's last event
     int RestTicks = 0;   // silence since the track's last event
     int NoteTicks = 0;   // length of the note being built
     int Velocity = 100;  // of the next note
 };
 
+/// Runs `build`, which performs the tune. A Fault's explanation says which measure is at fault.
+void Explained(const Tune& tune, const std::function<void()>& build);
+
+/// A quarter note, cut to whole microseconds.
+int MicrosecondsPerQuarter(int tempo);
+
 /// Makes the whole file in `writer`, all but CloseFile: the tempo track and a track for each
-/// string. A Fault's explanation says which measure is at fault.
+/// string. A Fault is Explained.
 void BuildMidiFile(Tune& tune, const Sound& sound, MidiFileWriter& writer);
 
-/// The MIDI file that the MIDI form would write of `tune`, as bytes. The tuning is kept with the
-/// tune. `tunings` has at least one row, else an invalid-property-value Fault. A tune that cannot
-/// be performed is a Fault or a NeverEnding.
+/// How `tune` sounds under these choices. The tuning is kept with the tune. `tunings` has at least
+/// one row, else an invalid-property-value Fault.
+Sound ChosenSound(Tune& tune, const std::vector<TuningRecord>& tunings,
+                  const SoundChoices& choices);
+
+/// The MIDI file that the MIDI form would write of `tune`, as bytes, with ChosenSound. A tune that
+/// cannot be performed is a Fault or a NeverEnding.
 std::string MidiFileBytes(Tune& tune, const std::vector<TuningRecord>& tunings,
                           const SoundChoices& choices);
 

@@ -175,8 +175,7 @@ struct Rehearsal {
 
     Tune& tune;
     const Sound silence{};
-    MidiFileWriter unused{};
-    Performance performance{tune, silence, unused};
+    Performance performance{tune, silence};
 };
 
 /// What a head's signs lead to in the performance.
