@@ -116,7 +116,7 @@ made=$scratch/made
 mkdir "$made"
 export FONTCONFIG_FILE=$scratch/fonts.conf
 check "no Tab but the package's" is "$(fc-list Tab)" ""
-for format in pdf svg png mid wav; do
+for format in pdf svg png mid wav ogg mp3; do
     check "$format" "$exporter" "$examples/greensleeves.gui" -o "$made/tune.$format"
 done
 check "PDF" starts "$made/tune.pdf" %PDF-
@@ -125,6 +125,7 @@ check "the same signs in the SVG as before packaging" cmp "$made/tune.svg" "$mad
 check "SVG" xmllint --noout "$made/tune.svg"
 check "MIDI" starts "$made/tune.mid" MThd
 check "WAV" starts "$made/tune.wav" RIFF
+check "Ogg" starts "$made/tune.ogg" OggS
 status=0
 QT_QPA_PLATFORM=offscreen timeout 3 "$root/usr/bin/quillon" "$examples/greensleeves.gui" \
     > "$scratch/window" 2>&1 || status=$?

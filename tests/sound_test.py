@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Sound read back: MIDI files by two readers that are not ours, and the pitches of rendered WAVs.
+"""Sound read back by programs that are not ours: MIDI files by two readers, rendered sound by sox,
+oggdec and mpg123. What is heard has its pitches, level, places and tail.
 
     sound_test.py QUILLON_EXPORT [TUNES]
 
@@ -176,13 +177,71 @@ def check_repeat(export, folder):
     return (1, 0) if good else (0, 1)
 
 
+# Level, places, tail
+
+
+def samples_of(path):
+    """The left and the right channel of a sound file, between -1 and 1, and the rate."""
+    decoded = path + ".wav"
+    decoder = {".wav": ["sox", path, decoded], ".ogg": ["oggdec", "-Q", "-o", decoded, path],
+               ".mp3": ["mpg123", "-q", "-w", decoded, path]}[os.path.splitext(path)[1]]
+    subprocess.run(decoder, check=True, capture_output=True)
+    with wave.open(decoded) as file:
+        assert file.getnchannels() == 2 and file.getsampwidth() == 2
+        frames = array.array("h", file.readframes(file.getnframes()))
+        return [s / 32768 for s in frames[::2]], [s / 32768 for s in frames[1::2]], file.getframerate()
+
+
+def peak(samples):
+    return max(map(abs, samples), default=0)
+
+
+def decibels(ratio):
+    return 20 * math.log10(max(ratio, 1e-9))
+
+
+def energy(samples):
+    return math.sqrt(sum(s * s for s in samples))
+
+
+def check_rendered(export, folder):
+    """The same two notes as WAV, Ogg and MP3: a low string for a second, then a high one."""
+    tune = os.path.join(folder, "two.gui")
+    with open(tune, "wb") as file:
+        file.write((record(0, 0, 0, 0) + record(1, 999) + record(1, 7, slots=[""] * 5 + ["3"])
+                    + record(1, 7, slots=["3"])).encode("ascii"))
+    results = []
+    for extension, slack in (("wav", 0.01), ("ogg", 1), ("mp3", 1)):
+        sound = os.path.join(folder, f"two.{extension}")
+        done = run(export, tune, "--tempo", "60", "-o", sound)
+        if done.returncode:
+            results.append((f"{extension}: {done.stderr}", False))
+            continue
+        left, right, rate = samples_of(sound)
+        low, high = slice(0, rate), slice(rate, 2 * rate)
+        loudest = peak(left + right)
+        onset = next(i for i in range(len(left)) if abs(left[i]) > 0.05 * loudest) / rate
+        results += [(f"{extension}: {what}", good) for what, good in (
+            (f"peak {decibels(loudest):.2f} dB", abs(decibels(loudest) + 1) < slack),
+            (f"length {len(left) / rate:.3f}", abs(len(left) / rate - 2.5) < 0.03),
+            (f"onset {onset:.4f}", onset < 0.005),
+            ("the low string is on the left", 1 < decibels(energy(left[low]) / energy(right[low])) < 6),
+            ("the high string is on the right", 1 < decibels(energy(right[high]) / energy(left[high])) < 6),
+            ("the room is heard", decibels(peak(left[int(2.3 * rate):int(2.4 * rate)])) > -70),
+            ("the end is silent", decibels(peak(left[int(2.495 * rate):])) < -60))]
+    for what, good in results:
+        if not good:
+            print(f"failed: {what}")
+    return sum(good for _, good in results), sum(not good for _, good in results)
+
+
 def main():
     export = os.path.abspath(sys.argv[1])
     count = int(sys.argv[2]) if len(sys.argv) > 2 else 200
     os.environ["QUILLON_SOUNDFONT"] = SOUNDFONT
     with tempfile.TemporaryDirectory() as folder:
         results = [check_readers(export, folder, count), check_pitches(export, folder),
-                   check_repeat(export, folder)]
+                   check_repeat(export, folder), check_rendered(export, folder)]
     passed, failed = (sum(r[i] for r in results) for i in (0, 1))
     print(f"{passed} passed, {failed} failed")
     sys.exit(1 if failed else 0)

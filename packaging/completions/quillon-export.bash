@@ -5,7 +5,7 @@ _quillon_export()
     local cur prev words cword split
     _init_completion -s || return
 
-    local formats='pdf svg png mid wav abc musicxml ly txt tune measure-log page-log print-log'
+    local formats='pdf svg png mid wav ogg mp3 abc musicxml ly txt tune measure-log page-log print-log'
     case $prev in
     -o | --output | --tuning-file) _filedir ;;
     --format) COMPREPLY=($(compgen -W "$formats" -- "$cur")) ;;

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 
 namespace quillon {
 
@@ -22,7 +23,7 @@ const char* const kExportHelp =
     "\n"
     "  --check           lists the problems of each tune, one per line\n"
     "  --order           prints the order in which the measures are played\n"
-    "  --format F        pdf, svg, png, mid, wav, abc, musicxml, ly, txt, tune,\n"
+    "  --format F        pdf, svg, png, mid, wav, ogg, mp3, abc, musicxml, ly, txt, tune,\n"
     "                    measure-log, page-log or print-log; without it, OUT's extension decides\n"
     "  --from F          abc, musicxml, mid or txt: the form of TUNE, whatever its extension\n"
     "  --strings N       4, 5 or 6; without it, the tune's extension decides\n"
@@ -46,8 +47,8 @@ const char* const kExportHelp =
 
 namespace {
 
-constexpr std::string_view kFormats[] = {"pdf",  "svg",         "png",      "mid",      "wav",
-                                         "tune", "measure-log", "page-log", "print-log"};
+constexpr std::string_view kFileFormats[] = {"pdf", "svg", "png", "mid", "wav", "ogg", "mp3"};
+constexpr std::string_view kOtherFormats[] = {"tune", "measure-log", "page-log", "print-log"};
 
 [[noreturn]] void Bad(const std::string& reason)
 {
@@ -201,6 +202,11 @@ void RefuseForFormat(const std::vector<std::string>& given, const std::string& f
     }
 }
 
+bool Contains(std::span<const std::string_view> names, const std::string& name)
+{
+    return std::ranges::find(names, name) != names.end();
+}
+
 /// The format that a file's extension tells, "" if none.
 std::string FormatOf(const std::string& output)
 {
@@ -209,8 +215,7 @@ std::string FormatOf(const std::string& output)
         dot == std::string::npos || output[dot] == '/' ? "" : output.substr(dot + 1);
     if (FindModeOfExtension(extension))
         return "tune";
-    if (std::find(std::begin(kFormats), std::begin(kFormats) + 5, extension) !=
-        std::begin(kFormats) + 5)
+    if (Contains(kFileFormats, extension))
         return extension;
     const ExchangeForm* form = FindForm(extension);
     return form && form->Write ? std::string(form->Name) : "";
@@ -219,8 +224,8 @@ std::string FormatOf(const std::string& output)
 bool IsFormat(const std::string& format)
 {
     const ExchangeForm* form = FindForm(format);
-    return (form && form->Write) ||
-           std::find(std::begin(kFormats), std::end(kFormats), format) != std::end(kFormats);
+    return (form && form->Write) || Contains(kFileFormats, format) ||
+           Contains(kOtherFormats, format);
 }
 
 bool IsFolder(const std::string& path)

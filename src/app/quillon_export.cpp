@@ -63,6 +63,11 @@ bool ShowsRealFonts(const std::string& format)
     return format == "pdf" || format == "svg" || format == "png";
 }
 
+bool IsSound(const std::string& format)
+{
+    return format == "wav" || format == "ogg" || format == "mp3";
+}
+
 ExportedTune Load(const ExportCommand& command, const TuneSource& source,
                   const TextMetrics& metrics, FontCheck hasFont = nullptr)
 {
@@ -163,7 +168,7 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSourc
         return {tune.PageLog()};
     if (format == "print-log")
         return {tune.PrintLog()};
-    if (format == "mid" || format == "wav")
+    if (format == "mid" || IsSound(format))
         return {tune.MidiFile(command.Options)};
     return MakePages(command, tune);
 }
@@ -196,12 +201,12 @@ void HeedStopSignals()
     }
 }
 
-void WriteWav(const std::string& midiBytes, const std::string& output)
+void WriteSound(const std::string& midiBytes, const std::string& output, const std::string& format)
 {
     HeedStopSignals();
     const bool progress = isatty(STDERR_FILENO) != 0;
     WriteRendered(output, [&](const std::string& path) {
-        TheRenderer().Wav(midiBytes, path, [&](double part) {
+        TheRenderer().Sound(midiBytes, path, format, [&](double part) {
             if (stopSignal != 0)
                 throw Stopped();
             if (progress)
@@ -219,8 +224,8 @@ void Export(const ExportCommand& command, const TuneSource& source, const std::s
     const std::vector<std::string> names = OutputNames(output, files.size());
     for (const std::string& name : names)
         inUse.Refuse(name, path, command.Format == "tune" && !source.IsForeign());
-    if (command.Format == "wav")
-        WriteWav(files.front(), output);
+    if (IsSound(command.Format))
+        WriteSound(files.front(), output, command.Format);
     else
         WriteFiles(names, files);
     for (const std::string& name : names)

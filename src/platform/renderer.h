@@ -41,10 +41,11 @@ public:
     virtual std::string Svg(const Drawing& page, const PageChoices& choices) const = 0;
     virtual std::string Png(const Drawing& page, const PageChoices& choices) const = 0;
 
-    /// Writes a WAV file at `path`. `progress` is told the part done, 0..1. A std::runtime_error on
-    /// failure, after which a part of it may be there.
-    virtual void Wav(const std::string& midiBytes, const std::string& path,
-                     const std::function<void(double)>& progress) const = 0;
+    /// Writes a sound file at `path`; `format` is "wav", "ogg" or "mp3". `progress` is told the
+    /// part done, 0..1. A std::runtime_error on failure, after which a part of it may be there.
+    virtual void Sound(const std::string& midiBytes, const std::string& path,
+                       const std::string& format,
+                       const std::function<void(double)>& progress) const = 0;
 };
 
 }  // namespace quillon

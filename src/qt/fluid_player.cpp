@@ -3,14 +3,9 @@
 #include "store/item_file.h"
 
 #include <QMetaObject>
-#include <QStandardPaths>
 
-#include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <new>
-#include <stdexcept>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -18,60 +13,14 @@ namespace quillon {
 
 namespace {
 
-constexpr double kBaseGain = 0.5;  // six tracks at full velocity stay well below clipping
-
-std::string Environment(const char* name)
-{
-    return qEnvironmentVariable(name).toLocal8Bit().toStdString();
-}
-
-/// The path of a General MIDI SoundFont, "" if there is none.
-std::string FindSoundFont()
-{
-    const std::string named = Environment("QUILLON_SOUNDFONT");
-    if (!named.empty())
-        return named;
-    for (const char* name :
-         {"sf2/default-GM.sf2", "sf2/FluidR3_GM.sf2", "sf2/TimGM6mb.sf2", "sf3/default-GM.sf3"}) {
-        const QString path =
-            QStandardPaths::locate(QStandardPaths::GenericDataLocation, QString("sounds/") + name);
-        if (!path.isEmpty())
-            return path.toLocal8Bit().toStdString();
-    }
-    return {};
-}
-
-FluidPtr<fluid_settings_t> MakeSettings()
-{
-    for (const int level : {FLUID_PANIC, FLUID_ERR, FLUID_WARN, FLUID_INFO, FLUID_DBG})
-        fluid_set_log_function(level, nullptr, nullptr);
-    FluidPtr<fluid_settings_t> settings(new_fluid_settings());
-    fluid_settings_setint(settings.get(), "synth.lock-memory", 0);
-    fluid_settings_setnum(settings.get(), "synth.gain", kBaseGain);
-    return settings;
-}
-
-/// Null without a SoundFont.
-FluidPtr<fluid_synth_t> MakeSynth(fluid_settings_t* settings)
-{
-    FluidPtr<fluid_synth_t> synth(new_fluid_synth(settings));
-    const std::string soundFont = FindSoundFont();
-    if (!synth || soundFont.empty() ||
-        fluid_synth_sfload(synth.get(), soundFont.c_str(), true) == FLUID_FAILED)
-        return nullptr;
-    return synth;
-}
+/// Six strings of a guitar at full velocity stay below full scale, also at the highest volume.
+constexpr double kBaseGain = 0.8;
 
 /// Takes a copy: the callback may reset the original.
 void Tell(std::function<void()> listener)
 {
     if (listener)
         listener();
-}
-
-bool IsMidiFile(const std::string& bytes)
-{
-    return bytes.starts_with("MThd");
 }
 
 }  // namespace
@@ -85,7 +34,7 @@ FluidPlayer::FluidPlayer(std::chrono::milliseconds silence)
 bool FluidPlayer::Init()
 {
     Close();
-    settings = MakeSettings();
+    settings = MakeSettings(kBaseGain);
     synth = MakeSynth(settings.get());
     if (synth && OpenDriver())
         return true;
@@ -134,6 +83,8 @@ void FluidPlayer::Load(const std::string& path)
     if (!player)
         throw std::bad_alloc();
     fluid_player_add_mem(player.get(), midi.data(), midi.size());
+    stage = Stage(synth.get(), TimedEventsOf(midi));
+    stage.Follow(player.get());
     fluid_player_set_tick_callback(player.get(), &FluidPlayer::OnTick, this);
     OpenDriver();
 }
@@ -219,44 +170,6 @@ void FluidPlayer::Ended(int playNumber)
         return;  // the user was quicker
     Stop();
     Tell(OnEnd);
-}
-
-void RenderWav(const std::string& midiBytes, const std::string& wavPath,
-               const std::function<void(double)>& progress)
-{
-    if (!IsMidiFile(midiBytes))
-        throw std::runtime_error("The file is not a MIDI file.");
-    const FluidPtr<fluid_settings_t> settings = MakeSettings();
-    fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
-    fluid_settings_setstr(settings.get(), "audio.file.name", wavPath.c_str());
-    fluid_settings_setstr(settings.get(), "audio.file.type", "wav");
-    fluid_settings_setstr(settings.get(), "audio.file.format", "s16");
-    fluid_settings_setint(settings.get(), "audio.period-size", 64);
-    const FluidPtr<fluid_synth_t> synth = MakeSynth(settings.get());
-    if (!synth)
-        throw std::runtime_error("No SoundFont was found.");
-    const FluidPtr<fluid_player_t> player(new_fluid_player(synth.get()));
-    fluid_player_add_mem(player.get(), midiBytes.data(), midiBytes.size());
-
-    bool written = false;
-    std::error_code failure;
-    {
-        const FluidPtr<fluid_file_renderer_t> renderer(new_fluid_file_renderer(synth.get()));
-        written = renderer && fluid_player_play(player.get()) == FLUID_OK;
-        int told = -1;  // percent
-        while (written && fluid_player_get_status(player.get()) == FLUID_PLAYER_PLAYING) {
-            written = fluid_file_renderer_process_block(renderer.get()) == FLUID_OK;
-            const int total = fluid_player_get_total_ticks(player.get());
-            const int done = std::min(fluid_player_get_current_tick(player.get()), total);
-            const int percent = total > 0 ? static_cast<int>(100.0 * done / total) : 0;
-            if (progress && percent != std::exchange(told, percent))
-                progress(percent / 100.0);
-        }
-        if (!written)
-            failure = {errno, std::generic_category()};
-    }
-    if (!written)
-        throw std::system_error(failure, "The sound file cannot be written");
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// Playing MIDI files with a software synthesizer, and rendering them as sound files.
+// Playing MIDI files with a software synthesizer.
 //
 // The sound device is driven by a thread of the synthesizer. It reports the end of a tune with a
 // queued call, so that the window hears of it between other events of its own thread.
@@ -10,32 +10,19 @@
 #pragma once
 
 #include "platform/player.h"
+#include "qt/synth.h"
 
 #include <QObject>
 #include <QTimer>
 
 #include <atomic>
 #include <chrono>
-#include <fluidsynth.h>
-#include <functional>
-#include <memory>
 
 namespace quillon {
 
-/// Deletes objects of the synthesizer library.
-struct FluidDelete {
-    void operator()(fluid_settings_t* settings) const { delete_fluid_settings(settings); }
-    void operator()(fluid_synth_t* synth) const { delete_fluid_synth(synth); }
-    void operator()(fluid_player_t* player) const { delete_fluid_player(player); }
-    void operator()(fluid_audio_driver_t* driver) const { delete_fluid_audio_driver(driver); }
-    void operator()(fluid_file_renderer_t* renderer) const { delete_fluid_file_renderer(renderer); }
-};
-
-template <typename T> using FluidPtr = std::unique_ptr<T, FluidDelete>;
-
 /// Environment: QUILLON_AUDIO_DRIVER names the sound driver ("pulseaudio", "alsa", "file", ...;
 /// without it the first two are tried in this order), QUILLON_AUDIO_FILE the sound file that the
-/// driver "file" writes in real time, QUILLON_SOUNDFONT the SoundFont. An empty name is none.
+/// driver "file" writes in real time. An empty name is none.
 class FluidPlayer : public Player {
 public:
     /// A playback of which nothing is heard for as long as `silence` is reported as a failure.
@@ -60,6 +47,7 @@ private:
 
     FluidPtr<fluid_settings_t> settings;
     FluidPtr<fluid_synth_t> synth;
+    Stage stage;
     FluidPtr<fluid_player_t> player;
     FluidPtr<fluid_audio_driver_t> driver;  // goes first, see Load
 
@@ -76,11 +64,5 @@ private:
 
     QObject receiver;  // of queued calls; those that are still under way go with it
 };
-
-/// Renders a MIDI file as a 16-bit stereo WAV file, faster than real time. `progress` hears the
-/// part done, 0..1. A std::runtime_error with the reason if it cannot be done; what was written by
-/// then stays.
-void RenderWav(const std::string& midiBytes, const std::string& wavPath,
-               const std::function<void(double)>& progress = {});
 
 }  // namespace quillon

@@ -4,10 +4,10 @@
 #include "notation/draw_surface.h"
 #include "notation/page_view.h"
 #include "platform/renderer.h"
-#include "qt/fluid_player.h"
 #include "qt/font_metrics.h"
 #include "qt/paint.h"
 #include "qt/pdf.h"
+#include "qt/sound_file.h"
 #include "qt/svg.h"
 #include "qt/text.h"
 
@@ -86,10 +86,10 @@ public:
         return bytes.toStdString();
     }
 
-    void Wav(const std::string& midiBytes, const std::string& path,
-             const std::function<void(double)>& progress) const override
+    void Sound(const std::string& midiBytes, const std::string& path, const std::string& format,
+               const std::function<void(double)>& progress) const override
     {
-        RenderWav(midiBytes, path, progress);
+        RenderSound(midiBytes, path, format, progress);
     }
 
 private:

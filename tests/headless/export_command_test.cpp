@@ -30,6 +30,8 @@ TEST(ExportCommandTest, TheFormIsTheOutputsExtension)
              {"a.png",     "png"     },
              {"a.mid",     "mid"     },
              {"a.wav",     "wav"     },
+             {"a.ogg",     "ogg"     },
+             {"a.mp3",     "mp3"     },
              {"a.abc",     "abc"     },
              {"a.xml",     "musicxml"},
              {"a.txt",     "txt"     },
@@ -48,8 +50,8 @@ TEST(ExportCommandTest, AnOutputThatTellsNoFormNeedsFormat)
 {
     for (const char* output : {"a.doc", "a", "-", "folder.pdf/a", "a.PDF", "a.page-log", "a.tune"})
         EXPECT_NE(Refusal({"t.gui", "-o", output}).find("--format"), std::string::npos) << output;
-    for (const char* format :
-         {"pdf", "svg", "png", "mid", "wav", "tune", "measure-log", "page-log", "print-log"})
+    for (const char* format : {"pdf", "svg", "png", "mid", "wav", "ogg", "mp3", "tune",
+                               "measure-log", "page-log", "print-log"})
         EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "-", "--format", format}).Format, format);
     EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "a.pdf", "--format", "svg"}).Format, "svg");
     EXPECT_EQ(Refusal({"t.gui", "-o", "-", "--format", "gui"}), "unknown format gui");

@@ -1,14 +1,13 @@
-// Playing and rendering with the real synthesizer, into sound files. The driver "file" plays in
-// real time, so the tunes are short.
+// Playing with the real synthesizer, into sound files. The driver "file" plays in real time, so the
+// tunes are short.
 
 #include "qt/fluid_player.h"
 
-#include "midi/performance.h"
 #include "qt/midi_ports.h"
 #include "store/item_file.h"
 #include "support/faults.h"
+#include "support/sounds.h"
 #include "support/temporary_directory.h"
-#include "support/tunes.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -18,55 +17,17 @@
 
 #include <sys/resource.h>
 
-#include <cerrno>
 #include <chrono>
-#include <cmath>
 #include <csignal>
-#include <cstdlib>
-#include <system_error>
 
 namespace quillon {
 namespace {
-
-/// Quarters of 0.2 seconds on the string of a guitar's concert A.
-std::string Midi(int quarters)
-{
-    Tune tune;
-    AddMeasure(tune);
-    for (int i = 0; i < quarters; ++i)
-        AddNote(tune, kQuarter, 1, "5");
-    Sound sound{
-        300, 25, {64, 59, 55, 50, 45, 40}
-    };
-    MidiFileWriter writer;
-    BuildMidiFile(tune, sound, writer);
-    return writer.Bytes();
-}
 
 void Wait(int milliseconds)
 {
     QEventLoop loop;
     QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
     loop.exec();
-}
-
-/// The samples of the left channel, between -1 and 1. The header takes 44 bytes.
-std::vector<double> Samples(const std::string& wav)
-{
-    std::vector<double> samples;
-    for (std::size_t i = 44; i + 3 < wav.size(); i += 4) {
-        const int low = static_cast<unsigned char>(wav[i]);
-        samples.push_back((low | static_cast<signed char>(wav[i + 1]) * 256) / 32768.0);
-    }
-    return samples;
-}
-
-double Peak(const std::vector<double>& samples)
-{
-    double peak = 0;
-    for (const double sample : samples)
-        peak = std::max(peak, std::fabs(sample));
-    return peak;
 }
 
 class FluidPlayerTest : public testing::Test {
@@ -175,9 +136,42 @@ TEST_F(FluidPlayerTest, TheLowestVolumeIsFaintButNotSilent)
     player.Play(false);
     TimeToEnd(2000);
     player.Close();
-    const double peak = Peak(Samples(ReadFileBytes("played.wav")));
+    const double peak = Peak(SidesOf(ReadFileBytes("played.wav")));
     EXPECT_GT(peak, 0.0005);
     EXPECT_LT(peak, 0.02);
+}
+
+TEST_F(FluidPlayerTest, HighStringsAreOnTheRightAndLowOnesOnTheLeftInEachTurnOfALoop)
+{
+    for (const int string : {1, 6}) {
+        ASSERT_TRUE(player.Init());
+        WriteFileBytes("tune.mid", Midi(1, string));
+        player.Load("tune.mid");
+        player.Play(true);
+        Wait(450);
+        player.Close();
+        const Sides played = SidesOf(ReadFileBytes("played.wav"));
+        const auto half = static_cast<std::ptrdiff_t>(played.Left.size() / 2);
+        for (const bool second : {false, true}) {
+            const double balance =
+                Energy(played.Right, second ? half : 0) / Energy(played.Left, second ? half : 0);
+            EXPECT_GT(string == 1 ? balance : 1 / balance, 1.5) << string << second;
+        }
+    }
+}
+
+TEST_F(FluidPlayerTest, AChordOfAllStringsIsLoudButNotClipped)
+{
+    ASSERT_TRUE(player.Init());
+    WriteFileBytes("tune.mid", ChordMidi());
+    player.Load("tune.mid");
+    player.SetVolume(200);  // the highest
+    player.Play(false);
+    TimeToEnd(2000);
+    player.Close();
+    const double peak = Peak(SidesOf(ReadFileBytes("played.wav")));
+    EXPECT_GT(peak, 0.3);
+    EXPECT_LT(peak, 0.99);
 }
 
 TEST_F(FluidPlayerTest, TunesCanBeLoadedOneAfterTheOtherWhilePlaying)
@@ -202,9 +196,7 @@ TEST_F(FluidPlayerTest, WithoutASoundFontThereIsNoPlayer)
 {
     qputenv("QUILLON_SOUNDFONT", "missing.sf2");
     EXPECT_FALSE(player.Init());
-    EXPECT_THROW(RenderWav(Midi(1), "out.wav"), std::runtime_error);
     qunsetenv("QUILLON_SOUNDFONT");
-    EXPECT_FALSE(std::filesystem::exists("out.wav"));
 }
 
 TEST_F(FluidPlayerTest, ASoundDeviceThatIsGoneIsTold)
@@ -359,66 +351,6 @@ TEST_F(FluidPlayerTest, NothingHappensBeforeInit)
     player.SetTempoFactor(0);
     player.SetVolume(-2500);
     EXPECT_FALSE(player.HasTune());
-}
-
-/// The pitch in Hz around 440, by the distance at which the sound is most like itself.
-double Pitch(const std::vector<double>& samples, std::size_t from)
-{
-    double best = 0;
-    std::size_t bestLag = 1;
-    for (std::size_t lag = 90; lag <= 110; ++lag) {
-        double sum = 0;
-        for (std::size_t i = from; i < from + 4000; ++i)
-            sum += samples.at(i) * samples.at(i + lag);
-        if (sum > best) {
-            best = sum;
-            bestLag = lag;
-        }
-    }
-    return 44100.0 / static_cast<double>(bestLag);
-}
-
-TEST(RenderWav, RendersTheTuneWithItsPitchAndTime)
-{
-    const TemporaryDirectory folder;
-    double done = 0;
-    RenderWav(Midi(10), "out.wav", [&](double part) {
-        EXPECT_GE(part, done);
-        done = part;
-    });
-    EXPECT_EQ(done, 1);
-    const std::string wav = ReadFileBytes("out.wav");
-    EXPECT_EQ(wav.substr(0, 4), "RIFF");
-    const std::vector<double> samples = Samples(wav);
-    EXPECT_GE(samples.size(), 2u * 44100u);  // and a tail, in which the last note dies away
-    EXPECT_LE(samples.size(), 5u * 44100u);
-    EXPECT_GT(Peak(samples), 0.02);
-    EXPECT_LT(Peak(samples), 0.95);
-    EXPECT_NEAR(Pitch(samples, 44100 / 20), 440, 5);
-}
-
-TEST(RenderWav, LeavesNoFileWhereItCannotBegin)
-{
-    const TemporaryDirectory folder;
-    EXPECT_THROW(RenderWav("a tune", "out.wav"), std::runtime_error);
-    EXPECT_THROW(RenderWav(Midi(1), "missing/out.wav"), std::runtime_error);
-    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
-}
-
-TEST(RenderWav, TellsWhyItFails)
-{
-    const TemporaryDirectory folder;
-    std::filesystem::create_symlink("/dev/full", "out.wav");
-    const auto reason = [](const std::string& path) {
-        try {
-            RenderWav(Midi(1), path);
-        } catch (const std::system_error& failure) {
-            return failure.code().value();
-        }
-        return 0;
-    };
-    EXPECT_EQ(reason("missing/out.wav"), ENOENT);
-    EXPECT_EQ(reason("out.wav"), ENOSPC);
 }
 
 TEST(RtMidiPorts, AlwaysNamesTheDefaultDevice)
