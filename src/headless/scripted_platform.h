@@ -95,11 +95,14 @@ public:
 class NoPlayer : public Player {
 public:
     bool Init() override { return true; }
+    std::string Trouble() const override { return {}; }
     void Close() override {}
     void Load(const std::string&) override {}
+    void LoadBytes(const std::string&) override {}
     bool HasTune() const override { return false; }
     void Play(bool) override {}
     void Stop() override {}
+    int TickHeard() const override { return 0; }
     void SetTempoFactor(double) override {}
     void SetVolume(int) override {}
 };

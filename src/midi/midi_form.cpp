@@ -36,15 +36,8 @@ void MidiForm::Show()
     rememberedCurNote = tune.CurNote;
     controls.cmdClearEnabled = false;
     controls.cmdStopEnabled = false;
-    const InstrumentMode& mode = *FindMode(tune.NumStrings);
-    const auto setting = [&](const char* key, int byDefault) {
-        return Val(platform.settings.Get(Section(), key, std::to_string(byDefault)));
-    };
-    const int program = Round(setting("Instrument", mode.Instrument));
-    if (program < -1 || program >= static_cast<int>(InstrumentNames().size()))
-        throw Fault(Error::InvalidPropertyValue);
-    controls.Combo2Index = program;
-    HSlider1Change(HeldTempo(setting("Tempo", mode.Tempo)));
+    controls.Combo2Index = KeptInstrument();
+    HSlider1Change(KeptTempo());
     controls.lblCapo = std::to_string(controls.Capo);
     LoadTunings();
     InitPlayer();
@@ -52,17 +45,60 @@ void MidiForm::Show()
 
 void MidiForm::LoadTunings()
 {
-    const InstrumentMode& mode = *FindMode(tune.NumStrings);
-    const int count = quillon::LoadTunings(platform.system.ProgramFolder() + "/" + mode.TuningFile,
-                                           tune.NumStrings, tunings);
+    const int count = quillon::LoadTunings(TuningPath(), tune.NumStrings, tunings);
     for (int i = 0; i < count; ++i)
         controls.Combo1.push_back(tunings[i].TuningName);
+    Combo1Click(KeptTuning(count));
+}
+
+int MidiForm::KeptTuning(int count) const
+{
     std::string wanted = tune[0].Slot(4);
     if (wanted.empty())
         wanted = platform.settings.Get(Section(), "Tuning", "0");
     if (count == 0)
         throw Fault(Error::InvalidPropertyValue);  // there is no line to select
-    Combo1Click(TuningRow(wanted, count));
+    return TuningRow(wanted, count);
+}
+
+int MidiForm::KeptInstrument() const
+{
+    const int program = Round(Setting("Instrument", FindMode(tune.NumStrings)->Instrument));
+    if (program < -1 || program >= static_cast<int>(InstrumentNames().size()))
+        throw Fault(Error::InvalidPropertyValue);
+    return program;
+}
+
+int MidiForm::KeptTempo() const
+{
+    return HeldTempo(Setting("Tempo", FindMode(tune.NumStrings)->Tempo));
+}
+
+double MidiForm::Setting(const char* key, int byDefault) const
+{
+    return Val(platform.settings.Get(Section(), key, std::to_string(byDefault)));
+}
+
+std::string MidiForm::TuningPath() const
+{
+    return platform.system.ProgramFolder() + "/" + FindMode(tune.NumStrings)->TuningFile;
+}
+
+Sound MidiForm::SoundNow() const
+{
+    Sound sound;
+    if (Loaded) {
+        sound.Tempo = controls.HSlider1;
+        sound.Instrument = controls.Combo2Index;
+        sound.OpenPitch = OpenPitch;
+        return sound;
+    }
+    Tunings rows;
+    const int count = quillon::LoadTunings(TuningPath(), tune.NumStrings, rows);
+    sound.Tempo = KeptTempo();
+    sound.Instrument = KeptInstrument();
+    sound.OpenPitch = OpenPitches(rows[KeptTuning(count)], 0);
+    return sound;
 }
 
 void MidiForm::Unload()
@@ -147,10 +183,7 @@ void MidiForm::CreateFile()
     }
     controls.txtFile = path;
     Changed();  // if the build fails, the name is visible behind the message box
-    Sound sound;
-    sound.Tempo = controls.HSlider1;
-    sound.Instrument = controls.Combo2Index;
-    sound.OpenPitch = OpenPitch;
+    const Sound sound = SoundNow();
     platform.system.SetWaitCursor(true);
     MidiFileWriter writer;
     writer.FileName = path;

@@ -84,11 +84,23 @@ public:
     void cmdStop();
     void cmdExit() { Unload(); }
 
+    /// What a file would be built with: as the form stands or, while it is not open, as it would
+    /// open.
+    Sound SoundNow() const;
+
+    /// Whether the player is playing the file, or stands still in it.
+    bool IsPlaying() const { return Loaded && controls.cmdStopEnabled; }
+
     /// Sets the player's buttons: true while it is at rest, false while it plays.
     void EnablePlayUI(bool fEnable);
 
 private:
     void LoadTunings();
+    int KeptTuning(int count) const;
+    int KeptInstrument() const;
+    int KeptTempo() const;
+    double Setting(const char* key, int byDefault) const;
+    std::string TuningPath() const;
     std::string Section() const;
     std::string FileToBuild() const;
     void CreateFile();

@@ -55,8 +55,7 @@ std::optional<int> PageFormatter::Run()
         if (line.k <= 0)
             return tune[i].Measure;
         SpreadLine();
-        LineFurniture(line).Draw();
-        noteColumns.Draw();
+        DrawLine(i);
         FinishLine(i + line.k - 1);
     }
     return std::nullopt;
@@ -294,6 +293,42 @@ void PageFormatter::SpreadLine()
         line.Attempt([&] { line.LineRight = last.XPos + kRoomAfterLongRest * unit; });
 }
 
+void PageFormatter::DrawLine(int firstRecord)
+{
+    const double top = line.PenY;
+    const auto drawnBefore = std::ssize(line.surface->Picture().Operations());
+    LineFurniture(line).Draw();
+    const double staffTop = line.PenY;
+    const int staffEnd = line.LineRight;  // the notes' pass forgets it
+    noteColumns.Draw();
+    if (!OnLine)
+        return;
+    const std::vector<Operation>& drawn = line.surface->Picture().Operations();
+    OnLine({
+        0,
+        top,
+        staffTop,
+        line.LineBottom,
+        PlaceMeasures(firstRecord, staffEnd),
+        {drawn.begin() + drawnBefore, drawn.end()}
+    });
+}
+
+std::vector<PlacedMeasure> PageFormatter::PlaceMeasures(int firstRecord, int staffEnd)
+{
+    std::vector<PlacedMeasure> measures;
+    double right = staffEnd;
+    for (int n = line.k; n >= 1; --n) {
+        if (!line.columns[n].IsHead())
+            continue;
+        const double left = n == 1 ? line.values.LineLeft : int{line.columns[n].XPos};
+        measures.push_back({firstRecord + n - 1, left, right});
+        right = left;
+    }
+    std::ranges::reverse(measures);
+    return measures;
+}
+
 void PageFormatter::FinishLine(int lastRecord)
 {
     line.PenY = line.LineBottom + line.values.LineDistance;
@@ -308,7 +343,8 @@ void PageFormatter::FinishLine(int lastRecord)
     }
 }
 
-std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageView& pages)
+std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageView& pages,
+                               std::vector<PlacedLine>* lines)
 {
     pages.BlankPages();
     Int16 pageIndex;
@@ -330,7 +366,26 @@ std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageV
         pages.PageMax = pageIndex;
         return begin(pageIndex);
     });
+    if (lines) {
+        formatter.OnLine = [&](PlacedLine line) {
+            line.Page = pageIndex;
+            lines->push_back(std::move(line));
+        };
+    }
     return formatter.Run();
+}
+
+std::vector<PlacedLine> PlaceLines(const Tune& tune, const PageSettings& page,
+                                   const TextMetrics& metrics)
+{
+    std::vector<PlacedLine> lines;
+    PageView pages(metrics);
+    try {
+        LayOutPages(tune, page, pages, &lines);
+    } catch (const Fault&) {
+        // A tenth page: what came before it is on the screen.
+    }
+    return lines;
 }
 
 }  // namespace quillon

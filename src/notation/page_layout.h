@@ -10,6 +10,7 @@
 #include "notation/note_columns.h"
 #include "notation/page_line.h"
 #include "notation/page_view.h"
+#include "notation/placed_lines.h"
 
 #include <functional>
 #include <optional>
@@ -22,6 +23,9 @@ public:
     PageFormatter(const Tune& theTune, const PageSettings& pageSettings,
                   const LayoutValues& layoutValues, DrawSurface& firstPage,
                   std::function<DrawSurface&()> beginFurtherPage);
+
+    /// Hears of each line, when it has been drawn.
+    std::function<void(PlacedLine)> OnLine;
 
     /// Returns the number of a measure that is too wide for a line, at which the run stopped.
     std::optional<int> Run();
@@ -43,6 +47,8 @@ private:
     void CutToCapacity();
     void SetPlainBars();
     void SpreadLine();
+    void DrawLine(int firstRecord);
+    std::vector<PlacedMeasure> PlaceMeasures(int firstRecord, int staffEnd);
     void FinishLine(int lastRecord);
     void Widen(NoteRecord& column, int units);
 
@@ -55,7 +61,13 @@ private:
 
 /// Draws the tune on the page surfaces and sets PageMax when a page is added. Returns the number of
 /// a measure that is too wide for a line, at which the run stopped; what was drawn before it stays.
-/// A tenth page is a control-array Fault.
-std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageView& pages);
+/// A tenth page is a control-array Fault. Appends to `lines` where each line is.
+std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageView& pages,
+                               std::vector<PlacedLine>* lines = nullptr);
+
+/// The lines of the tune as LayOutPages draws them. Of a tune that it cannot lay out, those before
+/// the fault.
+std::vector<PlacedLine> PlaceLines(const Tune& tune, const PageSettings& page,
+                                   const TextMetrics& metrics);
 
 }  // namespace quillon

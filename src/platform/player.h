@@ -1,4 +1,4 @@
-// Plays a finished MIDI file through the sound device.
+// Plays MIDI files through the sound device.
 
 #pragma once
 
@@ -14,15 +14,25 @@ public:
     /// Opens the synthesizer and the sound device; false when there is no working sound.
     virtual bool Init() = 0;
 
+    /// What keeps it from working, in a sentence, when Init has said so.
+    virtual std::string Trouble() const = 0;
+
     /// Stops and releases everything. Never fails; Init may follow.
     virtual void Close() = 0;
 
     /// Takes the file at `path` as the tune to play. An unreadable file is a Fault.
     virtual void Load(const std::string& path) = 0;
+
+    /// The same with the bytes of a file.
+    virtual void LoadBytes(const std::string& midi) = 0;
     virtual bool HasTune() const = 0;
 
     virtual void Play(bool forEver) = 0;
     virtual void Stop() = 0;
+
+    /// The tick of the tune that is heard at this moment, while it plays: later than the one that
+    /// has been made ready for the device. What plays for ever counts from 0 again each time.
+    virtual int TickHeard() const = 0;
 
     /// Factor on the file's own tempo, effective at once; 0 pauses. 1 after Init.
     virtual void SetTempoFactor(double factor) = 0;

@@ -90,7 +90,7 @@ bool IsArrow(const QKeyEvent& key)
 }  // namespace
 
 EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
-                           std::string theCommandLine)
+                           Player& stripPlayer, std::string theCommandLine)
     : win(mainWin), system(theSystem), runner(theRunner), commandLine(std::move(theCommandLine)),
       ui(std::make_unique<Ui::MainWin>()), otherForms(*this, win, runner)
 {
@@ -111,7 +111,7 @@ EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRun
     Timer1.setObjectName("Timer1");
     Timer1.setInterval(kTimer1Milliseconds);
     menus = std::make_unique<MenuBar>(*ui->menuBar, win, runner);
-    AddStrip();
+    AddStrip(stripPlayer);
     ConnectControls();
     ui->picPage->Connect(win.pages, runner, *ui->vsbPage);
     runner.ShowForm = [this] { ShowForm(); };
@@ -131,9 +131,10 @@ EditorWindow::EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRun
 EditorWindow::~EditorWindow() = default;
 
 /// From here on menuBar() must not be called: it would put an empty one in the row's place.
-void EditorWindow::AddStrip()
+void EditorWindow::AddStrip(Player& player)
 {
-    strip = new Strip(win, runner, this);
+    hearing = std::make_unique<Hearing>(win, runner, *ui->picPage, player);
+    strip = new Strip(win, runner, *hearing, this);
     layout()->setMenuBar(nullptr);
     setMenuWidget(new MenuRow(ui->menuBar, strip, this));
     ShowLook();
@@ -245,6 +246,7 @@ void EditorWindow::closeEvent(QCloseEvent* event)
 void EditorWindow::End()
 {
     ended = true;
+    hearing->Stop();
     Timer1.stop();
     placeTimer.stop();
     hide();
@@ -351,11 +353,12 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event)
             runner.RunBeginning("Focus change", [&] { win.editor.SetFocus(control); });
     }
     // A menu's shortcut is the menu's, though a text box would take Ctrl+C. Ctrl+Y is the box's, as
-    // the other keys of undo and redo are by themselves.
+    // the other keys of undo and redo are by themselves, and so is Escape.
     if (event->type() == QEvent::ShortcutOverride && watched == txtRptBracket) {
         const auto& key = *static_cast<QKeyEvent*>(event);
-        event->setAccepted(IsCtrlY(key));
-        return IsShortcut(key) || IsCtrlY(key);
+        const bool isTheBoxes = IsCtrlY(key) || key.key() == Qt::Key_Escape;
+        event->setAccepted(isTheBoxes);
+        return IsShortcut(key) || isTheBoxes;
     }
     if (event->type() == QEvent::KeyPress)
         return KeyIsTaken(watched, *static_cast<QKeyEvent*>(event));
@@ -423,6 +426,7 @@ void EditorWindow::ShowForm()
     ShowFocus();
     ShowControls();
     ui->StaffBox->Tell(words);
+    hearing->Observe();
     strip->Show();
     if (win.form.Timer1Enabled != Timer1.isActive())
         win.form.Timer1Enabled ? Timer1.start() : Timer1.stop();

@@ -29,8 +29,9 @@ class EditorWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    /// All three must outlive the window. `theCommandLine` is the text after the program's name.
-    EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner,
+    /// All must outlive the window. `stripPlayer` is for the strip alone; `theCommandLine` is the
+    /// text after the program's name.
+    EditorWindow(MainWin& mainWin, QtSystem& theSystem, Runner& theRunner, Player& stripPlayer,
                  std::string theCommandLine);
     ~EditorWindow() override;
 
@@ -65,7 +66,7 @@ protected:
 private:
     bool KeyIsTaken(const QObject* widget, QKeyEvent& key);
     void ConnectControls();
-    void AddStrip();
+    void AddStrip(Player& player);
     void ShowLook();
     void StaffBoxKey(int keyCode, const std::string& characters);
     void FitStaff();
@@ -87,6 +88,7 @@ private:
     QTimer Timer1{this};
     QTimer placeTimer;  // settings are written when they change, and the place when it rests
     std::unique_ptr<MenuBar> menus;
+    std::unique_ptr<Hearing> hearing;
     Strip* strip = nullptr;
     OtherForms otherForms;
     bool activated = false;  // the first activation has been

@@ -23,6 +23,16 @@ void Tell(std::function<void()> listener)
         listener();
 }
 
+constexpr std::size_t kDivisionAt = 12;  // in a MIDI file, two bytes
+
+int TicksPerQuarter(const std::string& midi)
+{
+    if (midi.size() < kDivisionAt + 2)
+        return 0;
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(midi[at]); };
+    return byte(kDivisionAt) * 256 + byte(kDivisionAt + 1);
+}
+
 }  // namespace
 
 FluidPlayer::FluidPlayer(std::chrono::milliseconds silence)
@@ -38,6 +48,9 @@ bool FluidPlayer::Init()
     synth = MakeSynth(settings.get());
     if (synth && OpenDriver())
         return true;
+    trouble = synth                     ? "No sound device can be opened."
+              : FindSoundFont().empty() ? "No SoundFont is installed."
+                                        : "The SoundFont cannot be read.";
     Close();
     return false;
 }
@@ -71,7 +84,11 @@ void FluidPlayer::Close()
 
 void FluidPlayer::Load(const std::string& path)
 {
-    const std::string midi = ReadFileBytes(path);
+    LoadBytes(ReadFileBytes(path));
+}
+
+void FluidPlayer::LoadBytes(const std::string& midi)
+{
     if (!IsMidiFile(midi))
         throw Fault(Error::PathFileAccess, "The file is not a MIDI file.");
     Stop();
@@ -85,6 +102,7 @@ void FluidPlayer::Load(const std::string& path)
     fluid_player_add_mem(player.get(), midi.data(), midi.size());
     stage = Stage(synth.get(), TimedEventsOf(midi));
     stage.Follow(player.get());
+    ticksPerQuarter = TicksPerQuarter(midi);
     fluid_player_set_tick_callback(player.get(), &FluidPlayer::OnTick, this);
     OpenDriver();
 }
@@ -116,6 +134,34 @@ void FluidPlayer::Stop()
     listening.stop();
     if (player)
         fluid_player_stop(player.get());
+}
+
+int FluidPlayer::TickHeard() const
+{
+    if (!player)
+        return 0;
+    const double quarterSeconds = fluid_player_get_midi_tempo(player.get()) / 1e6;
+    const double ahead = BufferedSeconds() / quarterSeconds * ticksPerQuarter;
+    return std::max(0, fluid_player_get_current_tick(player.get()) - static_cast<int>(ahead));
+}
+
+/// How long after it has been made sound is heard. A sound server adds a little, which nobody
+/// tells; a sound file is judged by what is in it.
+double FluidPlayer::BufferedSeconds() const
+{
+    char* driverName = nullptr;
+    fluid_settings_dupstr(settings.get(), "audio.driver", &driverName);
+    const bool intoFile = driverName && std::string_view(driverName) == "file";
+    fluid_free(driverName);
+    if (intoFile)
+        return 0;
+    int periods = 0;
+    int periodSize = 0;
+    double rate = 1;
+    fluid_settings_getint(settings.get(), "audio.periods", &periods);
+    fluid_settings_getint(settings.get(), "audio.period-size", &periodSize);
+    fluid_settings_getnum(settings.get(), "synth.sample-rate", &rate);
+    return periods * periodSize / rate;
 }
 
 void FluidPlayer::SetTempoFactor(double factor)

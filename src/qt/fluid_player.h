@@ -31,16 +31,20 @@ public:
     ~FluidPlayer() override { Close(); }
 
     bool Init() override;
+    std::string Trouble() const override { return trouble; }
     void Close() override;
     void Load(const std::string& path) override;
+    void LoadBytes(const std::string& midi) override;
     bool HasTune() const override { return player != nullptr; }
     void Play(bool forEver) override;
     void Stop() override;
+    int TickHeard() const override;
     void SetTempoFactor(double factor) override;
     void SetVolume(int hundredthsOfDecibel) override;
 
 private:
     bool OpenDriver();
+    double BufferedSeconds() const;
     void Listen();
     void Ended(int playNumber);
     static int OnTick(void* self, int tick);
@@ -51,6 +55,8 @@ private:
     FluidPtr<fluid_player_t> player;
     FluidPtr<fluid_audio_driver_t> driver;  // goes first, see Load
 
+    std::string trouble;      // of the last Init
+    int ticksPerQuarter = 1;  // of the tune
     double tempoFactor = 1;
     bool playing = false;  // from Play to Stop or the end, also while it is halted
     int plays = 0;         // numbers them, so that a late end is told from the present play's

@@ -9,6 +9,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace quillon {
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int kScrollStep = 300;  // twips
 constexpr int kDeskMargin = 12;   // pixels above the page and beside it
+constexpr int kBandOpacity = 70;  // of 255
 constexpr int kPaperWidth = static_cast<int>(kPageWidth / kScreenDot);
 constexpr int kPaperHeight = static_cast<int>(kPageHeight / kScreenDot);
 
@@ -54,6 +56,8 @@ void PageArea::Show()
         now.push_back({page.Visible, page.Top, page.Surface.Picture().Revision()});
     if (now == seen)
         return;
+    if (AreMoved(seen, now))
+        TakeBack();
     seen = std::move(now);
     update();
 }
@@ -64,8 +68,55 @@ void PageArea::SetLook(Look newLook)
     update();
 }
 
+bool PageArea::AreMoved(const std::vector<Seen>& before, const std::vector<Seen>& now)
+{
+    return !std::ranges::equal(before, now, [](const Seen& a, const Seen& b) {
+        return a.visible == b.visible && a.top == b.top;
+    });
+}
+
+void PageArea::ShowBand(const std::optional<Band>& newBand)
+{
+    if (newBand == band)
+        return;
+    for (const std::optional<Band>& changed : {std::exchange(band, newBand), newBand})
+        if (changed)
+            update(Place(*changed));
+}
+
+void PageArea::Lead(const std::optional<PageWindow>& window)
+{
+    if (std::exchange(led, window) != window)
+        update();
+}
+
+void PageArea::TakeBack()
+{
+    if (!led)
+        return;
+    Lead(std::nullopt);
+    emit TakenBack();
+}
+
+PageWindow PageArea::InView() const
+{
+    if (led)
+        return *led;
+    PageWindow window;
+    for (int i = 0; i < kPageCount; ++i)
+        if (pages->picPage1[i].Visible)
+            window = {i, -pages->picPage1[i].Top};  // the last one lies on top
+    return window;
+}
+
+double PageArea::HeightInView() const
+{
+    return (height() - kDeskMargin) * kScreenDot;
+}
+
 void PageArea::wheelEvent(QWheelEvent* event)
 {
+    TakeBack();
     QCoreApplication::sendEvent(vsbPage, event);
 }
 
@@ -73,23 +124,46 @@ void PageArea::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), palette().mid());
-    for (const PageSurface& page : pages->picPage1)
-        if (page.Visible)
-            PaintPage(painter, page);
+    if (led) {
+        PaintPage(painter, led->Page, -led->Top);
+        return;
+    }
+    for (int i = 0; i < kPageCount; ++i)
+        if (pages->picPage1[i].Visible)
+            PaintPage(painter, i, pages->picPage1[i].Top);
 }
 
-QRect PageArea::Paper(const PageSurface& page) const
+QRect PageArea::Paper(double top) const
 {
     const int left = std::max(kDeskMargin, (width() - kPaperWidth) / 2);
-    const int top = kDeskMargin + static_cast<int>(page.Top / kScreenDot);
-    return {left, top, kPaperWidth, kPaperHeight};
+    return {left, kDeskMargin + static_cast<int>(top / kScreenDot), kPaperWidth, kPaperHeight};
 }
 
-void PageArea::PaintPage(QPainter& painter, const PageSurface& page)
+/// The top of a page against that of the desk.
+double PageArea::TopOf(int index) const
 {
-    const QRect paper = Paper(page);
+    return led && led->Page == index ? -led->Top : pages->picPage1[index].Top;
+}
+
+QRect PageArea::Place(const Band& onPage) const
+{
+    const QRectF place(onPage.Left / kScreenDot, onPage.Top / kScreenDot,
+                       (onPage.Right - onPage.Left) / kScreenDot,
+                       (onPage.Bottom - onPage.Top) / kScreenDot);
+    return place.translated(Paper(TopOf(onPage.Page)).topLeft()).toAlignedRect();
+}
+
+void PageArea::PaintPage(QPainter& painter, int index, double top)
+{
+    const PageSurface& page = pages->picPage1[index];
+    const QRect paper = Paper(top);
     painter.fillRect(paper.adjusted(-1, -1, 1, 1), palette().dark());
     painter.fillRect(paper, Qt::white);
+    if (band && band->Page == index) {
+        QColor color = palette().color(QPalette::Active, QPalette::Highlight);
+        color.setAlpha(kBandOpacity);
+        painter.fillRect(Place(*band), color);
+    }
     painter.save();
     painter.setClipRect(paper);
     painter.translate(paper.topLeft());
@@ -101,15 +175,19 @@ void PageArea::PaintPage(QPainter& painter, const PageSurface& page)
 QPointF PageArea::PlaceOn(int index, const QPointF& place) const
 {
     const PageSurface& page = pages->picPage1[static_cast<std::size_t>(index)];
-    return (place - QPointF(Paper(page).topLeft())) * kScreenDot;
+    return (place - QPointF(Paper(page.Top).topLeft())) * kScreenDot;
 }
 
 void PageArea::mousePressEvent(QMouseEvent* event)
 {
     touched = -1;
+    if (led) {
+        TakeBack();  // the click was meant for a page that the form does not show
+        return;
+    }
     for (int i = 0; i < kPageCount; ++i) {
         const PageSurface& page = pages->picPage1[static_cast<std::size_t>(i)];
-        if (page.Visible && Paper(page).contains(event->pos()))
+        if (page.Visible && Paper(page.Top).contains(event->pos()))
             touched = i;  // the one on top
     }
     if (touched < 0)

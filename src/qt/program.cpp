@@ -44,7 +44,7 @@ bool Program::Start()
     runner.Run("Start", [&] { loaded = win.Load(); });
     if (!loaded)
         return false;
-    window = std::make_unique<EditorWindow>(win, system, runner, commandLine);
+    window = std::make_unique<EditorWindow>(win, system, runner, stripPlayer, commandLine);
     exchange.emplace(win, runner, dialogs, window.get());
     window->ImportFile = [this](const std::string& path) { exchange->ImportFile(path); };
     window->More().Import = [this] { exchange->Import(); };

@@ -34,7 +34,8 @@ public:
     QtSystem system;
     QtPrinter printer{runner, settings};
     QtClipboard clipboard{settings};
-    LoadedPlayer player;
+    LoadedPlayer player;       // the MIDI form's
+    LoadedPlayer stripPlayer;  // sounds on its own
     LoadedMidiPorts midiPorts;
     FontMetrics metrics;
     MainWin win{

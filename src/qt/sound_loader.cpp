@@ -41,6 +41,11 @@ bool LoadedPlayer::Init()
     return player->Init();
 }
 
+std::string LoadedPlayer::Trouble() const
+{
+    return player ? player->Trouble() : "The sound module or one of its libraries is missing.";
+}
+
 void LoadedPlayer::Close()
 {
     if (player)
@@ -52,6 +57,13 @@ void LoadedPlayer::Load(const std::string& path)
     if (!player)
         throw Fault(Error::ObjectRequired);
     player->Load(path);
+}
+
+void LoadedPlayer::LoadBytes(const std::string& midi)
+{
+    if (!player)
+        throw Fault(Error::ObjectRequired);
+    player->LoadBytes(midi);
 }
 
 bool LoadedPlayer::HasTune() const
@@ -69,6 +81,11 @@ void LoadedPlayer::Stop()
 {
     if (player)
         player->Stop();
+}
+
+int LoadedPlayer::TickHeard() const
+{
+    return player ? player->TickHeard() : 0;
 }
 
 void LoadedPlayer::SetTempoFactor(double factor)

@@ -13,11 +13,14 @@ namespace quillon {
 class LoadedPlayer : public Player {
 public:
     bool Init() override;
+    std::string Trouble() const override;
     void Close() override;
     void Load(const std::string& path) override;
+    void LoadBytes(const std::string& midi) override;
     bool HasTune() const override;
     void Play(bool forEver) override;
     void Stop() override;
+    int TickHeard() const override;
     void SetTempoFactor(double factor) override;
     void SetVolume(int hundredthsOfDecibel) override;
 

@@ -46,6 +46,22 @@ void PaintRedo(QPainter& painter)
     PaintUndo(painter);
 }
 
+void PaintPlay(QPainter& painter)
+{
+    painter.setBrush(painter.pen().color());
+    painter.drawPolygon(QPolygonF{
+        {4.5, 3.5 },
+        {4.5, 12.5},
+        {12,  8   }
+    });
+}
+
+void PaintStop(QPainter& painter)
+{
+    painter.setBrush(painter.pen().color());
+    painter.drawRect(QRectF(4, 4, 8, 8));
+}
+
 QString WithoutMnemonic(QString text)
 {
     return text.replace('&', "&&");
@@ -80,6 +96,8 @@ QString Details(const StateLine& line, bool withPage)
         text += " · " + QString::fromStdString(line.Page);
     if (!line.Measure.empty())
         text += " · " + QString::fromStdString(line.Measure);
+    if (!line.Sound.empty())
+        text += " · " + QString::fromStdString(line.Sound);
     return text;
 }
 
@@ -106,6 +124,12 @@ SignButton::SignButton(QAction* action, Sign theSign, QWidget* parent)
     setDefaultAction(action);
     setAutoRaise(true);
     setFocusPolicy(Qt::NoFocus);
+}
+
+void SignButton::SetSign(Sign newSign)
+{
+    if (std::exchange(sign, newSign) != newSign)
+        update();
 }
 
 void SignButton::paintEvent(QPaintEvent*)
@@ -166,30 +190,63 @@ void StateLabel::paintEvent(QPaintEvent*)
     PaintCaption(*this, WithoutMnemonic(text()), place, {});
 }
 
-Strip::Strip(MainWin& mainWin, Runner& theRunner, QWidget* parent)
-    : QWidget(parent), win(mainWin), runner(theRunner), label(new StateLabel(this)),
-      undo(AddStep("stripUndo", &History::Undo)), redo(AddStep("stripRedo", &History::Redo)),
-      icons{new SignButton(undo, PaintUndo, this), new SignButton(redo, PaintRedo, this)},
+Strip::Strip(MainWin& mainWin, Runner& theRunner, Hearing& theHearing, QWidget* parent)
+    : QWidget(parent), win(mainWin), runner(theRunner), hearing(theHearing),
+      label(new StateLabel(this)), undo(AddStep("stripUndo", &History::Undo)),
+      redo(AddStep("stripRedo", &History::Redo)), play(AddPlay()),
+      escape(new QShortcut(Qt::Key_Escape, parent)),
+      icons{new SignButton(undo, PaintUndo, this), new SignButton(redo, PaintRedo, this),
+            new SignButton(play, PaintPlay, this)},
       menu(new MoreMenu(mainWin, theRunner, this)), more(new MenuButton("Mo&re", menu, this))
 {
     setObjectName("strip");
     label->setObjectName("stripState");
     label->setTextFormat(Qt::PlainText);
     more->setObjectName("stripMore");
+    connect(escape, &QShortcut::activated, &hearing, &Hearing::Stop);
+    connect(&hearing, &Hearing::Changed, this, &Strip::Show);
+    ShowPlay();
     ShowText();
 }
 
-QAction* Strip::AddStep(const char* name, void (History::*go)(int))
+QAction* Strip::AddCommand(const char* name)
 {
     const StripCommand& command = FindStripCommand(name);
     auto* action = new QAction(command.Caption, this);
     action->setObjectName(name);
     action->setShortcuts(
         QKeySequence::listFromString(QString(command.Shortcuts).replace(", ", "; ")));
-    action->setEnabled(false);
-    connect(action, &QAction::triggered, this, [this, go] { Go(go); });
     addAction(action);
     return action;
+}
+
+QAction* Strip::AddStep(const char* name, void (History::*go)(int))
+{
+    QAction* action = AddCommand(name);
+    action->setEnabled(false);
+    connect(action, &QAction::triggered, this, [this, go] { Go(go); });
+    return action;
+}
+
+QAction* Strip::AddPlay()
+{
+    QAction* action = AddCommand("stripPlay");
+    connect(action, &QAction::triggered, &hearing, &Hearing::PlayOrStop);
+    return action;
+}
+
+/// What is there of a tune while a measure is being inserted is not the tune.
+void Strip::ShowPlay()
+{
+    const bool on = hearing.IsOn();
+    escape->setEnabled(on);
+    play->setEnabled(on || win.form.InputMode != InputMode::Insert);
+    const QString text = on ? "Stop" : FindStripCommand("stripPlay").Caption;
+    if (play->text() == text)
+        return;
+    play->setText(text);
+    play->setToolTip(text);
+    icons.last()->SetSign(on ? PaintStop : PaintPlay);
 }
 
 /// What is undone is to be seen: the large view, in which there is no staff, ends.
@@ -222,9 +279,11 @@ void Strip::Show()
         ShowStep(redo, redoName, steps->RedoName(), steps->RedoCount());
     }
     menu->ShowEnabled();
+    ShowPlay();
     RememberTune();
     TuneState now = StateOf(win, steps && steps->Changed());
     now.Trouble = runner.Trouble();
+    now.Sound = hearing.Trouble();
     if (now == state)
         return;
     state = std::move(now);
@@ -285,8 +344,8 @@ void Strip::resizeEvent(QResizeEvent* event)
             left -= iconWidth;
         (*icon)->setGeometry(left, 0, iconWidth, height());
     }
-    menu->ShowOnTop({undo, redo}, !haveRoom);
-    label->setGeometry(kGap, 0, std::max(left - 2 * kGap, 1), height());
+    menu->ShowOnTop({undo, redo, play}, !haveRoom);
+    label->setGeometry(kGap, 0, haveRoom ? std::max(left - 2 * kGap, 1) : 1, height());
     ShowText();
 }
 

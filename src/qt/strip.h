@@ -1,15 +1,17 @@
-// The strip at the right end of the menu bar's row: a line of state, Undo, Redo and More.
+// The strip at the right end of the menu bar's row: a line of state, Undo, Redo, Play and More.
 //
 // It looks at the program after each event and is no part of the form that is described by
 // MainForm: nothing in it takes the focus, and no handler knows of it.
 
 #pragma once
 
+#include "qt/hearing.h"
 #include "qt/more_menu.h"
 #include "qt/runner.h"
 #include "shell/state_line.h"
 
 #include <QLabel>
+#include <QShortcut>
 #include <QToolButton>
 #include <QWidget>
 
@@ -26,6 +28,8 @@ public:
     using Sign = void (*)(QPainter& painter);
 
     SignButton(QAction* action, Sign theSign, QWidget* parent);
+
+    void SetSign(Sign newSign);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -59,8 +63,8 @@ class Strip : public QWidget {
     Q_OBJECT
 
 public:
-    /// Both must outlive the strip.
-    Strip(MainWin& mainWin, Runner& theRunner, QWidget* parent);
+    /// All must outlive the strip.
+    Strip(MainWin& mainWin, Runner& theRunner, Hearing& theHearing, QWidget* parent);
 
     /// Shows what the program has come to. Writes only what differs.
     void Show();
@@ -77,7 +81,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    QAction* AddCommand(const char* name);
     QAction* AddStep(const char* name, void (History::*go)(int));
+    QAction* AddPlay();
+    void ShowPlay();
     void Go(void (History::*go)(int));
     void ShowStep(QAction* action, std::string& shown, const std::string& name, int count);
     void ShowText();
@@ -85,9 +92,12 @@ private:
 
     MainWin& win;
     Runner& runner;
+    Hearing& hearing;
     StateLabel* label;
     QAction* undo;
     QAction* redo;
+    QAction* play;
+    QShortcut* escape;  // while it plays
     QList<SignButton*> icons;
     MoreMenu* menu;
     MenuButton* more;

@@ -19,7 +19,8 @@ constexpr int kChannel = 0x0F;
 constexpr int kNoteOn = 0x90;
 constexpr int kProgramChange = 0xC0;
 
-/// The path of a General MIDI SoundFont, "" if there is none.
+}  // namespace
+
 std::string FindSoundFont()
 {
     const std::string named = Environment("QUILLON_SOUNDFONT");
@@ -34,8 +35,6 @@ std::string FindSoundFont()
     }
     return {};
 }
-
-}  // namespace
 
 std::string Environment(const char* name)
 {

@@ -24,9 +24,13 @@ template <typename T> using FluidPtr = std::unique_ptr<T, FluidDelete>;
 /// An environment variable, "" if it is not set.
 std::string Environment(const char* name);
 
+/// The path of a General MIDI SoundFont: the one that QUILLON_SOUNDFONT names, else the system's;
+/// "" if there is none.
+std::string FindSoundFont();
+
 FluidPtr<fluid_settings_t> MakeSettings(double gain);
 
-/// Null without a SoundFont: the one that QUILLON_SOUNDFONT names, else the system's.
+/// Null without a SoundFont that can be read.
 FluidPtr<fluid_synth_t> MakeSynth(fluid_settings_t* settings);
 
 bool IsMidiFile(const std::string& bytes);

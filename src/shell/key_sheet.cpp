@@ -12,6 +12,7 @@ namespace {
 constexpr StripCommand kStrip[] = {
     {"stripUndo",     "Undo",           "Ctrl+Z",               "Take the last step back"},
     {"stripRedo",     "Redo",           "Ctrl+Shift+Z, Ctrl+Y", "Take the step again that was undone last"},
+    {"stripPlay",     "Play",           "F5",                   "Play from the measure in view, or stop; Escape stops too"},
     {"stripSave",     "&Save",          "Ctrl+S",               "Save the tune; a new one under a name that is asked for"},
     {"stripImport",   "&Import...",     "",                     "Make a tune of another program's file"},
     {"stripCheck",    "&Check the Tune", "",                    "List what is wrong with the tune"},

@@ -459,6 +459,11 @@ void MainWin::ShowPages()
     }
 }
 
+std::vector<PlacedLine> MainWin::PlacesOf(const Tune& performed) const
+{
+    return PlaceLines(performed, page, metrics);
+}
+
 void MainWin::ReportTooWide(std::optional<int> measure)
 {
     if (measure)

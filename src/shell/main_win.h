@@ -11,6 +11,7 @@
 #include "midi/tuning_form.h"
 #include "notation/measure_view.h"
 #include "notation/page_view.h"
+#include "notation/placed_lines.h"
 #include "platform/platform.h"
 #include "shell/page_setup.h"
 #include "store/page_settings.h"
@@ -104,6 +105,9 @@ public:
 
     /// Shows the pages of a tune that another one has given way to. Nothing but the pages changes.
     void ShowPages();
+
+    /// Where a refresh would put the lines of this state of the tune.
+    std::vector<PlacedLine> PlacesOf(const Tune& performed) const;
 
     /// Path of a file in the program's own folder.
     std::string ProgramFile(const std::string& name) const;

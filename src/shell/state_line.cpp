@@ -84,6 +84,7 @@ StateLine LineOf(const TuneState& state)
         line.Measure = "measure " + std::to_string(state.Measure) + ": " +
                        BeatsInWords(std::abs(state.TicksTooMany), TicksPerBeat(state.BeatUnit)) +
                        (state.TicksTooMany > 0 ? " too long" : " too short");
+    line.Sound = state.Sound;
     return line;
 }
 

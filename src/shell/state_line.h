@@ -14,6 +14,7 @@ struct TuneState {
     std::string FileName;  // path, "" when the tune has none
     bool Changed = false;
     std::string Trouble;  // why its work is not being kept, "" if it is
+    std::string Sound;    // why nothing is heard, "" when nothing is wrong
     int Page = 0;         // the shown one, from 1
     int Pages = 0;        // 0: the tune has not been laid out
     int Measure = 0;
@@ -33,6 +34,7 @@ struct StateLine {
     std::string Changed;  // all others in UTF-8
     std::string Page;
     std::string Measure;
+    std::string Sound;
 };
 
 StateLine LineOf(const TuneState& state);

@@ -79,6 +79,33 @@ TEST_F(FluidPlayerTest, TellsTheEndOfATuneOnTheWindowsThread)
     EXPECT_LE(time, 1500);
 }
 
+TEST_F(FluidPlayerTest, TellsTheTickThatIsHeardWithin50Milliseconds)
+{
+    constexpr double kTicksPerSecond = 300 * 300 / 60.0;
+    constexpr double kBytesPerSecond = 44100 * 4;
+    ASSERT_TRUE(player.Init());
+    EXPECT_EQ(player.TickHeard(), 0);
+    player.LoadBytes(Midi(10));
+    player.Play(false);
+    for (int i = 0; i < 10; ++i) {
+        Wait(70);
+        const double seconds = player.TickHeard() / kTicksPerSecond;
+        const auto written = std::filesystem::file_size("played.wav");
+        EXPECT_NEAR(seconds, static_cast<double>(written) / kBytesPerSecond, 0.05);
+    }
+}
+
+TEST_F(FluidPlayerTest, SaysWhyThereIsNoSound)
+{
+    qputenv("QUILLON_AUDIO_DRIVER", "none");
+    EXPECT_FALSE(player.Init());
+    EXPECT_EQ(player.Trouble(), "No sound device can be opened.");
+    qputenv("QUILLON_SOUNDFONT", "missing.sf2");
+    EXPECT_FALSE(player.Init());
+    EXPECT_EQ(player.Trouble(), "The SoundFont cannot be read.");
+    qunsetenv("QUILLON_SOUNDFONT");
+}
+
 TEST_F(FluidPlayerTest, PlaysAgainAtOnceAfterTheEnd)
 {
     ASSERT_TRUE(player.Init());

@@ -44,6 +44,7 @@ class StripTest : public QObject, private WindowDesk {
     QAction* Action(const char* name) { return Window().findChild<QAction*>(name); }
     QAction* Undo() { return Action("stripUndo"); }
     QAction* Redo() { return Action("stripRedo"); }
+    QAction* Play() { return Action("stripPlay"); }
     QMenu* More() { return &Window().More(); }
     QLabel* State() { return Window().findChild<QLabel*>("stripState"); }
     QToolButton* MoreButton() { return Window().findChild<QToolButton*>("stripMore"); }
@@ -456,6 +457,75 @@ private slots:
         QCOMPARE(catcher.Taken.toLocalFile(), ManualFile());
     }
 
+    void F5PlaysAndF5OrEscapeOrTheButtonStops()
+    {
+        Open(TuneFile("three.gui"));
+        const auto isOn = [&] { return Play()->text() == "Stop"; };
+        QTest::keyClick(Staff(), Qt::Key_F5);
+        QVERIFY(isOn());
+        QCOMPARE(ButtonOf(Play())->toolTip(), QString("Stop"));
+        QTest::keyClick(Staff(), Qt::Key_F5);
+        QVERIFY(!isOn());
+        QTest::mouseClick(ButtonOf(Play()), Qt::LeftButton);
+        QVERIFY(isOn());
+        QTest::keyClick(Staff(), Qt::Key_Escape);
+        QVERIFY(!isOn());
+        QCOMPARE(Core().form.Saved, SavedState::Saved);  // it was no key of the staff's
+        QTest::keyClick(Staff(), Qt::Key_Escape);
+        QCOMPARE(Core().form.Saved, SavedState::Unsaved);
+        QVERIFY(Staff()->hasFocus());
+    }
+
+    void EscapeInTheBracketBoxBelongsToIt()
+    {
+        Open(TuneFile("three.gui"));
+        Action("mnuRepeatEnds")->trigger();
+        auto* box = Window().findChild<QLineEdit*>("txtRptBracket");
+        QTRY_VERIFY(box->hasFocus());
+        Play()->trigger();
+        QTest::keyClick(box, Qt::Key_Escape);
+        QCOMPARE(Play()->text(), QString("Stop"));
+        QTest::keyClick(box, Qt::Key_F5);
+        QCOMPARE(Play()->text(), QString("Play"));
+    }
+
+    void ItPlaysOnWhileNotesAreTyped()
+    {
+        qputenv("QUILLON_AUDIO_DRIVER", "file");
+        qputenv("QUILLON_AUDIO_FILE", "played.wav");
+        Open(TuneFile("three.gui"));
+        QTest::keyClick(Staff(), Qt::Key_F5);
+        QTRY_VERIFY(QFileInfo("played.wav").size() > 10000);
+        TypeMeasure();
+        QCOMPARE(Play()->text(), QString("Stop"));
+        QVERIFY(Staff()->hasFocus());
+    }
+
+    void WithoutSoundTheLineOfStateSaysWhyAndNothingElseHappens()
+    {
+        Open(TuneFile("three.gui"));
+        const auto line = [&] {
+            QTest::keyClick(Staff(), Qt::Key_F5);
+            if (!QTest::qWaitFor([&] { return Play()->text() == "Play"; }))
+                return QString("it plays");
+            return State()->accessibleName();
+        };
+        qputenv("QUILLON_SOUNDFONT", "missing.sf2");
+        QVERIFY(line().endsWith(" · The SoundFont cannot be read."));
+        qunsetenv("QUILLON_SOUNDFONT");
+        qputenv("QUILLON_AUDIO_DRIVER", "none");
+        QVERIFY(line().endsWith(" · No sound device can be opened."));
+        QVERIFY(Window().isVisible());
+        QVERIFY(!QApplication::activeModalWidget());
+    }
+
+    void NothingIsPlayedOfATuneWithAMeasureThatIsBeingInserted()
+    {
+        Open(TuneFile("three.gui"));
+        Action("mnuInsMeas")->trigger();
+        QVERIFY(!Play()->isEnabled());
+    }
+
     void ItTakesNoPartInTheTabOrder()
     {
         const QWidget* strip = FormNamed("strip");
@@ -484,8 +554,8 @@ private slots:
         for (int i = 0; i < strip->childCount(); ++i)
             if (!strip->child(i)->state().invisible)
                 names += strip->child(i)->text(QAccessible::Name);
-        QCOMPARE(names,
-                 QStringList({"three.gui · page 1 of 1", "Undo Open three.gui", "Redo", "More"}));
+        QCOMPARE(names, QStringList({"three.gui · page 1 of 1", "Undo Open three.gui", "Redo",
+                                     "Play", "More"}));
         QAccessibleInterface* row = strip->parent();
         QCOMPARE(row->child(0)->role(), QAccessible::MenuBar);
         QCOMPARE(row->parent(), QAccessible::queryAccessibleInterface(&Window()));
@@ -512,7 +582,7 @@ private slots:
         QCOMPARE(State()->toolTip(), State()->accessibleName());
         QVERIFY(State()->fontMetrics().horizontalAdvance(State()->text()) <= State()->width());
 
-        resize(menus + more + 70);
+        resize(menus + more + 100);
         QCOMPARE(State()->text(), QString());
         QVERIFY(ButtonOf(Undo())->isVisible());
         QVERIFY(!More()->actions().contains(Undo()));
@@ -521,6 +591,7 @@ private slots:
         QVERIFY(!ButtonOf(Undo())->isVisible());
         QCOMPARE(More()->actions()[0], Undo());
         QCOMPARE(More()->actions()[1], Redo());
+        QCOMPARE(More()->actions()[2], Action("stripPlay"));
         QTest::keyClicks(Staff(), "7");
         QTest::keyClick(Staff(), Qt::Key_Z, Qt::ControlModifier);  // the keys still work
         QCOMPARE(Core().tune.LastMeas, Int16(3));

@@ -149,7 +149,7 @@ public:
     {
         if (!win.Load())
             Fail("no start");
-        window = std::make_unique<EditorWindow>(win, system, runner, "");
+        window = std::make_unique<EditorWindow>(win, system, runner, stripPlayer, "");
         timer = window->findChild<QTimer*>("Timer1", Qt::FindDirectChildrenOnly);
         timer->setInterval(kNever);
         const auto open = system.OnShow;
@@ -204,6 +204,7 @@ public:
     NoPrinter printer;
     NoClipboard clipboard;
     NoPlayer player;
+    NoPlayer stripPlayer;
     NoMidiPorts midiPorts;
     FixedTextMetrics metrics;
     MainWin win{

@@ -164,6 +164,8 @@ class FakePlayer : public Player {
 public:
     bool Works = true;
     std::string Loaded;              // path of the tune, "" when there is none
+    std::string Midi;                // bytes of the tune that was loaded as such
+    int Tick = 0;                    // that is heard
     std::vector<std::string> Calls;  // in order
 
     bool Init() override
@@ -171,6 +173,8 @@ public:
         Calls.push_back("Init");
         return Works;
     }
+
+    std::string Trouble() const override { return "There is no sound."; }
 
     void Close() override
     {
@@ -184,7 +188,14 @@ public:
         Loaded = path;
     }
 
+    void LoadBytes(const std::string& midi) override
+    {
+        Calls.push_back("LoadBytes");
+        Midi = midi;
+    }
+
     bool HasTune() const override { return !Loaded.empty(); }
+    int TickHeard() const override { return Tick; }
     void Play(bool forEver) override { Calls.push_back(forEver ? "Play for ever" : "Play"); }
     void Stop() override { Calls.push_back("Stop"); }
 
