@@ -4,7 +4,8 @@
 set -eu
 
 build="build-essential ca-certificates cmake ninja-build ccache pkg-config
-       qt6-base-dev qt6-svg-dev libpugixml-dev libfluidsynth-dev libsndfile1-dev librtmidi-dev
+       qt6-base-dev qt6-svg-dev libpugixml-dev libminizip-dev zlib1g-dev
+       libfluidsynth-dev libsndfile1-dev librtmidi-dev
        libjack-jackd2-dev timgm6mb-soundfont python3 python3-fonttools python3-munkres python3-defcon
        fonts-liberation fonts-dejavu-core file"
 test="libgtest-dev libgmock-dev libbenchmark-dev qt6-base-private-dev clang-16 clang-tidy-16 libclang-rt-16-dev

@@ -5,11 +5,11 @@ _quillon_export()
     local cur prev words cword split
     _init_completion -s || return
 
-    local formats='pdf svg png mid wav ogg mp3 abc musicxml ly txt tune measure-log page-log print-log'
+    local formats='pdf svg png mid wav ogg mp3 abc musicxml mxl ly txt tune measure-log page-log print-log'
     case $prev in
     -o | --output | --tuning-file) _filedir ;;
     --format) COMPREPLY=($(compgen -W "$formats" -- "$cur")) ;;
-    --from) COMPREPLY=($(compgen -W 'abc musicxml mid txt' -- "$cur")) ;;
+    --from) COMPREPLY=($(compgen -W 'abc musicxml mxl mid txt' -- "$cur")) ;;
     --strings) COMPREPLY=($(compgen -W '4 5 6' -- "$cur")) ;;
     --center-title) COMPREPLY=($(compgen -W 'yes no' -- "$cur")) ;;
     --look) COMPREPLY=($(compgen -W 'engraved plain' -- "$cur")) ;;
@@ -23,7 +23,7 @@ _quillon_export()
                 --title-font --title-size --left --right --top --stave-space --center-title --look
                 --measures --crop --paper --no-empty-page --dpi --text --help' -- "$cur"))
         else
-            _filedir '@(gui|bjo|bss|abc|musicxml|xml|mid|txt)'
+            _filedir '@(gui|bjo|bss|abc|musicxml|xml|mxl|mid|midi|txt|tab)'
         fi
         ;;
     esac

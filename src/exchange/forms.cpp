@@ -4,8 +4,8 @@
 #include "exchange/abc_writer.h"
 #include "exchange/lilypond_writer.h"
 #include "exchange/midi_reader.h"
-#include "exchange/musicxml_reader.h"
 #include "exchange/musicxml_writer.h"
+#include "exchange/mxl.h"
 #include "exchange/text_tab_reader.h"
 #include "exchange/text_tab_writer.h"
 
@@ -16,11 +16,12 @@ namespace quillon {
 const std::vector<ExchangeForm>& ExchangeForms()
 {
     static const std::vector<ExchangeForm> forms = {
-        {"abc",      "",     "ABC",            ReadAbc,      WriteAbc,      Repeats::Followed},
-        {"musicxml", "xml",  "MusicXML",       ReadMusicXml, WriteMusicXml, Repeats::Jumps   },
-        {"mid",      "midi", "MIDI",           ReadMidi,     nullptr,       Repeats::Shown   },
-        {"ly",       "",     "LilyPond",       nullptr,      WriteLilyPond, Repeats::Followed},
-        {"txt",      "tab",  "text tablature", ReadTextTab,  WriteTextTab,  Repeats::Shown   },
+        {"abc",      "",     "ABC",             ReadAbc,     WriteAbc,      Repeats::Followed},
+        {"musicxml", "xml",  "MusicXML",        ReadMxl,     WriteMusicXml, Repeats::Jumps   },
+        {"mxl",      "",     "packed MusicXML", ReadMxl,     WriteMxl,      Repeats::Jumps   },
+        {"mid",      "midi", "MIDI",            ReadMidi,    nullptr,       Repeats::Shown   },
+        {"ly",       "",     "LilyPond",        nullptr,     WriteLilyPond, Repeats::Followed},
+        {"txt",      "tab",  "text tablature",  ReadTextTab, WriteTextTab,  Repeats::Shown   },
     };
     return forms;
 }

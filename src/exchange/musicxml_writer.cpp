@@ -98,9 +98,10 @@ std::string Empty(const std::string& name, const std::string& attributes = {})
     return "<" + name + (attributes.empty() ? "" : " " + attributes) + "/>";
 }
 
+/// Octaves are 0 to 9. What lies beyond, such as fret 99, can only be read by its string and fret.
 int OctaveOf(int pitch)
 {
-    return static_cast<int>(std::floor((pitch - kMiddleC) / 12.0)) + 4;
+    return std::clamp(static_cast<int>(std::floor((pitch - kMiddleC) / 12.0)) + 4, 0, 9);
 }
 
 std::string PitchText(int pitch)
@@ -450,7 +451,11 @@ private:
 
 std::string WriteMusicXml(const Music& music, Notices&)
 {
-    return ScoreWriter(music).Write();
+    if (!music.Measures.empty())
+        return ScoreWriter(music).Write();
+    Music silence = music;  // a part has a measure
+    silence.Measures.emplace_back().Events.emplace_back().Length = 4 * kQuarterUnits;
+    return ScoreWriter(silence).Write();
 }
 
 }  // namespace quillon

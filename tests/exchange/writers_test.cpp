@@ -87,6 +87,24 @@ TEST(WritersTest, LilyPondHasTheTuneAsWrittenAndAsItSounds)
     EXPECT_EQ(std::ranges::count(text, '|') - 1, 5);
 }
 
+TEST(WritersTest, MusicXmlHasAMeasureAndOctavesThatItsReadersKnow)
+{
+    Notices ignored;
+    EXPECT_NE(WriteMusicXml({}, ignored).find("<measure"), std::string::npos);
+    Music music;
+    MusicNote note;
+    note.Pitch = 64 + 99;
+    note.String = 1;
+    note.Fret = 99;
+    MusicEvent& event = music.Measures.emplace_back().Events.emplace_back();
+    event.Length = 4 * kQuarterUnits;
+    event.Notes = {note};
+    music.OpenPitches = {64, 59, 55, 50, 45, 40};
+    const std::string text = WriteMusicXml(music, ignored);
+    EXPECT_NE(text.find("<octave>9</octave>"), std::string::npos);
+    EXPECT_EQ(ReadMusicXml(text).at(0).Tune.Measures[0].Events[0].Notes[0].Fret, 99);
+}
+
 TEST(WritersTest, MusicXmlIsRefusedWithTheLine)
 {
     try {

@@ -34,6 +34,7 @@ TEST(ExportCommandTest, TheFormIsTheOutputsExtension)
              {"a.mp3",     "mp3"     },
              {"a.abc",     "abc"     },
              {"a.xml",     "musicxml"},
+             {"a.mxl",     "mxl"     },
              {"a.txt",     "txt"     },
              {"a.gui",     "tune"    },
              {"a.b.bjo",   "tune"    },
