@@ -172,7 +172,7 @@ for tune in examples/*.gui examples/*.bjo examples/*.bss; do
     check "$tune: title '$title' in the text" sh -c "pdftotext '$stem.pdf' - | grep -qF \"$title\""
     check "$tune: frets in the text" frets_stand_in_text "$stem.pdf"
     make "$stem.svg"
-    check "$tune: SVG is lean" test "$(stat -c %s "$stem.svg")" -lt 100000
+    check "$tune: SVG is lean" test "$(stat -c %s "$stem.svg")" -lt 130000
     check "$tune: SVG renders" sh -c "rsvg-convert '$stem.svg' -o '$stem-svg.png' 2>/dev/null"
     check "$tune: SVG is not blank" test "$(convert "$stem-svg.png" -threshold 50% -format '%[fx:mean<0.999]' info:)" = 1
     check "$tune: SVG has its texts as titles" sh -c "grep -qF \"<title>$title</title>\" '$stem.svg' && ! grep -q '<text' '$stem.svg'"

@@ -408,6 +408,14 @@ TUNES = (
         {break; remark Interlude} t [Am]5:0'p 3:2'i 2:1'm 1:0'a 2:1'm 3:2'i 4:2'p 3:2'i 2:1'm
         t [G]6:3'p 3:0'i 2:0'm 1:3'a 2:0'm 3:0'i 4:0'p 3:0'i 2:0'm
         t [D]4:0'p 3:2'i 2:3'm 1:2'a 2:3'm 3:2'i 4:0'p 3:2'i 2:3'm
+        as 19
+        {break} t [C]5:3'p 3:0'i 2:1'm 1:0'a 2:1'm 3:0'i 4:2'p 3:0'i 2:1'm
+        as 20
+        as 21
+        as 19
+        {break} as 19
+        as 23
+        as 20
         {dc-fine; double} t [Am]5:0'p 3:2'i 2:1'm q 1:0'a r
     """),
     Tune("auld_lang_syne", 6, "4/4", "Auld Lang Syne", ("Scottish, 18th century", "verse, chorus, variation and coda"), """
@@ -476,6 +484,10 @@ TUNES = (
         as 17
         e [C]1:10 1:9 1:7 1:5
         e [D7]1:4 1:0 1:2 1:4
+        q [G]5:0,1:5 r
+        {break} as 1
+        as 2
+        as 7
         {dc-fine; double} q [G]5:0,1:5 r
     """),
     Tune("amazing_grace", 5, "3/4", "Amazing Grace", ("American hymn tune, 1829", "with a second verse up the neck"), """

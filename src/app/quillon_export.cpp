@@ -321,7 +321,7 @@ bool CheckAll(const ExportCommand& command, const std::vector<TuneSource>& sourc
         const bool read = Try(source.Path, [&] {
             if (!source.IsForeign())
                 print(CheckFile(source.Path));
-            print(Load(command, source, metrics).Check());
+            print(Load(command, source, metrics).Check(command.Options));
         });
         clean = clean && read;
     }

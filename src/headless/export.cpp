@@ -210,9 +210,10 @@ std::string ExportedTune::MidiFile(const ExportOptions& options)
     return MidiFileBytes(win.tune, TuningsOf(options, numStrings), choices);
 }
 
-std::vector<Finding> ExportedTune::Check()
+std::vector<Finding> ExportedTune::Check(const ExportOptions& options)
 {
-    return CheckTune(win.tune, win.page, win.pages, metrics);
+    const int tempo = HeldTempo(options.Tempo.value_or(FindMode(win.tune.NumStrings)->Tempo));
+    return CheckTune(win.tune, win.page, win.pages, metrics, tempo);
 }
 
 std::string ExportedTune::Order()

@@ -86,7 +86,7 @@ public:
     std::string MidiFile(const ExportOptions& options);
 
     /// What is wrong with the tune, but for CheckTexts.
-    std::vector<Finding> Check();
+    std::vector<Finding> Check(const ExportOptions& options);
 
     /// The measures in the order in which they are played, separated by blanks. A tune that cannot
     /// be performed: as MidiFile.

@@ -37,6 +37,8 @@ enum class Role {
     Dot,     // behind a fret number
     Number,  // of a triplet, in a gap of its bracket
     Fingering,
+    Title,
+    Remark,  // or a sign's words, in the row above the chord names
 };
 
 struct Typeface {

@@ -106,7 +106,7 @@ void LineFurniture::PrintRemark(int n)
         PrintAtMeasureEnd(n, remark.substr(1));
     } else {
         surface.CurrentX = columns[n + 1].XPos;
-        surface.PrintLine(remark);
+        surface.PrintLine(remark, Role::Remark);
     }
 }
 
@@ -121,7 +121,7 @@ void LineFurniture::PrintAtMeasureEnd(int n, std::string_view text)
     const double width = surface.TextWidth(text);
     surface.Font = font;
     surface.CurrentX = columns[w].XPos + 2 * line.UnitSpacing - width;
-    surface.PrintLine(text);
+    surface.PrintLine(text, Role::Remark);
 }
 
 void LineFurniture::PrintChords()

@@ -89,7 +89,7 @@ void PageFormatter::PrintTitle()
         line.values.CenterTitle
             ? IntegerDivide(surface.Width - surface.TextWidth(title), 2) - kQuarterInch
             : line.values.LineLeft;
-    surface.PrintLine(title);
+    surface.PrintLine(title, Role::Title);
 }
 
 /// Both lines begin at one x; the longer one ends at the right margin.

@@ -31,13 +31,13 @@ QList<QKeySequence> Shortcuts(const StripCommand& command)
     return QKeySequence::listFromString(QString(command.Shortcuts).replace(", ", "; "));
 }
 
-QStringList ProblemsOf(Tune tune, PageSettings page)
+QStringList ProblemsOf(Tune tune, PageSettings page, int tempo)
 {
     const FontMetrics metrics;
     PageView pages(metrics);
     QStringList lines;
     for (const auto& findings :
-         {CheckTexts(TuneBytes(tune)), CheckTune(tune, page, pages, metrics)})
+         {CheckTexts(TuneBytes(tune)), CheckTune(tune, page, pages, metrics, tempo)})
         for (const Finding& finding : findings)
             lines += ToUnicode(finding.Text());
     return lines;
@@ -158,7 +158,7 @@ void MoreMenu::Save()
 
 void MoreMenu::Check()
 {
-    QStringList lines = ProblemsOf(win.tune, win.page);
+    QStringList lines = ProblemsOf(win.tune, win.page, win.midi.SoundNow().Tempo);
     if (lines.isEmpty())
         lines += "Nothing is wrong with this tune.";
     ShowLines(mainWindow, "Check the Tune", lines);

@@ -15,6 +15,11 @@ namespace {
 using Findings = std::vector<Finding>;
 
 constexpr std::size_t kItemsOfLine[] = {3, 4, 5, 1, 1, 1, 1, 1, 1};  // in a record
+constexpr int kNoteOn = 144;  // first of the status bytes of a MIDI event
+constexpr int kProgramChange = 192;
+constexpr double kHeardApart = 0.03;  // seconds: two strokes instead of one
+constexpr int kTempoStep = 24;        // of the tempos at which all notes are halved without a rest
+
 constexpr std::size_t kLinesOfRecord = std::size(kItemsOfLine);
 
 /// Takes the first line off `bytes`.
@@ -228,6 +233,66 @@ template <typename Part> void Try(Findings& findings, const std::string& failure
     }
 }
 
+void Append(Findings& findings, const Findings& more)
+{
+    findings.insert(findings.end(), more.begin(), more.end());
+}
+
+/// The ink of a title or remark, which is in a row of its own.
+struct PrintedText {
+    PrintedText(const Operation& op, const TextMetrics& metrics)
+        : Name((op.Part == Role::Title ? "the title " : "the remark ") + Quoted(op.Text)),
+          Top(op.Y1)
+    {
+        const InkBox ink = metrics.Ink(op.Text, op.TextFont);
+        Left = op.X1 + ink.Left * kTwips;
+        Right = op.X1 + ink.Right * kTwips;
+    }
+
+    bool RunsInto(const PrintedText& other) const
+    {
+        return Top == other.Top && Left < other.Right && other.Left < Right;
+    }
+
+    std::string Name;
+    double Top;
+    double Left;
+    double Right;
+};
+
+/// By how many ticks the strings are late at a time.
+struct Lateness {
+    Ticks Least;
+    Ticks Most;
+    int Measure;
+};
+
+/// For each time at which notes are due. What cannot be performed is left out.
+std::map<Ticks, Lateness> LatenessOf(Tune& tune, int tempo)
+{
+    std::map<Ticks, Lateness> late;
+    Sound sound{.Tempo = Int16(tempo), .OpenPitch = {}};
+    sound.OpenPitch.fill(1);  // any pitch that sounds
+    Performance performance(tune, sound, [&](int status, int, int velocity, int) {
+        if (status < kNoteOn || status >= kProgramChange || velocity == 0)
+            return;
+        const Ticks now = performance.Late();
+        Lateness& all =
+            late.try_emplace(performance.Due(), now, now, tune[tune.CurNote].Measure).first->second;
+        all.Least = std::min(all.Least, now);
+        all.Most = std::max(all.Most, now);
+    });
+    try {
+        for (int s = 1; s <= tune.NumStrings; ++s) {
+            performance.TrackString = s;
+            performance.BuildStringTrack();
+        }
+    } catch (const std::exception&) {
+        // CheckPerformance tells why.
+    }
+    return late;
+}
+
 }  // namespace
 
 std::string Finding::Text() const
@@ -325,20 +390,62 @@ std::vector<Finding> CheckPages(const Tune& tune, PageSettings& page, PageView& 
                                          : std::string("cannot be laid out: ") + fault.what()});
     }
     Try(findings, "cannot be printed: ", [&] {
-        if (const auto measure =
-                RunPrintPass(tune, page, metrics, kPageWidth, kPageHeight).TooWideMeasure)
-            findings.push_back({*measure, "is too wide for a printed line"});
+        const PrintedTune printed = RunPrintPass(tune, page, metrics, kPageWidth, kPageHeight);
+        if (printed.TooWideMeasure)
+            findings.push_back({*printed.TooWideMeasure, "is too wide for a printed line"});
+        Append(findings, CheckPaper(printed.Pages, metrics));
     });
     return findings;
 }
 
+std::vector<Finding> CheckPaper(const std::vector<Drawing>& printedPages,
+                                const TextMetrics& metrics)
+{
+    Findings findings;
+    for (std::size_t i = 0; i < printedPages.size(); ++i) {
+        const std::string where = "page " + std::to_string(i + 1) + ": ";
+        std::vector<PrintedText> above;  // the staves
+        for (const Operation& op : printedPages[i].Operations()) {
+            if (op.Part != Role::Title && op.Part != Role::Remark)
+                continue;
+            const PrintedText text(op, metrics);
+            if (text.Left < 0 || text.Right > kPageWidth)
+                findings.push_back({0, where + text.Name + " runs off the paper"});
+            for (const PrintedText& other : above)
+                if (text.RunsInto(other))
+                    findings.push_back({0, where + text.Name + " runs into " + other.Name});
+            above.push_back(text);
+        }
+    }
+    if (printedPages.size() > 1 && printedPages.back().Operations().empty())
+        findings.push_back({0, "the last printed page is empty"});
+    return findings;
+}
+
+std::vector<Finding> CheckTogether(Tune& tune, int tempo)
+{
+    const std::map<Ticks, Lateness> late = LatenessOf(tune, tempo);
+    const double ticksPerSecond = double{1} * tempo * tempo / 60;
+    const auto apart = std::ranges::find_if(late, [&](const auto& at) {
+        return static_cast<double>(at.second.Most - at.second.Least) > kHeardApart * ticksPerSecond;
+    });
+    if (apart == late.end())
+        return {};
+    const int better = std::clamp(Round(double{1} * tempo / kTempoStep), 2, 12) * kTempoStep;
+    return {
+        {apart->second.Measure, "from here on the strings drift apart at a tempo of " +
+                                    std::to_string(tempo) + "; multiples of 24, such as " +
+                                    std::to_string(better) + ", keep them together"}
+    };
+}
+
 std::vector<Finding> CheckTune(Tune& tune, PageSettings& page, PageView& pages,
-                               const TextMetrics& metrics)
+                               const TextMetrics& metrics, int tempo)
 {
     std::vector<Finding> findings = CheckRecords(tune);
-    for (const auto& more :
-         {CheckSigns(tune), CheckPerformance(tune), CheckPages(tune, page, pages, metrics)})
-        findings.insert(findings.end(), more.begin(), more.end());
+    for (const auto& more : {CheckSigns(tune), CheckPerformance(tune), CheckTogether(tune, tempo),
+                             CheckPages(tune, page, pages, metrics)})
+        Append(findings, more);
     return findings;
 }
 

@@ -1,5 +1,5 @@
 // What is wrong with a tune: what its file cannot hold, what its measures do not add up to, what
-// its repeats and signs never reach, and what fits no page.
+// its repeats and signs never reach, what fits no page, and what spoils one.
 //
 // None of it prevents a tune from being opened. A check finds what the eye and the ear would find
 // later, and changes nothing but the tune's CurNote and the pages.
@@ -48,9 +48,18 @@ std::vector<Finding> CheckPerformance(Tune& tune);
 std::vector<Finding> CheckPages(const Tune& tune, PageSettings& page, PageView& pages,
                                 const TextMetrics& metrics);
 
-/// All of the above but the texts.
+/// Texts that run into each other or off the paper, and an empty page at the end.
+std::vector<Finding> CheckPaper(const std::vector<Drawing>& printedPages,
+                                const TextMetrics& metrics);
+
+/// Strings that should sound together and are heard one after the other: each track's notes have
+/// whole ticks, and at most tempos half of an odd number of them is lost or gained with each
+/// hammer-on, pull-off and slide.
+std::vector<Finding> CheckTogether(Tune& tune, int tempo);
+
+/// All of the above but the texts, played at `tempo` beats per minute.
 std::vector<Finding> CheckTune(Tune& tune, PageSettings& page, PageView& pages,
-                               const TextMetrics& metrics);
+                               const TextMetrics& metrics, int tempo);
 
 /// The measures in the order in which the tune is played. One that cannot be performed is a Fault
 /// or a NeverEnding.

@@ -2,6 +2,7 @@
 
 #include "midi/performance.h"
 #include "notation/symbols.h"
+#include "store/sign_codes.h"
 #include "store/tune_file.h"
 #include "support/faults.h"
 #include "support/tunes.h"
@@ -24,6 +25,7 @@ Lines Texts(const std::vector<Finding>& findings)
 class CheckTest : public testing::Test {
 protected:
     Tune tune;
+    int tempo = 120;
 
     NoteRecord& Head(int measure)
     {
@@ -44,6 +46,8 @@ protected:
     Lines Signs() { return Texts(CheckSigns(tune)); }
     Lines Performance() { return Texts(CheckPerformance(tune)); }
 
+    Lines Together(int atTempo) { return Texts(CheckTogether(tune, atTempo)); }
+
     Lines Pages()
     {
         PageSettings page;
@@ -58,7 +62,7 @@ protected:
         PageSettings page;
         FixedTextMetrics metrics;
         PageView pages(metrics);
-        return Texts(CheckTune(tune, page, pages, metrics));
+        return Texts(CheckTune(tune, page, pages, metrics, tempo));
     }
 };
 
@@ -92,7 +96,9 @@ TEST_F(CheckTest, TheExamplesAreClean)
         EXPECT_EQ(Texts(CheckTexts(bytes)), Lines());
         ItemReader reader(bytes);
         ReadTune(reader, tune);
-        tune.NumStrings = FindModeOfExtension(extension.substr(1))->NumStrings;
+        const InstrumentMode* mode = FindModeOfExtension(extension.substr(1));
+        tune.NumStrings = mode->NumStrings;
+        tempo = mode->Tempo;
         EXPECT_EQ(All(), Lines());
         ++count;
     }
@@ -481,11 +487,77 @@ TEST_F(CheckTest, AMeasureTooWideForALineIsFoundOnScreenAndPaper)
 
 TEST_F(CheckTest, ATenthPageIsFound)
 {
-    AddFullMeasures(tune, 200);
+    AddFullMeasures(tune, 199);
     EXPECT_EQ(Pages(), Lines());
-    for (int measure = 2; measure <= 200; ++measure)
+    for (int measure = 2; measure <= 199; ++measure)
         Head(measure).Slot(6) = kLineBreak;
     EXPECT_EQ(Pages(), Lines{"has more than nine pages"});
+}
+
+TEST_F(CheckTest, ATitleThatRunsOffThePaperIsFound)
+{
+    AddFullMeasures(tune, 3);
+    tune[0].ChordText = std::string(40, 'M');
+    EXPECT_EQ(Pages(), Lines());
+    tune[0].ChordText = std::string(100, 'M');
+    EXPECT_EQ(Pages(), Lines{"page 1: the title \"" + tune[0].ChordText + "\" runs off the paper"});
+}
+
+TEST_F(CheckTest, ARemarkThatRunsIntoTheNextIsFound)
+{
+    AddFullMeasures(tune, 8);
+    Remark(2, "slowly");
+    Remark(3, "with feeling");
+    EXPECT_EQ(Pages(), Lines());
+    const std::string longest = "slowly, and as if nobody listened";
+    Remark(2, longest);
+    EXPECT_EQ(Pages(), Lines{"page 1: the remark \"with feeling\" runs into the remark \"" +
+                             longest + "\""});
+    Remark(3, "");
+    Sign(3, kDcAlFine);
+    EXPECT_EQ(Pages(), Lines{"page 1: the remark \"D.C. Al Fine\" runs into the remark \"" +
+                             longest + "\""});
+}
+
+TEST_F(CheckTest, AnEmptyPageAtTheEndIsFound)
+{
+    AddFullMeasures(tune, 3);
+    int measures = 3;
+    while (Pages().empty() && measures < 60)
+        AddFullMeasures(tune, 1), ++measures;
+    EXPECT_EQ(Pages(), Lines{"the last printed page is empty"});
+    for (int i = 0; i < 8; ++i)
+        AddFullMeasures(tune, 1);
+    EXPECT_EQ(Pages(), Lines());
+}
+
+// What sounds together
+
+TEST_F(CheckTest, StringsThatDriftApartAreFoundWhereTheyAreHeardToDoSo)
+{
+    for (int i = 0; i < 30; ++i) {
+        AddMeasure(tune);
+        for (int eighth = 0; eighth < 8; ++eighth) {
+            AddNote(tune, kEighth, 1, "3");
+            tune[tune.LastNote].Slot(2) = "1-3";
+        }
+    }
+    EXPECT_EQ(Together(130),
+              Lines{"measure 2: from here on the strings drift apart at a tempo of 130; multiples "
+                    "of 24, such as 120, keep them together"});
+    EXPECT_EQ(Together(132), Lines());  // halves of an eighth have 33 ticks
+    EXPECT_EQ(Together(120), Lines());
+    tune.LastNote = 9;  // the first measure, in which nobody hears it
+    EXPECT_EQ(Together(130), Lines());
+}
+
+TEST_F(CheckTest, WhatCannotBePlayedDoesNotDrift)
+{
+    AddFullMeasures(tune, 3);
+    Bar(1, kRepeatEnd);
+    Bracket(2, "3");
+    tune[2].Slot(2) = "99999";
+    EXPECT_EQ(Together(130), Lines());
 }
 
 TEST(OrderInRuns, JoinsMeasuresThatFollowEachOther)
