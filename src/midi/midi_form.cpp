@@ -87,18 +87,22 @@ std::string MidiForm::TuningPath() const
 Sound MidiForm::SoundNow() const
 {
     Sound sound;
+    sound.Tempo = TempoNow();
     if (Loaded) {
-        sound.Tempo = controls.HSlider1;
         sound.Instrument = controls.Combo2Index;
         sound.OpenPitch = OpenPitch;
         return sound;
     }
     Tunings rows;
     const int count = quillon::LoadTunings(TuningPath(), tune.NumStrings, rows);
-    sound.Tempo = KeptTempo();
     sound.Instrument = KeptInstrument();
     sound.OpenPitch = OpenPitches(rows[KeptTuning(count)], 0);
     return sound;
+}
+
+int MidiForm::TempoNow() const
+{
+    return Loaded ? controls.HSlider1 : KeptTempo();
 }
 
 void MidiForm::Unload()

@@ -87,6 +87,7 @@ public:
     /// What a file would be built with: as the form stands or, while it is not open, as it would
     /// open.
     Sound SoundNow() const;
+    int TempoNow() const;  // of it
 
     /// Whether the player is playing the file, or stands still in it.
     bool IsPlaying() const { return Loaded && controls.cmdStopEnabled; }

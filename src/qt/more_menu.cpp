@@ -158,7 +158,7 @@ void MoreMenu::Save()
 
 void MoreMenu::Check()
 {
-    QStringList lines = ProblemsOf(win.tune, win.page, win.midi.SoundNow().Tempo);
+    QStringList lines = ProblemsOf(win.tune, win.page, win.frmBldMidi.TempoNow());
     if (lines.isEmpty())
         lines += "Nothing is wrong with this tune.";
     ShowLines(mainWindow, "Check the Tune", lines);
