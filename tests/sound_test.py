@@ -235,13 +235,109 @@ def check_rendered(export, folder):
     return sum(good for _, good in results), sum(not good for _, good in results)
 
 
+# Practice
+
+TICKS = {1: 2, 3: 4, 4: 6, 6: 8, 7: 12, 8: 18, 9: 24, 11: 48, 99: 12}  # of codes, a quarter is 12
+
+# Each: the measures as bar, bracket, sign, remark and notes; options; the measures heard, by hand.
+QUARTERS = [(7, "3"), (7, "5"), (7, "8"), (7, "7")]
+CODA = [("", "", "", "", QUARTERS), ("98", "", "87", "", QUARTERS[:2] + [(9, "8")]),
+        ("99", "1", "", "", QUARTERS), ("", "2", "", "", QUARTERS), ("", "", "", "/To Coda", QUARTERS),
+        ("", "", "88", "", QUARTERS), ("", "", "", "", QUARTERS), ("", "", "84", "", [(9, "5"), (9, "3")])]
+TRIPLETS = [("", "", "", "", [(3, "3"), (3, "5"), (3, "7")] * 4), ("", "", "", "", [(6, "5")] * 3 + [(9, "3")])]
+TIES = [("", "", "", "", [(7, "3^"), (7, "3"), (4, "5"), (4, "7"), (7, "0^")]),
+        ("", "", "", "", [(7, "0"), (7, "5-7"), (9, "3")])]
+PRACTICE = [
+    ("repeat", [("", "", "", "", QUARTERS), ("99", "", "", "", QUARTERS), ("", "", "", "", QUARTERS)],
+     ["--speed", "80"], [1, 2, 1, 2, 3]),
+    ("endings", [("", "", "", "", QUARTERS), ("99", "1", "", "", QUARTERS), ("", "2", "", "", QUARTERS)],
+     ["--measures", "2-3", "--loop", "2"], [2, 1, 3] * 2),
+    ("D.S. al Coda", CODA, ["--measures", "5-8", "--speed", "150"], [5, 6, 2, 3, 2, 4, 5, 8]),
+    ("triplets", TRIPLETS, ["--loop", "3", "--count-in", "--speed", "60"], [1, 2] * 3),
+    ("ties", TIES, ["--loop", "2", "--measures", "1-2"], [1, 2] * 2)]
+
+
+def tune_of(measures):
+    text = record(0, 0, 0, 0)
+    for number, (bar, bracket, sign, remark, notes) in enumerate(measures, 1):
+        head = record(number, 999, slots=[sign, bracket, remark])
+        text += head.replace('0,"","', f'0,"{bar}","', 1)
+        text += "".join(record(number, code, slots=["", cell]) for code, cell in notes)
+    return text.encode("ascii")
+
+
+def expected_onsets(measures, order, tempo, options):
+    """Seconds at which notes begin, and the end."""
+    speed = int(options[options.index("--speed") + 1]) if "--speed" in options else 100
+    tick = 60000000 // tempo * 100 // speed / 1e6 / tempo
+    now, onsets, tied = 4 * tempo if "--count-in" in options else 0, [], False
+    for number in order:
+        for code, cell in measures[number - 1][4]:
+            if not tied:
+                onsets.append(now * tick)
+            tied = cell.endswith("^")
+            now += tempo * TICKS[code] // 12
+    return onsets, now * tick
+
+
+def lateness(samples, rate, told):
+    """Milliseconds by which a note is heard later than told, None if none is heard."""
+    at = round(told * rate)
+    before = peak(samples[max(0, at - 300):max(0, at - 100)])
+    after = peak(samples[at:at + 1000])
+    if len(samples) < at + 1000 or after < 2 * before:
+        return None
+    begin = max(0, at - 100)
+    first = next(i for i in range(begin, at + 1000) if abs(samples[i]) > before + 0.05 * after)
+    return 1000 * (first - at) / rate
+
+
+def check_practice(export, folder):
+    """On a marimba, whose notes begin at once, each is heard within 2 ms of its place."""
+    passed = failed = 0
+    tempo = 113  # notes are cut to whole ticks
+    for name, measures, options, order in PRACTICE:
+        tune = os.path.join(folder, "practice.gui")
+        with open(tune, "wb") as file:
+            file.write(tune_of(measures))
+        onsets, end = expected_onsets(measures, order, tempo, options)
+        for extension in ("wav", "ogg", "mp3") if name == "ties" else ("wav",):
+            sound = os.path.join(folder, f"practice.{extension}")
+            done = run(export, tune, "--tempo", str(tempo), "--instrument", "12", *options, "-o", sound)
+            left, _, rate = samples_of(sound) if done.returncode == 0 else ([0] * 44100 * 60, [], 44100)
+            late = [lateness(left, rate, onset) for onset in onsets]
+            length = len(left) / rate - 0.5
+            bad = [] if abs(length - end) < 0.03 else [("length", length - end)]
+            bad += [(round(told, 3), ms) for told, ms in zip(onsets, late) if ms is None or abs(ms) > 2]
+            passed += len(onsets) - len(bad)
+            failed += len(bad)
+            if bad:
+                print(f"failed: practice of {name}, {extension}: {done.stderr}{bad[:5]}")
+    return passed, failed
+
+
+def check_clicks(export, folder):
+    """As midicsv reads them: a count-in, then a click on each beat of each turn."""
+    tune, midi = os.path.join(folder, "click.gui"), os.path.join(folder, "click.mid")
+    with open(tune, "wb") as file:
+        file.write(tune_of([("", "", "", "", QUARTERS)]))
+    run(export, tune, "--tempo", "120", "--count-in", "--click", "--loop", "2", "-o", midi)
+    rows = [line.split(", ") for line in run("midicsv", midi).stdout.splitlines()]
+    clicks = [(int(r[1]), r[4]) for r in rows if r[2] == "Note_on_c" and r[3] == "9" and r[5] != "0"]
+    good = clicks == [(120 * beat, "77" if beat % 4 else "76") for beat in range(12)]
+    if not good:
+        print(f"failed: clicks {clicks}")
+    return (1, 0) if good else (0, 1)
+
+
 def main():
     export = os.path.abspath(sys.argv[1])
     count = int(sys.argv[2]) if len(sys.argv) > 2 else 200
     os.environ["QUILLON_SOUNDFONT"] = SOUNDFONT
     with tempfile.TemporaryDirectory() as folder:
         results = [check_readers(export, folder, count), check_pitches(export, folder),
-                   check_repeat(export, folder), check_rendered(export, folder)]
+                   check_repeat(export, folder), check_rendered(export, folder),
+                   check_practice(export, folder), check_clicks(export, folder)]
     passed, failed = (sum(r[i] for r in results) for i in (0, 1))
     print(f"{passed} passed, {failed} failed")
     sys.exit(1 if failed else 0)

@@ -15,13 +15,14 @@ _quillon_export()
     --look) COMPREPLY=($(compgen -W 'engraved plain' -- "$cur")) ;;
     --paper) COMPREPLY=($(compgen -W 'letter a4' -- "$cur")) ;;
     --tempo | --tuning | --capo | --position | --instrument | --*-font | --*-size | --left | \
-        --right | --top | --stave-space | --measures | --dpi | --help | -h) ;;
+        --right | --top | --stave-space | --measures | --dpi | --speed | --loop | --help | -h) ;;
     *)
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W '-o --output --check --order --format --from --strings --tempo
                 --tuning --tuning-file --capo --position --instrument --body-font --body-size
                 --title-font --title-size --left --right --top --stave-space --center-title --look
-                --measures --crop --paper --no-empty-page --dpi --text --help' -- "$cur"))
+                --measures --crop --paper --no-empty-page --dpi --text --speed --loop --count-in
+                --click --help' -- "$cur"))
         else
             _filedir '@(gui|bjo|bss|abc|musicxml|xml|mxl|mid|midi|txt|tab)'
         fi

@@ -34,11 +34,16 @@ const char* const kExportHelp =
     "  --capo C          fret of the capo, 0 to 12\n"
     "  --position L-H    frets between which notes without a fret are played\n"
     "  --instrument P    General MIDI program, counted from 0\n"
+    "  --speed P         of sound and MIDI files, per cent of the tempo, 20 to 300\n"
+    "  --loop N          they are played N times, 1 to 999\n"
+    "  --count-in        they begin with a measure of clicks\n"
+    "  --click           they have a click on each beat\n"
     "  --body-font NAME, --body-size S, --title-font NAME, --title-size S\n"
     "  --left I, --right I, --top I, --stave-space I   in inches\n"
     "  --center-title yes|no\n"
     "  --look L          how pages are painted: engraved, or plain as in the window\n"
-    "  --measures A-B    only these measures, without the heading and white space\n"
+    "  --measures A-B    only these measures: of pages, without the heading and white space,\n"
+    "                    else as they are played from A to B\n"
     "  --crop            without the white space around the music\n"
     "  --paper P         of a PDF, letter or a4; without it, the locale decides\n"
     "  --no-empty-page   leaves out the empty page at the end of some PDFs\n"
@@ -74,6 +79,14 @@ int Whole(const std::string& option, const std::string& text)
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size())
         Bad(option + " needs a whole number, not '" + text + "'");
+    return number;
+}
+
+int Whole(const std::string& option, const std::string& text, int lowest, int highest)
+{
+    const int number = Whole(option, text);
+    if (number < lowest || number > highest)
+        Bad(option + " must be " + std::to_string(lowest) + " to " + std::to_string(highest));
     return number;
 }
 
@@ -171,6 +184,11 @@ const std::map<std::string, Setter> kOptions = {
              Bad("--dpi must be 24 to 1200");
      }},
     {"--measures", [](auto& c, auto& name, auto& text) { c.Measures = Measures(name, text); }},
+    {"--speed",
+     [](auto& c, auto& name, auto& text) {
+         c.Speed = Whole(name, text, kSlowestPractice, kFastestPractice);
+     }},
+    {"--loop", [](auto& c, auto& name, auto& text) { c.Turns = Whole(name, text, 1, kMostTurns); }},
 };
 // clang-format on
 
@@ -182,16 +200,22 @@ const std::map<std::string, bool ExportCommand::*> kFlags = {
     {"--crop",          &ExportCommand::Crop       },
     {"--text",          &ExportCommand::KeepText   },
     {"--no-empty-page", &ExportCommand::NoEmptyPage},
+    {"--count-in",      &ExportCommand::CountIn    },
+    {"--click",         &ExportCommand::Click      },
 };
 
 /// Options that are nothing to most formats: without a word, they would seem to have worked.
 const std::map<std::string, std::string> kOnlyFor = {
-    {"--paper",         "pdf"             },
-    {"--no-empty-page", "pdf"             },
-    {"--dpi",           "png"             },
-    {"--text",          "svg"             },
-    {"--crop",          "pdf, svg and png"},
-    {"--measures",      "pdf, svg and png"},
+    {"--paper",         "pdf"                                 },
+    {"--no-empty-page", "pdf"                                 },
+    {"--dpi",           "png"                                 },
+    {"--text",          "svg"                                 },
+    {"--crop",          "pdf, svg and png"                    },
+    {"--measures",      "pdf, svg, png, mid, wav, ogg and mp3"},
+    {"--speed",         "mid, wav, ogg and mp3"               },
+    {"--loop",          "mid, wav, ogg and mp3"               },
+    {"--count-in",      "mid, wav, ogg and mp3"               },
+    {"--click",         "mid, wav, ogg and mp3"               },
 };
 
 void RefuseForFormat(const std::vector<std::string>& given, const std::string& format)

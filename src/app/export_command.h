@@ -37,6 +37,15 @@ struct ExportCommand {
     bool NoEmptyPage = false;        // at the end of a PDF
     bool Crop = false;
     std::optional<MeasureRange> Measures;
+    int Speed = 100;  // of sound, per cent
+    int Turns = 1;    // of it
+    bool CountIn = false;
+    bool Click = false;
+
+    PracticeChoices Practice() const
+    {
+        return {.Speed = Speed, .Turns = Turns, .CountIn = CountIn, .Click = Click};
+    }
 };
 
 /// Reads the arguments after the program's name. Bad usage: a std::invalid_argument whose what()

@@ -149,6 +149,14 @@ std::string ForeignFile(const ExportCommand& command, const std::string& path,
     return file;
 }
 
+std::string MidiFileOf(const ExportCommand& command, ExportedTune& tune)
+{
+    const PracticeChoices choices = command.Practice();
+    if (!command.Measures && choices == PracticeChoices{})
+        return tune.MidiFile(command.Options);
+    return tune.PracticeFile(command.Options, command.Measures, choices);
+}
+
 /// A tune in the given format: the bytes of one file, or of one file per page.
 std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSource& source)
 {
@@ -169,7 +177,7 @@ std::vector<std::string> MakeFiles(const ExportCommand& command, const TuneSourc
     if (format == "print-log")
         return {tune.PrintLog()};
     if (format == "mid" || IsSound(format))
-        return {tune.MidiFile(command.Options)};
+        return {MidiFileOf(command, tune)};
     return MakePages(command, tune);
 }
 

@@ -54,6 +54,17 @@ std::vector<TuningRecord> RowsOf(const std::string& path, int numStrings)
     }
 }
 
+SoundChoices SoundOf(const ExportOptions& options)
+{
+    SoundChoices choices;
+    if (options.Tempo)
+        choices.Tempo = HeldTempo(*options.Tempo);
+    choices.Tuning = options.Tuning;
+    choices.Instrument = options.Instrument;
+    choices.Capo = options.Capo.value_or(0);
+    return choices;
+}
+
 }  // namespace
 
 std::vector<TuningRecord> TuningsOf(const ExportOptions& options, int numStrings)
@@ -200,14 +211,19 @@ std::string ExportedTune::PrintLog()
 
 std::string ExportedTune::MidiFile(const ExportOptions& options)
 {
-    const int numStrings = win.tune.NumStrings;
-    SoundChoices choices;
-    if (options.Tempo)
-        choices.Tempo = HeldTempo(*options.Tempo);
-    choices.Tuning = options.Tuning;
-    choices.Instrument = options.Instrument;
-    choices.Capo = options.Capo.value_or(0);
-    return MidiFileBytes(win.tune, TuningsOf(options, numStrings), choices);
+    return MidiFileBytes(win.tune, TuningsOf(options, win.tune.NumStrings), SoundOf(options));
+}
+
+std::string ExportedTune::PracticeFile(const ExportOptions& options,
+                                       const std::optional<MeasureRange>& measures,
+                                       const PracticeChoices& choices)
+{
+    const Sound sound =
+        ChosenSound(win.tune, TuningsOf(options, win.tune.NumStrings), SoundOf(options));
+    const PlayPositions positions = PositionsOf(win.tune, sound);
+    const PlayedPart part =
+        measures ? PartOf(positions, measures->First, measures->Last) : AllOf(positions);
+    return MakePractice(win.tune, sound, part, choices).Midi;
 }
 
 std::vector<Finding> ExportedTune::Check(const ExportOptions& options)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "headless/scripted_platform.h"
+#include "midi/practice.h"
 #include "shell/check.h"
 #include "shell/main_win.h"
 #include "store/tunings.h"
@@ -84,6 +85,12 @@ public:
     /// The bytes of the tune's MIDI file. A tune that cannot be performed: a Fault, or another
     /// exception that says why.
     std::string MidiFile(const ExportOptions& options);
+
+    /// The same for practice of these measures, or of the whole tune. Measures that are not played:
+    /// an exception that says so.
+    std::string PracticeFile(const ExportOptions& options,
+                             const std::optional<MeasureRange>& measures,
+                             const PracticeChoices& choices);
 
     /// What is wrong with the tune, but for CheckTexts.
     std::vector<Finding> Check(const ExportOptions& options);

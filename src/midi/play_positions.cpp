@@ -83,4 +83,11 @@ PlayedPart PartOf(const PlayPositions& positions, int first, std::optional<int> 
     return {*begin, *end};
 }
 
+PlayedPart AllOf(const PlayPositions& positions)
+{
+    if (positions.Measures.empty())
+        throw std::runtime_error("There is nothing to play.");
+    return {0, positions.Measures.size() - 1};
+}
+
 }  // namespace quillon

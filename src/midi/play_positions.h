@@ -61,4 +61,7 @@ struct PlayedPart {
 /// std::runtime_error says which measure is not played.
 PlayedPart PartOf(const PlayPositions& positions, int first, std::optional<int> last = {});
 
+/// All that is played. Where nothing is, a std::runtime_error.
+PlayedPart AllOf(const PlayPositions& positions);
+
 }  // namespace quillon

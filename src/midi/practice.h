@@ -20,6 +20,8 @@ struct PracticeChoices {
     int Turns = 1;
     bool CountIn = false;  // a measure of clicks before the first turn
     bool Click = false;    // on each beat
+
+    bool operator==(const PracticeChoices&) const = default;
 };
 
 struct PracticeTurn {

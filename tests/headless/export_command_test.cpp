@@ -135,6 +135,19 @@ TEST(ExportCommandTest, PagesHaveAPaperADensityAndAPart)
     EXPECT_TRUE(ParseExportCommand({"t.gui", "-o", "t.svg", "--text"}).KeepText);
 }
 
+TEST(ExportCommandTest, SoundCanBeForPractice)
+{
+    EXPECT_EQ(ParseExportCommand({"t.gui", "-o", "t.mid"}).Practice(), PracticeChoices{});
+    for (const char* output : {"t.mid", "t.wav", "t.ogg", "t.mp3"}) {
+        const ExportCommand command =
+            ParseExportCommand({"t.gui", "-o", output, "--measures", "3-4", "--speed=60", "--loop",
+                                "8", "--count-in", "--click"});
+        EXPECT_EQ(command.Practice(),
+                  (PracticeChoices{.Speed = 60, .Turns = 8, .CountIn = true, .Click = true}));
+        EXPECT_EQ(command.Measures.value().Last, 4);
+    }
+}
+
 TEST(ExportCommandTest, AValueMayFollowAnEqualsSignAndATuneTheDoubleDash)
 {
     const ExportCommand command =
@@ -178,6 +191,11 @@ TEST(ExportCommandTest, BadUsageIsRefusedWithItsReason)
         {{"t.gui", "-o", "a.svg", "--dpi", "96"},             "--dpi is only for png"                            },
         {{"t.gui", "-o", "a.png", "--paper", "a4"},           "--paper is only for pdf"                          },
         {{"t.gui", "-o", "a.mid", "--crop"},                  "--crop is only for pdf, svg and png"              },
+        {{"t.gui", "-o", "a.mid", "--speed", "19"},           "--speed must be 20 to 300"                        },
+        {{"t.gui", "-o", "a.mid", "--loop", "1000"},          "--loop must be 1 to 999"                          },
+        {{"t.gui", "-o", "a.pdf", "--click"},                 "--click is only for mid, wav, ogg and mp3"        },
+        {{"t.gui", "-o", "a.abc", "--measures", "1-2"},
+         "--measures is only for pdf, svg, png, mid, wav, ogg and mp3"                                           },
         {{"t.gui", "--check", "--order"},                     "--check and --order cannot be combined"           },
         {{"t.gui", "--check", "-o", "a.pdf"},                 "--check and --order write to standard output only"},
     };

@@ -1,5 +1,6 @@
 #include "headless/export.h"
 
+#include "midi/midi_events.h"
 #include "store/tune_file.h"
 #include "support/faults.h"
 #include "support/temporary_directory.h"
@@ -83,6 +84,23 @@ TEST_F(ExportTest, MeasuresThatAreNotThereCannotBeKept)
              MeasureRange{0, 2 }
     })
         EXPECT_THROW(cut.Keep(range), ExportError);
+}
+
+TEST_F(ExportTest, PracticeIsOfTheWholeTuneOrOfSomeMeasures)
+{
+    AddFullMeasures(tune, 4);
+    options.Tempo = 120;
+    ExportedTune loaded = Load("a.gui");
+    const auto seconds = [&](const std::optional<MeasureRange>& measures,
+                             const PracticeChoices& choices) {
+        return TimedEventsOf(loaded.PracticeFile(options, measures, choices)).End;
+    };
+    EXPECT_DOUBLE_EQ(seconds({}, {}), 8);
+    EXPECT_DOUBLE_EQ(seconds({}, {.Speed = 50, .CountIn = true}), 20);
+    EXPECT_DOUBLE_EQ(seconds(MeasureRange{2, 3}, {.Turns = 3}), 12);
+    EXPECT_THROW(seconds(MeasureRange{4, 5}, {}), std::runtime_error);
+    tune = {};
+    EXPECT_THROW(Load("a.gui").PracticeFile(options, {}, {}), std::runtime_error);
 }
 
 TEST_F(ExportTest, TheExtensionTellsTheStringsUnlessAnOptionDoes)

@@ -1,12 +1,14 @@
 #include "qt/sound_file.h"
 
-#include "midi/midi_events.h"
+#include "midi/practice.h"
 #include "store/item_file.h"
+#include "store/sign_codes.h"
 #include "support/sounds.h"
 #include "support/temporary_directory.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -80,6 +82,83 @@ TEST(RenderSound, ATuneOfRestsIsSilent)
     AddNote(tune, kWholeRest);
     RenderSound(MidiOf(tune), "out.wav", "wav");
     EXPECT_LT(Peak(SidesOf(ReadFileBytes("out.wav"))), 0.001);
+}
+
+/// Repeats, endings, a D.S. al Coda, triplets, hammer-ons, and ties within a measure and over a
+/// bar.
+Tune TuneOfEverything()
+{
+    const std::array<std::vector<std::pair<int, const char*>>, 8> measures = {
+        {
+         {{kTripletEighth, "5"}, {kTripletEighth, "7"}, {kTripletEighth, "8"}, {kHalf, "5"}},
+         {{kEighth, "3"}, {kDottedQuarter, "7"}, {kQuarterRest, ""}, {kQuarter, "8"}},
+         {{kQuarter, "5^"}, {kQuarter, "5"}, {kQuarter, "8"}, {kQuarter, "3"}},
+         {{kHalf, "7"}, {kHalf, "0^"}},
+         {{kQuarter, "0"}, {kQuarter, "5-7"}, {kQuarter, "3"}, {kQuarter, "8"}},
+         {{kTripletQuarter, "3"}, {kTripletQuarter, "5"}, {kTripletQuarter, "7"}, {kHalf, "5"}},
+         {{kWhole, "12"}},
+         {{kQuarter, "8"}, {kQuarter, "7"}, {kHalf, "5"}},
+         }
+    };
+    Tune tune;
+    std::vector<NoteRecord*> heads;
+    for (const auto& notes : measures) {
+        heads.push_back(&AddMeasure(tune));
+        for (const auto& [code, cell] : notes)
+            AddNote(tune, code, 2, cell);
+    }
+    heads[1]->BarCode = kRepeatStart;
+    heads[1]->Slot(1) = kSign;
+    heads[2]->Slot(2) = "1";
+    heads[2]->BarCode = kRepeatEnd;
+    heads[3]->Slot(2) = "2";
+    heads[4]->Slot(3) = "/To Coda";
+    heads[5]->Slot(1) = kDsAlCoda;
+    heads[7]->Slot(1) = kCoda;
+    return tune;
+}
+
+/// By how many seconds a note is heard later than told. Where none is heard: a second.
+double LatenessOf(const std::vector<double>& samples, double told)
+{
+    const auto at = static_cast<std::size_t>(std::lround(told * 44100));
+    const auto peak = [&](std::size_t from, std::size_t to) {
+        double highest = 0;
+        for (std::size_t i = from; i < to; ++i)
+            highest = std::max(highest, std::fabs(samples.at(i)));
+        return highest;
+    };
+    const double before = peak(at - 300, at - 150);
+    const double after = peak(at, at + 1000);
+    for (std::size_t i = at - 150; after > 2 * before && i < at + 1000; ++i)
+        if (std::fabs(samples[i]) > before + 0.05 * after)
+            return (static_cast<double>(i) - static_cast<double>(at)) / 44100;
+    return 1;
+}
+
+TEST(RenderSound, PracticeIsHeardAtThePositionsTold)
+{
+    const TemporaryDirectory folder;
+    Tune tune = TuneOfEverything();
+    const Sound sound{
+        97, 12, {64, 59, 55, 50, 45, 40}  // a marimba: its notes begin at once and die away soon
+    };
+    const PracticeTrack track =
+        MakePractice(tune, sound, AllOf(PositionsOf(tune, sound)),
+                     {.Speed = 70, .StepUp = 20, .Turns = 2, .CountIn = true});
+    RenderSound(track.Midi, "out.wav", "wav");
+    const std::vector<double> heard = SidesOf(ReadFileBytes("out.wav")).Left;
+    int notes = 0;
+    for (const ColumnPlace& column : track.Positions.Columns) {
+        const NoteRecord& before = tune[column.Record - 1];
+        const bool tied = before.Slot(2) == "5^" || tune[column.Record - 2].Slot(2) == "0^";
+        if (tune[column.Record].Slot(2).empty() || tied)
+            continue;
+        ++notes;
+        EXPECT_NEAR(LatenessOf(heard, track.Positions.SecondsAt(column.Begin)), 0, 0.002)
+            << "record " << column.Record;
+    }
+    EXPECT_EQ(notes, 2 * 39);
 }
 
 TEST(RenderSound, CompressedFilesAreOfTheirKind)
