@@ -259,6 +259,25 @@ bool IsFolder(const std::string& path)
     return std::filesystem::is_directory(path, ignored);
 }
 
+/// Completes what is to be made, and refuses what cannot be.
+void SettleOutput(ExportCommand& command, const std::vector<std::string>& given)
+{
+    if (command.Output.empty())
+        Bad("no output given; name one with -o");
+    const std::string byExtension = FormatOf(command.Output);
+    if (command.Format.empty())
+        command.Format = byExtension;
+    if (command.Format.empty())
+        Bad("cannot tell the format of '" + command.Output + "'; name it with --format");
+    if (command.Tunes.size() > 1 && command.Output == "-")
+        Bad("several tunes go into a folder, not to standard output");
+    if (command.Tunes.size() > 1 && !byExtension.empty() && !IsFolder(command.Output))
+        Bad("several tunes go into a folder, but '" + command.Output + "' looks like a file");
+    if (!IsFormat(command.Format))
+        Bad("unknown format " + command.Format);
+    RefuseForFormat(given, command.Format);
+}
+
 }  // namespace
 
 ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
@@ -306,20 +325,7 @@ ExportCommand ParseExportCommand(const std::vector<std::string>& arguments)
             Bad("--check and --order write to standard output only");
         return command;
     }
-    if (command.Output.empty())
-        Bad("no output given; name one with -o");
-    const std::string byExtension = FormatOf(command.Output);
-    if (command.Format.empty())
-        command.Format = byExtension;
-    if (command.Format.empty())
-        Bad("cannot tell the format of '" + command.Output + "'; name it with --format");
-    if (command.Tunes.size() > 1 && command.Output == "-")
-        Bad("several tunes go into a folder, not to standard output");
-    if (command.Tunes.size() > 1 && !byExtension.empty() && !IsFolder(command.Output))
-        Bad("several tunes go into a folder, but '" + command.Output + "' looks like a file");
-    if (!IsFormat(command.Format))
-        Bad("unknown format " + command.Format);
-    RefuseForFormat(given, command.Format);
+    SettleOutput(command, given);
     return command;
 }
 
