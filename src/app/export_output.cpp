@@ -75,18 +75,6 @@ void Say(const std::string& text)
     ToStandardOutput(text);
 }
 
-std::vector<std::string> OutputNames(const std::string& output, std::size_t count)
-{
-    const fs::path path(output);
-    std::vector<std::string> names{output};
-    for (std::size_t number = 2; number <= count; ++number) {
-        const std::string name =
-            path.stem().string() + "-" + std::to_string(number) + path.extension().string();
-        names.push_back((path.parent_path() / name).string());
-    }
-    return names;
-}
-
 void WriteFiles(const std::vector<std::string>& names, const std::vector<std::string>& files)
 {
     if (names.front() == "-") {

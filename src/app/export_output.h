@@ -18,9 +18,6 @@ namespace quillon {
 /// To standard output; nothing may be lost silently.
 void Say(const std::string& text);
 
-/// OUT for the first file, then -2, -3, ... before the dot.
-std::vector<std::string> OutputNames(const std::string& output, std::size_t count);
-
 /// Writes files under their names. None of them takes its place before all are on the disk; devices
 /// and pipes get theirs at once.
 void WriteFiles(const std::vector<std::string>& names, const std::vector<std::string>& files);

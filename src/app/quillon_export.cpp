@@ -229,7 +229,7 @@ void Export(const ExportCommand& command, const TuneSource& source, const std::s
     const std::string& path = source.Path;
     Tell(path, source.Said);
     const std::vector<std::string> files = MakeFiles(command, source);
-    const std::vector<std::string> names = OutputNames(output, files.size());
+    const std::vector<std::string> names = NumberedNames(output, files.size());
     for (const std::string& name : names)
         inUse.Refuse(name, path, command.Format == "tune" && !source.IsForeign());
     if (IsSound(command.Format))

@@ -90,6 +90,12 @@ bool IsKept(const QString& path)
     return QFileInfo(path).absoluteFilePath().startsWith(own + '/');
 }
 
+/// The extension in a filter such as "ABC (*.abc)".
+QString ExtensionOf(const QString& filter)
+{
+    return filter.section("*.", 1).chopped(1);
+}
+
 /// Asked here, as a desktop's own dialog asks before the extension is added, about another file.
 bool MayReplace(QWidget* owner, const QString& path)
 {
@@ -224,18 +230,51 @@ std::optional<std::string> QtDialogs::SaveFile(const std::string& initialName,
                                                const std::string& filter,
                                                const std::string& defaultExtension)
 {
-    const QFileInfo initial(PathFromBytes(initialName));
-    const bool isUsersOwn = !initialName.empty() && !IsKept(initial.absoluteFilePath());
-    const QString folder = isUsersOwn ? initial.absolutePath() : FolderToBeginIn();
     const Owner owner;
-    QFileDialog dialog(owner, "Save As", folder, FileFilters(ToUnicode(filter)));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    QFileDialog dialog(owner, "Save As", FolderOf(initialName), FileFilters(ToUnicode(filter)));
     dialog.setDefaultSuffix(ToUnicode(defaultExtension));
-    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (!initialName.empty())
-        dialog.selectFile(initial.fileName());
+        dialog.selectFile(QFileInfo(PathFromBytes(initialName)).fileName());
+    return RunSaveDialog(dialog);
+}
+
+std::optional<std::string> QtDialogs::ExportFile(const QString& name, const std::string& beside,
+                                                 const QStringList& filters, QString& filter)
+{
+    const Owner owner;
+    QFileDialog dialog(owner, "Export", FolderOf(beside), filters.join(";;"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    const auto setExtension = [&](const QString& chosen) {
+        const QString before = dialog.defaultSuffix();
+        const QString extension = ExtensionOf(chosen);
+        dialog.setDefaultSuffix(extension);
+        const QFileInfo file(dialog.selectedFiles().value(0));
+        if (!before.isEmpty() && file.suffix() == before)
+            dialog.selectFile(file.completeBaseName() + '.' + extension);
+    };
+    dialog.selectNameFilter(filter);
+    setExtension(filter);
+    dialog.selectFile(name + '.' + ExtensionOf(filter));
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, setExtension);
+    const std::optional<std::string> path = RunSaveDialog(dialog);
+    filter = dialog.selectedNameFilter();
+    return path;
+}
+
+/// The folder of a file of the user's own, else where to begin.
+QString QtDialogs::FolderOf(const std::string& path) const
+{
+    const QFileInfo file(PathFromBytes(path));
+    const bool isUsersOwn = !path.empty() && !IsKept(file.absoluteFilePath());
+    return isUsersOwn ? file.absolutePath() : FolderToBeginIn();
+}
+
+std::optional<std::string> QtDialogs::RunSaveDialog(QFileDialog& dialog)
+{
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     std::optional<std::string> path = RunFileDialog(dialog);
-    while (path && !MayReplace(owner, PathFromBytes(*path)))
+    while (path && !MayReplace(dialog.parentWidget(), PathFromBytes(*path)))
         path = RunFileDialog(dialog);
     return path;
 }

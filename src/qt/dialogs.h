@@ -34,6 +34,12 @@ public:
     void Tell(const QString& title, const QString& text);
     std::optional<std::string> ImportFile(const QString& filters);
 
+    /// Begins with `name`, without an extension, in the folder of the file `beside` if there is
+    /// one. The extension is that of `filter`, one of `filters`, until the user says otherwise;
+    /// `filter` becomes the one chosen.
+    std::optional<std::string> ExportFile(const QString& name, const std::string& beside,
+                                          const QStringList& filters, QString& filter);
+
     /// Which of some lines, from 0; nothing if cancelled.
     std::optional<int> ChooseLine(const QString& title, const QString& question,
                                   const QStringList& lines);
@@ -41,6 +47,8 @@ public:
 private:
     std::optional<std::string> RunFileDialog(QFileDialog& dialog);
     QString FolderToBeginIn() const;
+    QString FolderOf(const std::string& path) const;
+    std::optional<std::string> RunSaveDialog(QFileDialog& dialog);
 
     Runner& runner;
     QString

@@ -1,11 +1,21 @@
 #include "qt/file_exchange.h"
 
 #include "exchange/forms.h"
+#include "notation/draw_surface.h"
+#include "qt/module.h"
 #include "qt/sheets.h"
 #include "qt/text.h"
 #include "shell/recent_tunes.h"
+#include "store/staged_file.h"
 
 #include <QFileInfo>
+#include <QLocale>
+#include <QPageSize>
+#include <QProgressDialog>
+
+#include <algorithm>
+#include <cmath>
+#include <system_error>
 
 namespace quillon {
 
@@ -48,6 +58,42 @@ QStringList TitlesOf(const std::vector<FoundTune>& tunes)
     return titles;
 }
 
+QStringList ExportFilters()
+{
+    QStringList filters;
+    for (const ExportForm& form : ExportForms())
+        filters += ToUnicode(form.About) + " (*." + ToUnicode(form.Extension) + ')';
+    return filters;
+}
+
+/// What the locale prints on; one that says nothing of a place, what tunes are laid out for.
+PageChoices LocalPaper()
+{
+    const QLocale locale = QLocale::system();
+    const bool letter =
+        locale.language() == QLocale::C || locale.measurementSystem() == QLocale::ImperialUSSystem;
+    const QSizeF inches =
+        QPageSize(letter ? QPageSize::Letter : QPageSize::A4).size(QPageSize::Millimeter) / 25.4;
+    PageChoices paper;
+    paper.Width = std::round(inches.width() * kTwipsPerInch);
+    paper.Height = std::round(inches.height() * kTwipsPerInch);
+    return paper;
+}
+
+/// The files of a tune's pages appear together.
+void WriteTogether(const std::string& path, const std::vector<std::string>& files)
+{
+    const std::vector<std::string> names = NumberedNames(path, files.size());
+    std::vector<std::unique_ptr<StagedFile>> staged;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        staged.emplace_back(std::make_unique<StagedFile>(names[i]))->Write(files[i]);
+    for (const auto& file : staged)
+        file->TakePlace();
+}
+
+/// The user has had enough of waiting.
+struct Stopped {};
+
 }  // namespace
 
 void FileExchange::Import()
@@ -69,11 +115,16 @@ void FileExchange::ImportFile(const std::string& path)
     const std::string step = "Import " + PathToBytes(NameOf(path));
     runner.Run(
         "Import", [&] { said = Take(path); }, Input::Command, step);
-    QString text = NameOf(path) + " has been imported.\n";
+    TellOf(NameOf(path) + " has been imported.", said);
+}
+
+void FileExchange::TellOf(const QString& what, const Notices& said)
+{
+    QString text = what + '\n';
     for (const std::string& line : said.Lines())
         text += '\n' + ToUnicode(line);
     if (!said.Lines().empty())
-        ShowNote(mainWindow, "ImportNote", text);
+        ShowNote(mainWindow, "ExchangeNote", text);
 }
 
 /// What is to be told about a tune that has taken the place of the present one.
@@ -105,6 +156,101 @@ FoundTune* FileExchange::Choose(const QString& name, std::vector<FoundTune>& fou
         QString("There are %1 tunes in %2. Which one do you want?").arg(found.size()).arg(name);
     const std::optional<int> line = dialogs.ChooseLine("Import", question, TitlesOf(found));
     return line ? &found[static_cast<std::size_t>(*line)] : nullptr;
+}
+
+void FileExchange::Export()
+{
+    std::optional<std::string> path;
+    Notices said;
+    runner.RunUnobserved("Export", [&] {
+        path = FileToExport();
+        if (path)
+            said = ExportTo(*path);
+    });
+    mainWindow->activateWindow();  // after the progress of a sound nobody else may see to that
+    if (path)
+        TellOf(NameOf(*path) + " has been written.", said);
+}
+
+std::optional<std::string> FileExchange::FileToExport()
+{
+    const QStringList filters = ExportFilters();
+    if (exportFilter.isEmpty())
+        exportFilter = filters.first();
+    QString name = QFileInfo(PathFromBytes(win.tune.FileName)).completeBaseName();
+    if (name.isEmpty())
+        name = ToUnicode(win.tune[0].ChordText).replace('/', ' ').trimmed();
+    if (name.isEmpty())
+        name = "Untitled";
+    return dialogs.ExportFile(name, win.tune.FileName, filters, exportFilter);
+}
+
+Notices FileExchange::ExportTo(const std::string& path)
+{
+    Notices said;
+    const auto fail = [&](const QString& why) {
+        said = {};
+        dialogs.Tell("Export", NameOf(path) + " has not been written.\n" + why);
+    };
+    try {
+        MakeFiles(path, said);
+    } catch (const Stopped&) {
+        said = {};
+    } catch (const std::system_error& error) {
+        fail(QString::fromStdString(error.code().message()) + ". Choose another place.");
+    } catch (const Fault& fault) {
+        const std::string& why = fault.Explanation();
+        fail(ToUnicode(why.empty() ? fault.what() : why));
+    } catch (const std::exception& error) {
+        fail(ToUnicode(error.what()));
+    }
+    return said;
+}
+
+void FileExchange::MakeFiles(const std::string& path, Notices& said)
+{
+    if (path == win.tune.FileName)
+        throw CannotExport("It is the tune's own file. Choose another name.");
+    const std::vector<ExportForm> forms = ExportForms();
+    const std::string extension = QFileInfo(PathFromBytes(path)).suffix().toLower().toStdString();
+    const ExchangeForm* foreign = FindForm(extension);  // may be another extension of a form
+    const auto form = std::ranges::find(forms, foreign ? foreign->Name : extension,
+                                        [](const ExportForm& one) { return one.Extension; });
+    if (form == forms.end())
+        throw CannotExport(
+            "Its extension is not one of a form that can be written. Choose the form "
+            "in the list of the dialog, or type its extension, such as .pdf.");
+    const std::vector<std::string> files =
+        ExportedFiles(win, *form, LocalPaper(), TheRenderer(), said);
+    if (form->IsSound)
+        WriteSound(files.front(), path, *form);
+    else
+        WriteTogether(path, files);
+}
+
+void FileExchange::WriteSound(const std::string& midi, const std::string& path,
+                              const ExportForm& form)
+{
+    QProgressDialog progress("Making the sound...", "Stop", 0, 100, mainWindow);
+    progress.setWindowModality(Qt::WindowModal);
+    StagedFile file(path);
+    TheRenderer().Sound(midi, file.Path(), form.Extension, [&](double part) {
+        progress.setValue(qRound(100 * part));
+        if (progress.wasCanceled())
+            throw Stopped();
+    });
+    file.Sync();
+    file.TakePlace();
+}
+
+const Renderer& FileExchange::TheRenderer()
+{
+    if (!renderer)
+        renderer = MadeByModule<Renderer>("libquillon-render.so", "MakeQuillonRenderer");
+    if (!renderer)
+        throw CannotExport("Pages and sound cannot be made: a part of Quillon is missing. "
+                           "Install it again.");
+    return *renderer;
 }
 
 }  // namespace quillon

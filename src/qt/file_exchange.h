@@ -4,6 +4,7 @@
 
 #include "qt/dialogs.h"
 #include "qt/runner.h"
+#include "shell/export_tune.h"
 #include "shell/import.h"
 
 #include <string>
@@ -28,7 +29,16 @@ public:
     /// read, a box says why.
     void ImportFile(const std::string& path);
 
+    /// Asks for a file, and writes the tune there in the form that its extension says.
+    void Export();
+
 private:
+    std::optional<std::string> FileToExport();
+    Notices ExportTo(const std::string& path);
+    void MakeFiles(const std::string& path, Notices& said);
+    void WriteSound(const std::string& midi, const std::string& path, const ExportForm& form);
+    void TellOf(const QString& what, const Notices& said);
+    const Renderer& TheRenderer();
     Notices Take(const std::string& path);
     std::unique_ptr<Tune> TuneFrom(const std::string& path, Notices& said);
     FoundTune* Choose(const QString& name, std::vector<FoundTune>& found);
@@ -37,6 +47,8 @@ private:
     Runner& runner;
     QtDialogs& dialogs;
     QWidget* mainWindow;
+    std::unique_ptr<Renderer> renderer;  // loaded when it is first needed
+    QString exportFilter;                // chosen last
 };
 
 }  // namespace quillon

@@ -60,6 +60,7 @@ MoreMenu::MoreMenu(MainWin& mainWin, Runner& theRunner, QWidget* strip)
         list->setToolTipsVisible(true);
     addSeparator();
     Add("stripImport", [this] { Import(); });
+    wholeTune += Add("stripExport", [this] { Export(); });
     addSeparator();
     wholeTune += Add("stripCheck", [this] { Check(); });
     wholeTune += Add("stripOrder", [this] { ShowOrder(); });

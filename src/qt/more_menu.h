@@ -21,8 +21,9 @@ public:
     /// Puts the recovered tunes into their submenu, which is hidden while it is empty.
     std::function<void(QMenu&)> FillRescued = [](QMenu&) {};
 
-    /// Asks for another program's file and imports it.
+    /// Asks for another program's file and imports it; asks for a file and exports the tune there.
     std::function<void()> Import = [] {};
+    std::function<void()> Export = [] {};
 
     /// Enables the commands that can be used now.
     void ShowEnabled();

@@ -48,6 +48,7 @@ bool Program::Start()
     exchange.emplace(win, runner, dialogs, window.get());
     window->ImportFile = [this](const std::string& path) { exchange->ImportFile(path); };
     window->More().Import = [this] { exchange->Import(); };
+    window->More().Export = [this] { exchange->Export(); };
     window->OnStarted = [this] { KeepRun(); };
     if (!resumed.empty())
         window->GreetNobody();

@@ -1,24 +1,15 @@
 #include "qt/sound_loader.h"
 
+#include "qt/module.h"
 #include "store/fault.h"
-
-#include <QCoreApplication>
-
-#include <dlfcn.h>
 
 namespace quillon {
 
 namespace {
 
-/// Calls a factory function of the sound module; null if the module or its libraries are missing.
 template <typename Made> std::unique_ptr<Made> Make(const char* maker)
 {
-    static void* const module = [] {
-        const QString folder = QCoreApplication::applicationDirPath() + "/../lib/quillon";
-        return dlopen(qPrintable(folder + "/libquillon-sound.so"), RTLD_NOW | RTLD_LOCAL);
-    }();
-    const auto make = module ? reinterpret_cast<Made* (*)()>(dlsym(module, maker)) : nullptr;
-    return std::unique_ptr<Made>(make ? make() : nullptr);
+    return MadeByModule<Made>("libquillon-sound.so", maker);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "exchange/forms.h"
 #include "exchange/table_music.h"
 #include "midi/sound_settings.h"
+#include "shell/chosen_tuning.h"
 #include "shell/menus.h"
 #include "store/tune_file.h"
 
@@ -18,21 +19,6 @@ constexpr const char* kUnknownForm =
     "as .abc, .musicxml, .mid or .txt.";
 constexpr const char* kUnreadable = "It cannot be read. Check that it is there and that you may "
                                     "read it.";
-
-/// The rows of an instrument's tuning list. A file that cannot be read stays as it is.
-std::vector<TuningRecord> TuningsOf(const MainWin& win, const InstrumentMode& mode)
-{
-    try {
-        ItemReader reader(ReadFileBytes(win.ProgramFile(mode.TuningFile)));
-        Tunings tunings;
-        const int count = ReadTunings(reader, mode.NumStrings, tunings);
-        tunings.List.resize(static_cast<std::size_t>(count));
-        if (count > 0)
-            return tunings.List;
-    } catch (const Fault&) {  // the program's own rows will do
-    }
-    return DefaultTunings(mode.NumStrings);
-}
 
 int StringsFor(const MainWin& win, const Music& music)
 {
@@ -77,9 +63,8 @@ std::unique_ptr<Tune> MakeImported(const MainWin& win, FoundTune found, Notices&
     said = std::move(found.Said);
     const InstrumentMode& mode = *FindMode(StringsFor(win, found.Tune));
     ImportChoices choices;
-    choices.Tunings = TuningsOf(win, mode);
-    const int chosen = TuningRow(win.platform.settings.Get(mode.SettingsSection, "Tuning", "0"),
-                                 static_cast<int>(choices.Tunings.size()));
+    choices.Tunings = TuningList(win, mode);
+    const int chosen = ChosenTuning(win, mode, static_cast<int>(choices.Tunings.size()));
     if (chosen != 0 && found.Tune.OpenPitches.empty())
         choices.Tuning = chosen;
     auto made = std::make_unique<Tune>();

@@ -15,6 +15,7 @@ constexpr StripCommand kStrip[] = {
     {"stripPlay",     "Play",           "F5",                   "Play from the measure in view, or stop; Escape stops too"},
     {"stripSave",     "&Save",          "Ctrl+S",               "Save the tune; a new one under a name that is asked for"},
     {"stripImport",   "&Import...",     "",                     "Make a tune of another program's file"},
+    {"stripExport",   "E&xport...",     "",                     "Make pages, sound or another program's file of the tune"},
     {"stripCheck",    "&Check the Tune", "",                    "List what is wrong with the tune"},
     {"stripOrder",    "&Playing Order", "",                     "Show the order in which the measures are played"},
     {"stripLook",     "Engraved &Look", "",                     "Thin strings and thick beams, as in printed music: on the screen, on paper and in copies"},

@@ -147,6 +147,18 @@ void StagedFile::TakePlace()
     file.Rename(place);
 }
 
+std::vector<std::string> NumberedNames(const std::string& first, std::size_t count)
+{
+    const fs::path path(first);
+    std::vector<std::string> names{first};
+    for (std::size_t number = 2; number <= count; ++number) {
+        const std::string name =
+            path.stem().string() + "-" + std::to_string(number) + path.extension().string();
+        names.push_back((path.parent_path() / name).string());
+    }
+    return names;
+}
+
 void SyncFile(const fs::path& path)
 {
     std::error_code ignored;

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillon {
 
@@ -65,6 +66,9 @@ private:
     std::filesystem::path place;
     TemporaryFile file;
 };
+
+/// PATH for the first of some files that belong together, then PATH-2, PATH-3, ... before the dot.
+std::vector<std::string> NumberedNames(const std::string& path, std::size_t count);
 
 /// Brings a file that has been written to the disk. Streams are left alone.
 void SyncFile(const std::filesystem::path& path);

@@ -16,11 +16,11 @@ namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
 
-TEST(OutputNames, HaveTheirNumberBeforeTheLastDot)
+TEST(NumberedNames, HaveTheirNumberBeforeTheLastDot)
 {
-    EXPECT_EQ(OutputNames("a.b/c.d.svg", 3),
+    EXPECT_EQ(NumberedNames("a.b/c.d.svg", 3),
               (Names{"a.b/c.d.svg", "a.b/c.d-2.svg", "a.b/c.d-3.svg"}));
-    EXPECT_EQ(OutputNames("a", 2), (Names{"a", "a-2"}));
+    EXPECT_EQ(NumberedNames("a", 2), (Names{"a", "a-2"}));
 }
 
 class FilesInUseTest : public testing::Test {

@@ -181,6 +181,84 @@ private slots:
         QVERIFY(!Undo()->isEnabled());
     }
 
+    void ExportWritesTheFormThatTheExtensionSays()
+    {
+        TypeMeasure();
+        const QList<std::pair<QString, std::string>> beginnings{
+            {"a.pdf",   "%PDF"   },
+            {"a.PNG",   "\x89PNG"},
+            {"a.svg",   "<"      },
+            {"a.mid",   "MThd"   },
+            {"a.wav",   "RIFF"   },
+            {"a.abc",   "X:1"    },
+            {"a.xml",   "<?xml"  },
+            {"a.mxl",   "PK"     },
+            {"a b.txt", ""       }
+        };
+        for (const auto& [name, beginning] : beginnings) {
+            ChooseFile(QDir::current().filePath(name));
+            Action("stripExport")->trigger();
+            const std::string bytes = ReadFileBytes(name.toStdString());
+            QVERIFY2(bytes.size() > 40 && bytes.starts_with(beginning), qPrintable(name));
+        }
+        QCOMPARE(Undo()->text(), QString("Undo Note"));
+        QTRY_VERIFY(Button("cmdNext")->hasFocus());
+    }
+
+    void ExportTellsWhatItLeavesOut()
+    {
+        QTest::keyClicks(Staff(), "5>");
+        QTest::keyClick(Staff(), Qt::Key_Return);
+        ChooseFile(QDir::current().filePath("bend.abc"));
+        Action("stripExport")->trigger();
+        auto* note = Window().findChild<QMessageBox*>("ExchangeNote");
+        QVERIFY(note && note->text().startsWith("bend.abc has been written.\n\n"));
+        delete note;
+    }
+
+    void WhatCannotBeExportedSaysWhy()
+    {
+        TypeMeasure();
+        const auto trouble = [this](const QString& path) {
+            told.clear();
+            InDialog<QFileDialog>([&](QFileDialog* files) {
+                InDialog<QMessageBox>([this](QMessageBox* box) {
+                    told = box->text();
+                    box->accept();
+                });
+                files->findChild<QLineEdit*>()->setText(path);
+                files->QDialog::done(QDialog::Accepted);
+            });
+            Action("stripExport")->trigger();
+            return told;
+        };
+        QVERIFY(trouble(QDir::current().filePath("a.doc")).contains("such as .pdf"));
+        QVERIFY(!QFile::exists("a.doc"));
+        const QString nowhere = trouble(QDir::current().filePath("nowhere/a.pdf"));
+        QCOMPARE(nowhere, QString("a.pdf has not been written.\nNo such file or directory. "
+                                  "Choose another place."));
+        Core().tune.FileName = QDir::current().filePath("own.txt").toStdString();
+        QVERIFY(trouble(QDir::current().filePath("own.txt")).contains("the tune's own file"));
+        QVERIFY(!QFile::exists("own.txt"));
+    }
+
+    void TheFormChosenInTheExportDialogGivesTheExtension()
+    {
+        Core().tune[0].ChordText = "My Tune";
+        QString offered;
+        QString changed;
+        InDialog<QFileDialog>([&](QFileDialog* files) {
+            offered = files->findChild<QLineEdit*>()->text();
+            files->selectNameFilter("ABC (*.abc)");
+            emit files->filterSelected("ABC (*.abc)");
+            changed = files->findChild<QLineEdit*>()->text();
+            files->reject();
+        });
+        Action("stripExport")->trigger();
+        QCOMPARE(offered, QString("My Tune.pdf"));
+        QCOMPARE(changed, QString("My Tune.abc"));
+    }
+
     void ATuneCalledLikeHtmlIsShownAsItIsCalled()
     {
         Open(TuneFile("R&B <b>.gui"));

@@ -611,7 +611,7 @@ private slots:
         QTRY_VERIFY(Staff()->hasFocus());
         const auto* state = Window().findChild<QLabel*>("stripState");
         QVERIFY(state->text().startsWith("New tune, changed"));
-        const auto* note = Window().findChild<QMessageBox*>("ImportNote");
+        const auto* note = Window().findChild<QMessageBox*>("ExchangeNote");
         QVERIFY(note && !note->isModal());
         QCOMPARE(note->text(), QString("reel.ABC has been imported.\n\nA grace note is left out."));
         auto* undo = Window().findChild<QAction*>("stripUndo");
@@ -639,7 +639,7 @@ private slots:
         QTRY_VERIFY(!text.isEmpty());
         QVERIFY2(text.startsWith("B\u00fcch.xml cannot be imported.\nLine 1: "), qPrintable(text));
         QCOMPARE(Core().tune[2].Slot(6), std::string("1"));
-        QVERIFY(!Window().findChild<QMessageBox*>("ImportNote"));
+        QVERIFY(!Window().findChild<QMessageBox*>("ExchangeNote"));
     }
 
     void ATuneBookAsksWhichTune()
