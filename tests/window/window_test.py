@@ -14,7 +14,7 @@ import unittest
 
 from desktop import Desktop
 
-MODULES = ("typing_test", "stepping_test", "strip_test", "files_test", "clipboard_test",
+MODULES = ("typing_test", "stepping_test", "strip_test", "hearing_test", "files_test", "clipboard_test",
            "page_picture_test", "printing_test")
 
 
