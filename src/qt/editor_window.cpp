@@ -137,9 +137,17 @@ void EditorWindow::AddStrip(Player& player)
     strip = new Strip(win, runner, *hearing, this);
     layout()->setMenuBar(nullptr);
     setMenuWidget(new MenuRow(ui->menuBar, strip, this));
+    strip->Menu().Practise = [this] { OpenPractice(); };
     ShowLook();
     connect(&strip->Menu(), &MoreMenu::LookChosen, this, &EditorWindow::ShowLook);
     connect(strip, &Strip::Gone, this, [this] { otherForms.FollowUndo(); });
+}
+
+void EditorWindow::OpenPractice()
+{
+    if (!practice)
+        practice = new PracticeSheet(win, *hearing, this);
+    practice->Open();
 }
 
 void EditorWindow::ShowLook()

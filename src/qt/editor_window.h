@@ -7,6 +7,7 @@
 
 #include "qt/menu_bar.h"
 #include "qt/other_forms.h"
+#include "qt/practice_sheet.h"
 #include "qt/runner.h"
 #include "qt/strip.h"
 #include "qt/system.h"
@@ -67,6 +68,7 @@ private:
     bool KeyIsTaken(const QObject* widget, QKeyEvent& key);
     void ConnectControls();
     void AddStrip(Player& player);
+    void OpenPractice();
     void ShowLook();
     void StaffBoxKey(int keyCode, const std::string& characters);
     void FitStaff();
@@ -90,6 +92,7 @@ private:
     std::unique_ptr<MenuBar> menus;
     std::unique_ptr<Hearing> hearing;
     Strip* strip = nullptr;
+    PracticeSheet* practice = nullptr;  // made when it is first opened
     OtherForms otherForms;
     bool activated = false;  // the first activation has been
     bool showing = false;    // ShowForm moves the focus, not the user

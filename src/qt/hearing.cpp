@@ -76,6 +76,10 @@ void Hearing::Play(const PartToPlay& part)
 {
     Stop();
     StopForm();
+    if (win.form.InputMode == InputMode::Insert) {
+        Fail("A measure is being inserted.");
+        return;
+    }
     trouble.clear();
     Sound sound;
     try {

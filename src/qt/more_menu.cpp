@@ -62,6 +62,7 @@ MoreMenu::MoreMenu(MainWin& mainWin, Runner& theRunner, QWidget* strip)
     Add("stripImport", [this] { Import(); });
     wholeTune += Add("stripExport", [this] { Export(); });
     addSeparator();
+    wholeTune += Add("stripPractice", [this] { Practise(); });
     wholeTune += Add("stripCheck", [this] { Check(); });
     wholeTune += Add("stripOrder", [this] { ShowOrder(); });
     addSeparator();

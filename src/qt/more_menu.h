@@ -25,6 +25,9 @@ public:
     std::function<void()> Import = [] {};
     std::function<void()> Export = [] {};
 
+    /// Opens the sheet for practising.
+    std::function<void()> Practise = [] {};
+
     /// Enables the commands that can be used now.
     void ShowEnabled();
 

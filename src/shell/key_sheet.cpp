@@ -16,6 +16,7 @@ constexpr StripCommand kStrip[] = {
     {"stripSave",     "&Save",          "Ctrl+S",               "Save the tune; a new one under a name that is asked for"},
     {"stripImport",   "&Import...",     "",                     "Make a tune of another program's file"},
     {"stripExport",   "E&xport...",     "",                     "Make pages, sound or another program's file of the tune"},
+    {"stripPractice", "Pr&actice...",   "Ctrl+F5",              "Play a part of the tune in a loop, at any speed"},
     {"stripCheck",    "&Check the Tune", "",                    "List what is wrong with the tune"},
     {"stripOrder",    "&Playing Order", "",                     "Show the order in which the measures are played"},
     {"stripLook",     "Engraved &Look", "",                     "Thin strings and thick beams, as in printed music: on the screen, on paper and in copies"},

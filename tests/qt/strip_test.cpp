@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QSpinBox>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QWindow>
@@ -48,6 +49,12 @@ class StripTest : public QObject, private WindowDesk {
     QMenu* More() { return &Window().More(); }
     QLabel* State() { return Window().findChild<QLabel*>("stripState"); }
     QToolButton* MoreButton() { return Window().findChild<QToolButton*>("stripMore"); }
+
+    /// A control of the sheet.
+    template <typename Widget> Widget* Practice(const char* name)
+    {
+        return FormNamed("Practice")->findChild<Widget*>(name);
+    }
 
     QToolButton* ButtonOf(QAction* action)
     {
@@ -602,6 +609,46 @@ private slots:
         Open(TuneFile("three.gui"));
         Action("mnuInsMeas")->trigger();
         QVERIFY(!Play()->isEnabled());
+    }
+
+    void PracticeRemembersWhatWasChosenForEachTune()
+    {
+        Open(TuneFile("three.gui"));
+        QTest::keyClick(Staff(), Qt::Key_F5, Qt::ControlModifier);
+        QCOMPARE(Practice<QSpinBox>("practiceFrom")->value(), 1);
+        QCOMPARE(Practice<QSpinBox>("practiceTo")->value(), 2);
+        QCOMPARE(Practice<QSpinBox>("practiceTo")->maximum(), 3);
+        Practice<QSpinBox>("practiceFrom")->setValue(3);
+        QCOMPARE(Practice<QSpinBox>("practiceTo")->value(), 3);
+        Practice<QSpinBox>("practiceSpeed")->setValue(60);
+        QTest::keyClick(Practice<QSpinBox>("practiceSpeed"), Qt::Key_Return);
+        QCOMPARE(Play()->text(), QString("Stop"));
+        QCOMPARE(Practice<QPushButton>("practiceStart")->text(), QString("&Stop"));
+        QTest::keyClick(Practice<QSpinBox>("practiceSpeed"), Qt::Key_Escape);
+        QCOMPARE(Play()->text(), QString("Play"));
+        QVERIFY(FormNamed("Practice")->isVisible());
+        QTest::keyClick(Practice<QSpinBox>("practiceSpeed"), Qt::Key_Escape);
+        QVERIFY(!FormNamed("Practice")->isVisible());
+
+        Open(TuneFile("other.gui"));
+        Action("stripPractice")->trigger();
+        QCOMPARE(Practice<QSpinBox>("practiceSpeed")->value(), 75);
+        Open(TuneFile("three.gui"));
+        Action("stripPractice")->trigger();
+        QCOMPARE(Practice<QSpinBox>("practiceFrom")->value(), 3);
+        QCOMPARE(Practice<QSpinBox>("practiceSpeed")->value(), 60);
+    }
+
+    void PracticeSaysWhatIsInTheWay()
+    {
+        Open(TuneFile("three.gui"));
+        Core().tune[1].Slot(1) = "86";  // D.C. al Fine without a Fine, back and back again
+        Action("stripPractice")->trigger();
+        QTest::keyClick(Practice<QSpinBox>("practiceFrom"), Qt::Key_F5);
+        auto* trouble = Practice<QLabel>("practiceTrouble");
+        QTRY_VERIFY(trouble->text().contains("never"));
+        QVERIFY(State()->accessibleName().endsWith(trouble->text()));
+        QVERIFY(!QApplication::activeModalWidget());
     }
 
     void ItTakesNoPartInTheTabOrder()
