@@ -23,10 +23,11 @@ constexpr int kRate = 44100;
 constexpr int kBlock = 64;   // frames between which the synthesizer takes events
 constexpr int kBlocks = 64;  // in a piece; the Vorbis writer cannot take a long one
 constexpr int kTail = kRate / 2;
-constexpr int kFade = kRate / 10;  // the end of the tail
-constexpr double kPeak = 0.891;    // -1 dB
-constexpr float kSilence = 1e-6F;  // the room hums a hundred times softer
-constexpr double kGain = 0.2;      // nothing is clipped before it is scaled
+constexpr int kFade = kRate / 10;            // the end of the tail
+constexpr double kLongestWav = 6 * 60 * 60;  // seconds; its sizes have 32 bits
+constexpr double kPeak = 0.891;              // -1 dB
+constexpr float kSilence = 1e-6F;            // the room hums a hundred times softer
+constexpr double kGain = 0.2;                // nothing is clipped before it is scaled
 
 /// Frames of two samples, left and right.
 using Piece = std::span<float>;
@@ -255,6 +256,8 @@ void RenderSound(const std::string& midiBytes, const std::string& path, const st
             progress(part);
     };
     const TimedEvents events = TimedEventsOf(midiBytes);
+    if (format == "wav" && events.End > kLongestWav)
+        throw std::runtime_error("A WAV file cannot last longer than six hours; Ogg and MP3 can.");
     float peak = 0;
     Render(
         events, [&](double part) { tell(part / 2); },

@@ -177,6 +177,12 @@ TEST(RenderSound, LeavesNoFileWhereItCannotBegin)
     const TemporaryDirectory folder;
     EXPECT_THROW(RenderSound("a tune", "out.wav", "wav"), std::runtime_error);
     EXPECT_THROW(RenderSound(Midi(1), "missing/out.wav", "wav"), std::runtime_error);
+    MidiFileWriter days;
+    days.BeginFile();
+    days.SetDivision(1);
+    days.WriteTempo(500000, 100000);
+    days.FinishTracks();
+    EXPECT_THROW(RenderSound(days.Bytes(), "out.wav", "wav"), std::runtime_error);
     setenv("QUILLON_SOUNDFONT", "missing.sf2", 1);
     EXPECT_THROW(RenderSound(Midi(1), "out.wav", "wav"), std::runtime_error);
     unsetenv("QUILLON_SOUNDFONT");
