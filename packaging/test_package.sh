@@ -148,6 +148,12 @@ types() {  # as xdg-mime tells them of the examples in a folder
 }
 check "types of the examples" env XDG_DATA_DIRS="$share" bash -c \
     "$(declare -f is types); types '$examples'"
+for file in reel.abc:text/vnd.abc score.mxl:application/vnd.recordare.musicxml \
+    score.musicxml:application/vnd.recordare.musicxml+xml; do
+    echo contents > "$scratch/${file%:*}"
+    check "type of ${file%:*}" is "$(XDG_DATA_DIRS=$share xdg-mime query filetype \
+        "$scratch/${file%:*}")" "${file#*:}"
+done
 
 if [ "$system" = --system ]; then
     echo "== On the system"

@@ -16,8 +16,9 @@ namespace quillon {
 
 namespace {
 
-constexpr QSize kLinesShown(70, 12);  // characters and lines
-constexpr int kKeysShown = 30;        // lines
+constexpr QSize kLinesShown(70, 12);   // characters and lines
+constexpr int kKeysShown = 30;         // lines
+constexpr QPoint kFromCorner(40, 60);  // pixels: a note stands where a page is mostly white
 
 void ShowSheet(QWidget* mainWindow, const QString& title, QAbstractItemView* list, QSize size)
 {
@@ -85,6 +86,9 @@ void ShowNote(QWidget* mainWindow, const QString& name, const QString& text)
     note->setModal(false);
     note->setAttribute(Qt::WA_DeleteOnClose);
     note->setAttribute(Qt::WA_ShowWithoutActivating);
+    note->adjustSize();
+    note->move(mainWindow->mapToGlobal(
+        QPoint(mainWindow->width() - note->width() - kFromCorner.x(), kFromCorner.y())));
     note->show();
     mainWindow->activateWindow();  // where a window is always shown with the focus
 }

@@ -15,6 +15,24 @@ seconds=${2:-60}
 export folder seconds
 cd "$root"
 
+# A small tune and two whole ones in each form. The first byte of an input is three times the form's
+# place in the list of forms, and the number of strings less four.
+exchange_seeds() {  # folder
+    local tune place form
+    printf '%s\n' X:1 T:Seed M:4/4 L:1/8 Q:1/4=120 K:D \
+        '"D"D2 (3FAd c>d f2|:[Ac]4 {g}f2-f2|[1 !1!A8:|[2 A8|]' > "$1/seed.abc"
+    for tune in "$1/seed.abc" examples/{greensleeves.gui,yankee_doodle.bjo}; do
+        for place in 0-abc 1-musicxml 2-mxl 3-mid 5-txt; do
+            form=${place#*-}
+            { printf "\\x$(printf %x $((3 * ${place%-*} + 2)))" &&
+                build/fuzz/bin/quillon-export "$tune" --format "$form" -o - 2> /dev/null; } \
+                > "$1/$(basename "$tune").$form"
+        done
+    done
+    rm "$1/seed.abc"
+}
+export -f exchange_seeds
+
 run() {  # name
     local dictionary=
     mkdir -p "$folder/$1"
@@ -22,7 +40,8 @@ run() {  # name
     tune_fuzzer)
         cp -n examples/*.gui examples/*.bjo examples/*.bss "$folder/$1"
         ;;
-    exchange_fuzzer)  # a first byte says the form
+    exchange_fuzzer)
+        exchange_seeds "$folder/$1"
         for file in tests/exchange/tunes/*.abc; do
             { printf '\2' && cat "$file"; } > "$folder/$1/$(basename "$file")"
         done
@@ -40,7 +59,7 @@ export -f run
 names=("${@:3}")
 [ ${#names[@]} -gt 0 ] || mapfile -t names < <(basename -s .cpp tests/fuzz/*_fuzzer.cpp)
 [ -f build/fuzz/build.ninja ] || cmake --preset fuzz
-ninja -C build/fuzz "${names[@]}"
+ninja -C build/fuzz "${names[@]}" quillon-export
 tests/fuzz/full_tables.py "$folder"
 if ! printf '%s\n' "${names[@]}" | xargs -P "${#names[@]}" -I {} bash -c 'run {}'; then
     echo "To see a fault again: build/fuzz/bin/NAME FILE. The files:"

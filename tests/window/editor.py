@@ -117,11 +117,15 @@ class Editor:
 
     # Windows
 
-    def start(self):
-        """Waits for the main window, and for the tune of the command line or until Splash is gone."""
+    def start(self, imports=False):
+        """Waits for the main window, and for the tune of the command line or until Splash is gone.
+
+        `imports`: the command line names another program's tune.
+        """
         self.window = wait_for("the main window", self._main_window)
         if self.has_tune:
-            wait_for("the tune", lambda: self.caption().startswith("Lyrano - "))
+            caption = CAPTION if imports else "Lyrano - "
+            wait_for("the tune", lambda: self.caption().startswith(caption))
         else:
             self.dialog("Quillon")
             self.press("Enter")

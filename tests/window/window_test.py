@@ -14,8 +14,8 @@ import unittest
 
 from desktop import Desktop
 
-MODULES = ("typing_test", "stepping_test", "strip_test", "hearing_test", "files_test", "clipboard_test",
-           "page_picture_test", "printing_test")
+MODULES = ("typing_test", "stepping_test", "strip_test", "hearing_test", "files_test",
+           "exchange_test", "clipboard_test", "page_picture_test", "printing_test")
 
 
 class Report(unittest.TextTestResult):
