@@ -1,13 +1,16 @@
 #include "exchange/musicxml_reader.h"
 
+#include "exchange/second_voice.h"
 #include "exchange/text.h"
 #include "store/numbers.h"
+#include "store/tunings.h"
 #include "xml/xml_document.h"
 
 #include <algorithm>
 #include <iterator>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace quillon {
 
@@ -137,6 +140,8 @@ public:
                 break;
             ReadMeasure(*measure);
         }
+        if (music.OpenPitches.empty())
+            FindTuning();
     }
 
 private:
@@ -166,14 +171,39 @@ private:
             else if (element.Name == "sound")
                 ReadSound(element);
         }
+        AddOtherVoices();
+        if (!hasTime)
+            TakeTimeFromLength();
         Here().Beats = beats;
         Here().BeatUnit = beatUnit;
+    }
+
+    void AddOtherVoices()
+    {
+        for (const auto& [begin, event] : otherVoices)
+            if (!AddSecondVoice(Here(), begin, event))
+                found.Said.Count("A note of a second voice is left out.",
+                                 "notes of second voices are left out.",
+                                 static_cast<int>(event.Notes.size()));
+        otherVoices.clear();
+    }
+
+    /// A measure without a signature has that of its length, if there is one.
+    void TakeTimeFromLength()
+    {
+        constexpr Units kEighth = kQuarterUnits / 2;
+        const Units eighths = LengthOf(Here()) / kEighth;
+        if (eighths == 0 || eighths > 64 || LengthOf(Here()) % kEighth != 0)
+            return;
+        beatUnit = eighths % 2 == 0 ? 4 : 8;
+        beats = static_cast<int>(eighths) * beatUnit / 8;
     }
 
     void ReadAttributes(const XmlElement& attributes)
     {
         divisions = std::clamp(attributes.NumberOf("divisions", divisions), 1, kMostDivisions);
         if (const XmlElement* time = attributes.Find("time")) {
+            hasTime = time->Find("beats") != nullptr;
             beats = std::clamp(time->NumberOf("beats", beats), 1, 64);
             const int unit = time->NumberOf("beat-type", beatUnit);
             beatUnit = unit == 1 || unit == 2 || unit == 8 || unit == 16 || unit == 32 ? unit : 4;
@@ -218,8 +248,14 @@ private:
         const bool inChord = note.Find("chord") != nullptr;
         if (!inChord)
             at += length;
-        if (!IsRead(note) || length == 0)
+        if (!IsOnStaff(note) || length == 0)
             return;
+        if (note.Find("lyric"))
+            found.Said.Say("The words under the notes are left out.");
+        if (!IsOfFirstVoice(note)) {
+            ReadOtherVoice(note, at - length, length, inChord);
+            return;
+        }
         if (!inChord)
             BeginEvent(at - length, length);
         else if (Here().Events.empty() || at != filled)
@@ -228,18 +264,36 @@ private:
             AddNote(note, Here().Events.back());
     }
 
-    /// The first voice of the staff is read.
-    bool IsRead(const XmlElement& note)
+    /// Of a part without tablature the first staff is read.
+    bool IsOnStaff(const XmlElement& note)
     {
-        if (staff && !staff->empty() && note.Find("staff") &&
-            Trimmed(note.TextOf("staff")) != *staff)
-            return false;
+        const std::string name(Trimmed(note.TextOf("staff")));
+        if (staff)
+            return staff->empty() || name.empty() || name == *staff;
+        if (!firstStaff)
+            firstStaff = name;
+        if (name != *firstStaff)
+            found.Said.Say("Only the first staff is read.");
+        return name == *firstStaff;
+    }
+
+    bool IsOfFirstVoice(const XmlElement& note)
+    {
         const std::string name(Trimmed(note.TextOf("voice")));
         if (!voice)
             voice = name;
-        if (name != *voice)
-            found.Said.Say("Only the first voice is read.");
         return name == *voice;
+    }
+
+    void ReadOtherVoice(const XmlElement& note, Units begin, Units length, bool inChord)
+    {
+        if (!note.Find("pitch"))
+            return;
+        if (!inChord || otherVoices.empty()) {
+            otherVoices.emplace_back(begin, MusicEvent()).second.Length = length;
+            ++events;
+        }
+        AddNote(note, otherVoices.back().second);
     }
 
     void BeginEvent(Units begin, Units length)
@@ -281,7 +335,7 @@ private:
         const int string = technical.NumberOf("string", 0);
         const int fret = technical.NumberOf("fret", -1);
         const int strings = static_cast<int>(music.OpenPitches.size());
-        if (string < 1 || fret < 0 || fret > 99 || string > strings)
+        if (string < 1 || fret < 0 || fret > 99 || string > (strings > 0 ? strings : 6))
             return;
         note.String = string;
         note.Fret = fret;
@@ -289,6 +343,43 @@ private:
             strings == 5 && string == 5 && fret > 0 && music.OpenPitches[4] + fret == note.Pitch;
         if (fromOwnNut)
             note.Fret += kShortStringFret;
+    }
+
+    /// Strings and frets without a word of their tuning: it is the first in which they have their
+    /// pitches. If there is none, the pitches alone count.
+    void FindTuning()
+    {
+        std::vector<MusicNote*> onStrings;
+        for (MusicMeasure& measure : music.Measures)
+            for (MusicEvent& event : measure.Events)
+                for (MusicNote& note : event.Notes)
+                    if (note.String > 0)
+                        onStrings.push_back(&note);
+        if (onStrings.empty())
+            return;
+        for (const int strings : {6, 5, 4})
+            for (const TuningRecord& tuning : DefaultTunings(strings))
+                if (std::ranges::all_of(onStrings, [&](const MusicNote* note) {
+                        return Fits(*note, tuning, strings);
+                    })) {
+                    for (int s = 1; s <= strings; ++s)
+                        music.OpenPitches.push_back(tuning.Pitch(s));
+                    return;
+                }
+        for (MusicNote* note : onStrings) {
+            note->String = note->Fret = 0;
+            note->Pitch += transposition;
+        }
+    }
+
+    bool Fits(const MusicNote& note, const TuningRecord& tuning, int strings) const
+    {
+        if (note.String > strings)
+            return false;
+        const int pitch =
+            tuning.Pitch(note.String) + note.Fret -
+            (strings == 5 && note.String == 5 && note.Fret > 0 ? kShortStringFret : 0);
+        return pitch == note.Pitch || pitch == note.Pitch + transposition;
     }
 
     static NoteLook LookOf(const XmlElement& note, const XmlElement& technical)
@@ -403,7 +494,10 @@ private:
     FoundTune& found;
     Music& music;
     std::optional<std::string> staff;  // number of the one with tablature
+    std::optional<std::string> firstStaff;
     std::optional<std::string> voice;
+    std::vector<std::pair<Units, MusicEvent>> otherVoices;  // of the measure, with their beginnings
+    bool hasTime = false;
     int divisions = 1;
     int beats = 4;
     int beatUnit = 4;
