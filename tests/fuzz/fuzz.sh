@@ -15,21 +15,21 @@ seconds=${2:-60}
 export folder seconds
 cd "$root"
 
-# A small tune and two whole ones in each form. The first byte of an input is three times the form's
-# place in the list of forms, and the number of strings less four.
+# A small tune on each instrument and in each form. The first byte of an input is three times the
+# form's place in the list of forms, and the number of strings less four.
 exchange_seeds() {  # folder
-    local tune place form
+    local strings place form
     printf '%s\n' X:1 T:Seed M:4/4 L:1/8 Q:1/4=120 K:D \
-        '"D"D2 (3FAd c>d f2|:[Ac]4 {g}f2-f2|[1 !1!A8:|[2 A8|]' > "$1/seed.abc"
-    for tune in "$1/seed.abc" examples/{greensleeves.gui,yankee_doodle.bjo}; do
+        '"D"D2 (3FAd c>d f2|:[Ac]4 {g}f2-f2|[1 !1!A8:|[2 A8|]' > "$1/seed"
+    for strings in 4 5 6; do
         for place in 0-abc 1-musicxml 2-mxl 3-mid 5-txt; do
             form=${place#*-}
-            { printf "\\x$(printf %x $((3 * ${place%-*} + 2)))" &&
-                build/fuzz/bin/quillon-export "$tune" --format "$form" -o - 2> /dev/null; } \
-                > "$1/$(basename "$tune").$form"
+            { printf "\\x$(printf %x $((3 * ${place%-*} + strings - 4)))" &&
+                build/fuzz/bin/quillon-export "$1/seed" --from abc --strings $strings \
+                    --format "$form" -o - 2> /dev/null; } > "$1/seed$strings.$form"
         done
     done
-    rm "$1/seed.abc"
+    rm "$1/seed"
 }
 export -f exchange_seeds
 
