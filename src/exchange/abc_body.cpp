@@ -1,5 +1,6 @@
 #include "exchange/abc_body.h"
 
+#include "exchange/abc_text.h"
 #include "exchange/text.h"
 #include "store/numbers.h"
 
@@ -86,17 +87,17 @@ void AbcBody::TakeText(std::string_view text, std::string& first, std::string* s
 {
     std::string& place = first.empty() || !second ? first : *second;
     if (place.empty())
-        place = TextForTable(text);
+        place = AbcText(text);
 }
 
-/// The first voice with music is read.
+/// The first voice with music is read; what stands before any name is voice 1.
 void AbcBody::TakeVoice(std::string_view text)
 {
     if (!inMusic)
         return;
     const std::string name(text.substr(0, text.find_first_of(" \t]")));
     if (!voice)
-        voice = OpenIndex() == 0 && Open().Events.empty() ? name : "";
+        voice = OpenIndex() == 0 && Open().Events.empty() ? name : "1";
     otherVoice = name != *voice;
     if (otherVoice)
         notices.Say("Only the first voice is read.");
@@ -197,7 +198,7 @@ void AbcBody::TakeQuoted()
     const std::size_t end = rest.find('"', 1);
     if (end == std::string_view::npos)
         return;
-    const std::string text = TextForTable(rest.substr(1, end - 1));
+    const std::string text = AbcText(rest.substr(1, end - 1));
     SkipPast(end);
     if (text.empty())
         return;
@@ -530,8 +531,11 @@ void AbcBody::EndRepeat()
     repeated = true;
 }
 
+/// A start while another one is open ends that one's section too: its end has been forgotten.
 void AbcBody::StartRepeat()
 {
+    if (openRepeat && sectionStart < OpenIndex())
+        EndRepeat();
     sectionStart = OpenIndex();
     openRepeat = true;
     laterEnding = false;

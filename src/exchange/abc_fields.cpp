@@ -21,15 +21,6 @@ bool IsAlphabetic(char c)
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-std::string Lowered(std::string_view text)
-{
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
 bool TakeCharacter(std::string_view& text, char wanted)
 {
     if (!text.starts_with(wanted))

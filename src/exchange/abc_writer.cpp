@@ -1,12 +1,13 @@
 #include "exchange/abc_writer.h"
 
-#include "exchange/text.h"
+#include "exchange/abc_text.h"
 #include "exchange/written_values.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <set>
 
 namespace quillon {
 
@@ -45,19 +46,13 @@ std::string LengthText(const WrittenValue& value)
     return halves == 1 ? "/" : std::to_string(halves) + "/2";
 }
 
-/// The bar line between a measure and the next one; some readers take ||: for a mere double bar.
-std::string BarText(const MusicMeasure& measure, const MusicMeasure* next)
-{
-    if (measure.EndsRepeat)
-        return next && next->StartsRepeat ? "::" : ":|";
-    if (next && next->StartsRepeat)
-        return "|:";
-    return measure.DoubleBar || (next && next->BeginDoubleBar) ? "||" : "|";
-}
-
 class AbcWriter {
 public:
-    AbcWriter(const Music& theMusic, Notices& theNotices) : music(theMusic), notices(theNotices) {}
+    AbcWriter(const Music& theMusic, Notices& theNotices) : music(theMusic), notices(theNotices)
+    {
+        for (const auto& [from, to] : PlayingOf(music).GoneBack)
+            starts.insert(static_cast<std::size_t>(to));
+    }
 
     std::string Write()
     {
@@ -70,12 +65,46 @@ public:
 private:
     const MusicMeasure& Here() const { return music.Measures[at]; }
 
+    /// A start that nothing goes back to is none: readers would take it for a forgotten end.
+    bool StartsRepeat(std::size_t measure) const
+    {
+        return music.Measures[measure].StartsRepeat && starts.contains(measure);
+    }
+
+    /// The bar line behind the measure. Some readers take ||: for a mere double bar, and a double
+    /// bar inside a bracket for its end.
+    std::string BarText() const
+    {
+        const bool last = at + 1 == music.Measures.size();
+        const bool start = !last && StartsRepeat(at + 1);
+        if (Here().EndsRepeat)
+            return start ? "::" : ":|";
+        if (start)
+            return "|:";
+        const MusicMeasure* next = last ? nullptr : &music.Measures[at + 1];
+        const bool isDouble =
+            Here().DoubleBar || (next && (next->BeginDoubleBar || next->StartsRepeat));
+        return isDouble && !(inBracket && GoesOn()) ? "||" : "|";
+    }
+
+    /// Whether the bracket in hand has its end repeat still before it.
+    bool GoesOn() const
+    {
+        for (std::size_t i = at + 1; i < music.Measures.size(); ++i) {
+            if (!music.Measures[i].Endings.empty() || StartsRepeat(i))
+                return false;
+            if (music.Measures[i].EndsRepeat)
+                return true;
+        }
+        return false;
+    }
+
     void WriteHeader()
     {
-        text = "X:1\nT:" + Utf8(music.Title) + "\n";
+        text = "X:1\nT:" + WrittenAbcText(music.Title) + "\n";
         for (const std::string& credit : music.Credits)
             if (!credit.empty())
-                text += "C:" + Utf8(credit) + "\n";
+                text += "C:" + WrittenAbcText(credit) + "\n";
         text += "M:" + SignatureText() + "\nL:1/16\n";
         if (music.Tempo > 0)
             text += "Q:1/4=" + std::to_string(std::lround(music.Tempo)) + "\n";
@@ -94,21 +123,24 @@ private:
         const MusicMeasure* before = at > 0 ? &music.Measures[at - 1] : nullptr;
         if (before && (Here().NewLine || at % kMeasuresInLine == 0))
             text += "\n";
-        if (!before && Here().StartsRepeat)
+        if (!before && StartsRepeat(0))
             text += "|:";
+        inBracket = inBracket || !Here().Endings.empty();
         if (!Here().Endings.empty())
             text += "[" + std::to_string(Here().Endings.front()) + " ";
         if (before && (before->Beats != Here().Beats || before->BeatUnit != Here().BeatUnit))
             text += "[M:" + SignatureText() + "]";
         if (!Here().Remark.empty())
-            text += "\"^" + Utf8(Here().Remark) + "\"";
+            text += "\"^" + WrittenAbcText(Here().Remark) + "\"";
         const auto sign = std::ranges::find(kSigns, Here().Sign, &AbcSign::Code);
         if (sign != std::end(kSigns))
             text += sign->Decoration;
         sharp.fill(false);
         for (std::size_t i = 0; i < Here().Events.size(); ++i)
             WriteEvent(i);
-        text += BarText(Here(), at + 1 < music.Measures.size() ? &music.Measures[at + 1] : nullptr);
+        text += BarText();
+        if (Here().EndsRepeat)
+            inBracket = false;
     }
 
     void WriteEvent(std::size_t i)
@@ -118,7 +150,7 @@ private:
         if (i > 0 && Here().Events[i - 1].Length >= kQuarterUnits / 2)
             text += " ";
         if (!event.Chord.empty())
-            text += "\"" + Utf8(event.Chord) + "\"";
+            text += "\"" + WrittenAbcText(event.Chord) + "\"";
         if (event.LeftHand >= '1' && event.LeftHand <= '5')
             text += std::string("!") + event.LeftHand + "!";
         if (value.Triplet && tripletLeft-- == 0)
@@ -167,8 +199,10 @@ private:
 
     const Music& music;
     Notices& notices;
+    std::set<std::size_t> starts;  // of repeats, which something goes back to
     std::string text;
     std::size_t at = 0;  // measure
+    bool inBracket = false;
     int tripletLeft = 0;
     std::array<bool, 7> sharp{};  // in this bar, by letter
 };

@@ -20,7 +20,7 @@ const std::vector<ExchangeForm>& ExchangeForms()
         {"musicxml", "xml",  "MusicXML",        ReadMxl,     WriteMusicXml, Repeats::Jumps   },
         {"mxl",      "",     "packed MusicXML", ReadMxl,     WriteMxl,      Repeats::Jumps   },
         {"mid",      "midi", "MIDI",            ReadMidi,    nullptr,       Repeats::Shown   },
-        {"ly",       "",     "LilyPond",        nullptr,     WriteLilyPond, Repeats::Followed},
+        {"ly",       "",     "LilyPond",        nullptr,     WriteLilyPond, Repeats::Drawn   },
         {"txt",      "tab",  "text tablature",  ReadTextTab, WriteTextTab,  Repeats::Shown   },
     };
     return forms;

@@ -1,5 +1,7 @@
 #include "exchange/music.h"
 
+#include "exchange/text.h"
+
 #include <algorithm>
 
 namespace quillon {
@@ -14,6 +16,7 @@ struct Walk {
     int at = 0;
     int start = 0;  // where the section in hand begins
     int pass = 1;
+    bool strays = false;
 
     int Count() const { return static_cast<int>(measures.size()); }
 
@@ -49,6 +52,7 @@ struct Walk {
                 at = i;
                 return;
             }
+        strays = true;
     }
 
     void Leave()
@@ -66,6 +70,17 @@ struct Walk {
 };
 
 }  // namespace
+
+bool LeadsToCoda(const MusicMeasure& measure)
+{
+    return Lowered(measure.Remark) == "/to coda";
+}
+
+bool IsJump(const MusicMeasure& measure)
+{
+    const std::string& sign = measure.Sign;
+    return sign == kDcAlCoda || sign == kDcAlFine || sign == kDsAlCoda || sign == kDsAlFine;
+}
 
 Units LengthOf(const MusicMeasure& measure)
 {
@@ -87,7 +102,35 @@ Playing PlayingOf(const Music& music)
         if (walk.at <= here)
             playing.GoneBack.emplace(here, walk.at);
     }
+    playing.Strays = walk.strays;
     return playing;
+}
+
+std::vector<int> JumpingOrder(const Music& music)
+{
+    const Measures& measures = music.Measures;
+    const auto jump = std::ranges::find_if(measures, IsJump);
+    if (jump == measures.end())
+        return {};
+    const bool fromSign = jump->Sign == kDsAlCoda || jump->Sign == kDsAlFine;
+    const bool toCoda = jump->Sign == kDsAlCoda || jump->Sign == kDcAlCoda;
+    const auto start =
+        fromSign ? std::ranges::find(measures, kSign, &MusicMeasure::Sign) : measures.begin();
+    const auto end = toCoda ? std::ranges::find_if(start, measures.end(), LeadsToCoda)
+                            : std::ranges::find(start, measures.end(), kFine, &MusicMeasure::Sign);
+    const auto coda = std::ranges::find(measures, kCoda, &MusicMeasure::Sign);
+    if (start > jump || end < start || end == measures.end() || (toCoda && coda == measures.end()))
+        return {};
+    std::vector<int> order;
+    const auto play = [&](auto from, auto to) {
+        for (; from < to; ++from)
+            order.push_back(static_cast<int>(from - measures.begin()));
+    };
+    play(measures.begin(), jump + 1);
+    play(start, end + 1);
+    if (toCoda)
+        play(coda, measures.end());
+    return order;
 }
 
 Music WrittenOut(const Music& music)

@@ -85,17 +85,28 @@ struct Music {
 /// Sum of the lengths of its events.
 Units LengthOf(const MusicMeasure& measure);
 
+/// Whether its remark is one that the performance follows: /To Coda.
+bool LeadsToCoda(const MusicMeasure& measure);
+
+/// Whether its sign has the tune go on elsewhere.
+bool IsJump(const MusicMeasure& measure);
+
 constexpr int kMostPlayed = 10000;
 
 struct Playing {
     std::vector<int> Order;                  // measures, from 0
     std::set<std::pair<int, int>> GoneBack;  // from the measure that ends a repeat, to its start
+    bool Strays = false;  // into an ending of another pass, because there is none for this one
 };
 
 /// How the repeats and endings of a music have it played. Signs such as D.C. take no part. A
 /// section is played once more than it has ends, or as often as its highest ending says; the end
 /// repeat of its last ending ends it. After `kMostPlayed` measures it stops.
 Playing PlayingOf(const Music& music);
+
+/// How a music without repeats is played by who follows its signs: the first jump is taken once.
+/// Nothing if that leads nowhere.
+std::vector<int> JumpingOrder(const Music& music);
 
 /// The same music with its measures in the order in which they are played, without repeats.
 Music WrittenOut(const Music& music);

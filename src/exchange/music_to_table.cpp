@@ -213,7 +213,7 @@ bool FlowsOn(const MusicMeasure& measure, const MusicMeasure& next)
 {
     return !measure.EndsRepeat && next.Endings.empty() &&
            (measure.Sign.empty() || measure.Sign == kSign || measure.Sign == kCoda) &&
-           measure.Remark != "/To Coda";
+           !LeadsToCoda(measure);
 }
 
 class TableWriter {

@@ -51,15 +51,6 @@ constexpr KindSuffix kKinds[] = {
 };
 // clang-format on
 
-std::string Lowered(std::string_view text)
-{
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
 const XmlElement kNothing;
 
 /// The element at the end of a way through first children; an empty one where it breaks off.
@@ -438,17 +429,19 @@ private:
         else if (content.Name == "coda")
             Here().Sign = kCoda;
         else if (content.Name == "words")
-            ReadWords(TextForTable(content.Text));
+            ReadWords(content.Text);
     }
 
-    void ReadWords(const std::string& text)
+    /// A blank before the words says that nobody is to follow them.
+    void ReadWords(const std::string& words)
     {
-        const std::string lower = Lowered(text);
+        const std::string text = TextForTable(words);
+        const std::string lower = words.starts_with(' ') ? "" : Lowered(text);
         const auto jump = std::ranges::find(kJumps, lower, &JumpWords::Words);
         if (jump != std::end(kJumps))
             Here().Sign = jump->Sign;
         else if (lower == "to coda")
-            Here().Remark = "/To Coda";
+            Here().Remark = "/" + text;
         else if (Here().Remark.empty())
             Here().Remark = text;
     }

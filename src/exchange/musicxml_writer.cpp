@@ -49,6 +49,20 @@ constexpr JumpSign kJumps[] = {
     {kDsAlFine, "D.S. al Fine", "dalsegno=\"segno\""},
 };
 
+/// Words that other programs follow wherever they stand. With a blank before them they do not.
+constexpr std::string_view kFollowedWords[] = {
+    "to coda",      "fine",
+    "d.c.",         "d.c",
+    "dc",           "d. c.",
+    "da capo",      "d.s.",
+    "d.s",          "ds",
+    "d. s.",        "dal segno",
+    "d.c. al fine", "da capo al fine",
+    "d.c. al coda", "da capo al coda",
+    "d.s. al fine", "dal segno al fine",
+    "d.s. al coda", "dal segno al coda",
+};
+
 struct ChordKind {
     std::string_view Suffix;
     const char* Kind;
@@ -146,6 +160,11 @@ std::string Direction(const std::string& type, const std::string& sound = {})
 std::string Words(std::string_view text, const std::string& sound = {})
 {
     return Direction(Element("words", Escaped(text), "xml:space=\"preserve\""), sound);
+}
+
+bool IsFollowed(std::string_view words)
+{
+    return std::ranges::count(kFollowedWords, Lowered(words)) > 0;
 }
 
 const MusicNote* NoteOn(const MusicEvent& event, int string)
@@ -325,14 +344,15 @@ private:
                                    Element("beat-unit", "quarter") + Element("per-minute", tempo)),
                            "tempo=\"" + tempo + "\""));
         }
-        if (!Here().Remark.empty() && Here().Remark != "/To Coda")
-            Line(Words(Here().Remark));
+        const std::string& remark = Here().Remark;
+        if (!remark.empty() && !LeadsToCoda(Here()))
+            Line(Words((IsFollowed(remark) ? " " : "") + remark));
     }
 
     void WriteJump()
     {
-        if (Here().Remark == "/To Coda")
-            Line(Words("To Coda", "tocoda=\"coda\""));
+        if (LeadsToCoda(Here()))
+            Line(Words(Here().Remark.substr(1), "tocoda=\"coda\""));
         const auto jump = std::ranges::find(kJumps, Here().Sign, &JumpSign::Code);
         if (jump != std::end(kJumps))
             Line(Words(jump->Words, jump->Sound));

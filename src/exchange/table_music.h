@@ -29,6 +29,7 @@ void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& no
 /// What the reader of a form does about repeats.
 enum class Repeats {
     Shown,     // they are read as they stand, whatever they mean
+    Drawn,     // the same, but beside them the tune sounds as repeats and endings say
     Followed,  // repeats and endings are, jumps such as D.C. al Fine are not
     Jumps      // jumps too, where the tune has no repeats beside them
 };

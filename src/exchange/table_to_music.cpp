@@ -186,15 +186,40 @@ private:
     Music& music;
 };
 
-bool IsJump(const MusicMeasure& measure)
-{
-    const std::string& sign = measure.Sign;
-    return sign == kDcAlCoda || sign == kDcAlFine || sign == kDsAlCoda || sign == kDsAlFine;
-}
-
 bool HasRepeats(const Music& music)
 {
     return std::ranges::any_of(music.Measures, &MusicMeasure::EndsRepeat);
+}
+
+bool HasEndings(const Music& music)
+{
+    return std::ranges::any_of(music.Measures,
+                               [](const auto& measure) { return !measure.Endings.empty(); });
+}
+
+/// Whether a bracket begins while the one before it is still open.
+bool HasBracketInBracket(const Music& music)
+{
+    bool open = false;
+    for (const MusicMeasure& measure : music.Measures) {
+        open = open && !measure.StartsRepeat;
+        if (open && !measure.Endings.empty())
+            return true;
+        open = (open || !measure.Endings.empty()) && !measure.EndsRepeat && !measure.DoubleBar;
+    }
+    return false;
+}
+
+/// Whether the reader of a form plays the measures in the tune's order. Who takes a jump takes no
+/// repeat behind it, and the last ending.
+bool IsPlayedIn(const std::vector<int>& order, const Music& music, Repeats reader)
+{
+    if (std::ranges::any_of(music.Measures, IsJump))
+        return reader == Repeats::Jumps && !HasRepeats(music) && !HasEndings(music) &&
+               order == JumpingOrder(music);
+    const Playing playing = PlayingOf(music);
+    return order == playing.Order &&
+           (reader == Repeats::Drawn || (!playing.Strays && !HasBracketInBracket(music)));
 }
 
 /// The measures as they are played, without the signs that have them played so.
@@ -236,9 +261,7 @@ Music MusicOf(Tune& tune, const ExportChoices& choices, Notices& notices)
         return music;
 
     const std::vector<int> order = PlayedOrder(tune);
-    const bool jumps = std::ranges::any_of(music.Measures, IsJump);
-    if (jumps ? choices.Reader == Repeats::Jumps && !HasRepeats(music)
-              : order == PlayingOf(music).Order)
+    if (IsPlayedIn(order, music, choices.Reader))
         return music;
     notices.Say("The measures are written out in the order in which they are played.");
     return InOrder(music, order);

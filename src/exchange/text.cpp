@@ -63,6 +63,13 @@ char ToTable(char32_t character)
     return found == std::end(kUpper) ? '?' : static_cast<char>(0x80 + (found - kUpper));
 }
 
+}  // namespace
+
+bool IsUtf8(std::string_view text)
+{
+    return FromUtf8(text).has_value();
+}
+
 void AppendUtf8(std::string& text, char32_t character)
 {
     if (character < 0x80) {
@@ -76,8 +83,6 @@ void AppendUtf8(std::string& text, char32_t character)
         text += static_cast<char>(0x80 | (character & 0x3FU));
     }
 }
-
-}  // namespace
 
 std::string TextForTable(std::string_view text)
 {
@@ -104,6 +109,15 @@ std::string Utf8(std::string_view text)
         AppendUtf8(utf8, character == 0 && upper ? U'?' : character);
     }
     return utf8;
+}
+
+std::string Lowered(std::string_view text)
+{
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return lower;
 }
 
 std::string_view Trimmed(std::string_view text)

@@ -89,6 +89,8 @@ TEST(AbcReaderTest, RepeatsAreReadAsTuneBooksMeanThem)
         {"|:C|[1D:|[2E||F|[1G:|[2A|]", "CDCEFGFA" },
         {"|:C|D|E|",                   "CDE"      },
         {"|:C2 D2|E2:|:F2|G4:|",       "CECEFGFG" },
+        {"|:C|D|:E|F:|G|",             "CDCDEFEFG"},
+        {"|:C|[1D:|[2E|:F|:G|",        "CDCEFFG"  },
     };
     for (const auto& [music, played] : tunes) {
         const FoundTune found = AbcTune(music);
@@ -123,6 +125,28 @@ TEST(AbcReaderTest, TextsAndChordNamesAreKept)
     EXPECT_EQ(music.Measures.at(1).Events[0].Chord, "Am");
     EXPECT_EQ(ReadAbc("X:1\nT:\xC3\xA9t\xC3\xA9 \xE2\x82\xAC\nK:C\nC\n").at(0).Tune.Title,
               "\xE9t\xE9 \x80");
+}
+
+TEST(AbcReaderTest, CharactersThatAreHardToTypeHaveNames)
+{
+    const std::pair<const char*, const char*> titles[] = {
+        {"Caf\\'e \\`a la \\cC",         "Caf\xE9 \xE0 la \xC7"    },
+        {"Caf&eacute; &amp; &lt;b&gt;",  "Caf\xE9 & <b>"           },
+        {"\\u0025 \\u00fc &#228;&#xdf;", "% \xFC \xE4\xDF"         },
+        {"50 \\% \\\\ \\\"u",            "50 % \\ \xFC"            },
+        {"\xE9t\\'e",                    "\xE9t\xE9"               },
+        {"R&B; \\x &nothing; \\u12",     "R&B; \\x &nothing; \\u12"},
+        {"a\\",                          "a\\"                     },
+    };
+    for (const auto& [written, title] : titles)
+        EXPECT_EQ(ReadAbc("X:1\nT:" + std::string(written) + "\nK:C\nC\n").at(0).Tune.Title, title);
+}
+
+TEST(AbcReaderTest, WhatStandsBeforeAnyVoiceIsTheFirst)
+{
+    EXPECT_EQ(Events("C|\nV:1\nD|\nV:2\nE|\nV:1\nF|"), "60:12 | 62:12 | 65:12");
+    EXPECT_EQ(Events("V:2\nD|\nV:1\nE|\nV:2\nF|"), "62:12 | 65:12");
+    EXPECT_EQ(Events("C|\nV:2\nE|\n"), "60:12");
 }
 
 TEST(AbcReaderTest, WhatHasNoPlaceIsTold)

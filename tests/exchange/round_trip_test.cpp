@@ -152,6 +152,17 @@ TEST(RoundTripTest, MusicXmlGivesTheTableBack)
     }
 }
 
+TEST(RoundTripTest, RemarksAreNeverTakenForWhatATuneFollows)
+{
+    for (const char* remark :
+         {"To Coda", "/To Coda", "/TO CODA", "D.C. al Fine", "Fine", "D.S.", "/D.S.", "Coda"}) {
+        Tune tune;
+        AddMeasure(tune).Slot(3) = remark;
+        AddNote(tune, kWhole, 1, "3");
+        EXPECT_EQ(ThroughMusicXml(tune), Kept(tune)) << remark;
+    }
+}
+
 int StringsOf(const std::filesystem::path& path)
 {
     return FindModeOfExtension(path.extension().string().substr(1))->NumStrings;

@@ -77,6 +77,35 @@ TEST_F(TableToMusicTest, WhatOthersWouldPlayDifferentlyIsWrittenOut)
     EXPECT_EQ(notices.Lines().size(), 1U);
 }
 
+TEST_F(TableToMusicTest, ABracketThatOthersWouldPassOverIsWrittenOut)
+{
+    AddQuarters(tune, 2);
+    tune[1].Slot(2) = "1";
+    tune[3].Slot(2) = "2";
+    EXPECT_EQ(Made(Repeats::Drawn).Measures[1].Endings.size(), 1U);
+    EXPECT_TRUE(Made(Repeats::Followed).Measures[1].Endings.empty());
+    tune[3].Slot(2) = "1";
+    EXPECT_TRUE(Made(Repeats::Followed).Measures[1].Endings.empty());
+    EXPECT_EQ(notices.Lines().size(), 1U);
+}
+
+TEST_F(TableToMusicTest, AJumpThatOthersTakeDifferentlyIsWrittenOut)
+{
+    AddQuarters(tune, 4);
+    tune[1].Slot(1) = kSign;
+    tune[3].Slot(3) = "/to coda";
+    tune[5].Slot(1) = kDsAlCoda;
+    tune[7].Slot(1) = kCoda;
+    EXPECT_EQ(Made(Repeats::Jumps).Measures.size(), 4U);
+    // At the jump's own measure the Coda comes at once.
+    tune[3].Slot(3) = "";
+    tune[5].Slot(3) = "/To Coda";
+    const Music music = Made(Repeats::Jumps);
+    EXPECT_EQ(EventText(music), "64:12 | 65:12 | 66:12 | 67:12");
+    EXPECT_EQ(music.Measures[2].Sign, "");
+    EXPECT_EQ(notices.Lines().size(), 1U);
+}
+
 TEST_F(TableToMusicTest, JumpsWithoutRepeatsStayForWhoFollowsThem)
 {
     AddQuarters(tune, 3);

@@ -51,6 +51,37 @@ TEST(WritersTest, AbcHasLengthsInSixteenthsAndExplicitAccidentals)
     EXPECT_EQ(notices.Lines().size(), 2U);
 }
 
+/// Measures of a whole note each, with these bar signs.
+std::string AbcOf(const std::vector<std::string_view>& barCodes,
+                  const std::vector<std::string>& brackets = {}, const std::string& remark = {})
+{
+    Tune tune;
+    for (std::size_t i = 0; i < barCodes.size(); ++i) {
+        NoteRecord& head = AddMeasure(tune);
+        head.BarCode = barCodes[i];
+        head.Slot(2) = i < brackets.size() ? brackets[i] : "";
+        AddNote(tune, kWhole, 1, std::to_string(i));
+    }
+    tune[1].Slot(3) = remark;
+    Notices notices;
+    const std::string text = WriteAbc(MusicFrom(tune), notices);
+    return text.substr(text.find("K:C\n") + 4);
+}
+
+TEST(WritersTest, AbcRepeatsAreThoseThatItsReadersPlay)
+{
+    EXPECT_EQ(AbcOf({kRepeatStart, "", kRepeatStart, kRepeatEnd}), "E16|F16|:^F16|G16:|\n");
+    EXPECT_EQ(AbcOf({kRepeatStart, kRepeatEnd, kRepeatStart, kRepeatEnd}),
+              "|:E16|F16::^F16|G16:|\n");
+    EXPECT_EQ(AbcOf({"", kRepeatEnd, kDoubleBar, kRepeatEnd, ""}, {"", "1", "2", "", "3"}),
+              "E16|[1 F16:|[2 ^F16|G16:|\n[3 ^G16|\n");
+}
+
+TEST(WritersTest, AnAbcTextHasNoPercentSign)
+{
+    EXPECT_EQ(AbcOf({""}, {}, "50 % \\ slower"), "\"^50 \\u0025 \\\\ slower\"E16|\n");
+}
+
 TEST(WritersTest, TextTablatureStandsInColumns)
 {
     Tune tune;
