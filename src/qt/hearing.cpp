@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kPolling = 20ms;  // the band may be this late
-constexpr auto kDyingAway = 2s;  // of the last notes, in their room
+constexpr auto kDyingAway = 1s;  // of the last notes, in their room
 constexpr auto kForgetting = 15s;
 
 /// In terms of the tune, if there are any.
