@@ -167,6 +167,10 @@ void Hearing::SetState(State newState)
 
 void Hearing::Observe()
 {
+    if (std::exchange(openings, win.form.Openings) != win.form.Openings) {
+        Stop();  // what plays is not the tune that is shown
+        EndFollowing();
+    }
     const MidiForm& form = win.frmBldMidi;
     const bool hasFile = form.Loaded && !form.controls.cmdCreateEnabled;
     if (!hasFile)

@@ -91,6 +91,7 @@ private:
     std::string trouble;
     std::future<Built> building;
     std::vector<PlacedLine> buildingLines;  // of the tune that is being built
+    int openings = 0;                       // of tunes, as last seen
     std::optional<FormFile> formFile;
     bool formPlays = false;
 

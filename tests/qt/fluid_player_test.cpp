@@ -59,6 +59,21 @@ protected:
         return timer.elapsed();
     }
 
+    /// Of the file that is being played into.
+    static double SecondsPlayed()
+    {
+        return static_cast<double>(std::filesystem::file_size("played.wav")) / (44100 * 4);
+    }
+
+    /// The tick is that of the sound at this moment, within 50 ms.
+    void ExpectInStep(double tempoFactor)
+    {
+        const double before = SecondsPlayed();
+        const double heard = player.TickHeard() / (300 * 300 / 60.0 * tempoFactor);
+        EXPECT_GT(heard, before - 0.05);
+        EXPECT_LT(heard, SecondsPlayed() + 0.05);
+    }
+
     TemporaryDirectory folder;
     FluidPlayer player{std::chrono::milliseconds(500)};
     int ends = 0;
@@ -81,18 +96,48 @@ TEST_F(FluidPlayerTest, TellsTheEndOfATuneOnTheWindowsThread)
 
 TEST_F(FluidPlayerTest, TellsTheTickThatIsHeardWithin50Milliseconds)
 {
-    constexpr double kTicksPerSecond = 300 * 300 / 60.0;
-    constexpr double kBytesPerSecond = 44100 * 4;
     ASSERT_TRUE(player.Init());
     EXPECT_EQ(player.TickHeard(), 0);
     player.LoadBytes(Midi(10));
     player.Play(false);
     for (int i = 0; i < 10; ++i) {
         Wait(70);
-        const double seconds = player.TickHeard() / kTicksPerSecond;
-        const auto written = std::filesystem::file_size("played.wav");
-        EXPECT_NEAR(seconds, static_cast<double>(written) / kBytesPerSecond, 0.05);
+        ExpectInStep(1);
     }
+}
+
+TEST_F(FluidPlayerTest, WhatPlaysForEverCountsItsTicksAnewEachTime)
+{
+    constexpr int kTicksOfTune = 3 * 300;
+    ASSERT_TRUE(player.Init());
+    player.LoadBytes(Midi(3));
+    player.Play(true);
+    int highest = 0;
+    int turns = 0;
+    for (int i = 0, before = 0; i < 70; ++i) {
+        Wait(20);
+        const int tick = player.TickHeard();
+        turns += tick < before;
+        highest = std::max(highest, tick);
+        before = tick;
+    }
+    EXPECT_GE(turns, 2);
+    EXPECT_GT(highest, kTicksOfTune * 3 / 4);
+    EXPECT_LT(highest, kTicksOfTune + 100);
+}
+
+TEST_F(FluidPlayerTest, TheTickKeepsUpWithTheTempoFactor)
+{
+    ASSERT_TRUE(player.Init());
+    player.LoadBytes(Midi(20));
+    player.Play(false);
+    player.SetTempoFactor(2);
+    Wait(500);
+    ExpectInStep(2);
+    player.SetTempoFactor(0);
+    const int paused = player.TickHeard();
+    Wait(100);
+    EXPECT_NEAR(player.TickHeard(), paused, 30);
 }
 
 TEST_F(FluidPlayerTest, SaysWhyThereIsNoSound)

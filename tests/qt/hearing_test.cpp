@@ -332,6 +332,19 @@ TEST_F(HearingTest, OnlyOneOfBothPlayersPlays)
     EXPECT_EQ(strip.Calls.back(), "Stop");
 }
 
+TEST_F(HearingTest, AnotherTuneIsNotShownWithTheMusicOfThisOne)
+{
+    MakeTune(80);
+    PlayFrom(1);
+    strip.Tick = 79 * 4 * win.frmBldMidi.SoundNow().Tempo;
+    WaitForBand();
+    EXPECT_NE(area.InView().Page, 0);
+    win.form.Saved = SavedState::Saved;
+    runner.Run("New", [&] { win.mnuNew(); });
+    EXPECT_FALSE(hearing.IsOn());
+    EXPECT_EQ(area.InView().Page, 0);
+}
+
 TEST_F(HearingTest, NothingAsksWhereTheMusicIsWhenThereIsNone)
 {
     MakeTune(1);
