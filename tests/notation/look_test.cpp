@@ -1,6 +1,8 @@
 #include "notation/look.h"
 #include "page_desk.h"
 
+#include <array>
+
 namespace quillon {
 namespace {
 
@@ -41,7 +43,7 @@ protected:
         return text;
     }
 
-    /// The fixed metrics make its ink 80 by 200 twips, 20 right of `x`, from 80 above the string.
+    /// The fixed metrics make its ink 60 by 200 twips, 20 right of `x`, from 80 above the string.
     void Figure(double x, double string, const std::string& text = "3")
     {
         surface.PrintLineAt(x, string - 100, text, Role::Figure);
@@ -352,6 +354,32 @@ TEST_F(LookTest, EveryRoleHasAPenInEveryLook)
             EXPECT_TRUE(stroke.Pen > 0 || role == Role::RepeatDot || role >= Role::Figure)
                 << static_cast<int>(role);
         }
+}
+
+TEST_F(LookTest, AFigureThatReachesOverAStemsEdgeOnlyIsAboveItToo)
+{
+    Figure(2000, 1165);  // its ink is from 2020 to 2080
+    for (double x : {2016.0, 2084.0})
+        surface.Line(x, 1230, x, 1500, Role::Stem);
+    for (const Stroke& stem : Of(Role::Stem))
+        EXPECT_DOUBLE_EQ(stem.Drawn.Y1, 1165 + 120 + 0.17 * kGap);
+}
+
+TEST_F(LookTest, LinesCoverTheirPensWidthBesideThem)
+{
+    const auto ink = [&](double x2, double y2) {
+        Stroke stroke;
+        stroke.Drawn.X1 = 100;
+        stroke.Drawn.Y1 = 200;
+        stroke.Drawn.X2 = x2;
+        stroke.Drawn.Y2 = y2;
+        stroke.Pen = 20;
+        const Box box = InkOf({stroke}, kTwips, metrics).value();
+        return std::array{box.Left, box.Top, box.Right, box.Bottom};
+    };
+    EXPECT_EQ(ink(100, 500), (std::array{90.0, 200.0, 110.0, 500.0}));
+    EXPECT_EQ(ink(400, 200), (std::array{100.0, 190.0, 400.0, 210.0}));
+    EXPECT_EQ(ink(400, 500), (std::array{90.0, 190.0, 410.0, 510.0}));
 }
 
 }  // namespace

@@ -197,5 +197,15 @@ TEST_F(FollowerTest, ALineThatIsHigherThanTheWindowIsShownFromItsTop)
     EXPECT_EQ(follower.WindowAt(1, window, 500), window);
 }
 
+TEST_F(FollowerTest, TwoLinesShareTheWindowIfTheyFitWithSomeRoomAroundThem)
+{
+    const Follower follower = Playing({0, 1});
+    const double height = lines[1].Bottom - lines[0].Top + 300;
+    const PageWindow now{0, lines[0].Top - 350};  // the second line is not in it
+    ASSERT_FALSE(Sees(now, 1, height));
+    EXPECT_TRUE(Sees(follower.WindowAt(0, now, height), 1, height));
+    EXPECT_EQ(follower.WindowAt(0, now, height - 1), now);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -98,5 +98,19 @@ TEST_F(Rescue, CopyHoldsTheTailThoughEditsCountedTheTableBelowNothing)
     EXPECT_NE(RescueBytes(win.tune, win.form).find("\r\n1,7,48\r\n"), std::string::npos);
 }
 
+TEST_F(Rescue, CopyIsNamedAfterTheTuneButNotAfterACopy)
+{
+    const auto nameOfCopy = [&](const char* file) {
+        win.tune.FileName = file;
+        const std::filesystem::path path = WriteRescueCopy(win.tune, win.form, ".");
+        std::filesystem::remove(path);
+        return path.filename().string();
+    };
+    EXPECT_TRUE(nameOfCopy("reel.gui").starts_with("reel"));
+    EXPECT_TRUE(nameOfCopy("Rescue-me.gui").starts_with("Rescue-me"));
+    EXPECT_TRUE(nameOfCopy("Rescue-20260101-120000.gui").starts_with("Untitled"));
+    EXPECT_TRUE(nameOfCopy("reel-Rescue-20260101-120000.gui").starts_with("reel."));
+}
+
 }  // namespace
 }  // namespace quillon
