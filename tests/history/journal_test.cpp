@@ -287,14 +287,20 @@ TEST_F(JournalTest, OfALongTuneBecomesShortWhenAShortOneFollows)
         Play("key Left");
     }
     EXPECT_GT(fs::file_size(journal.Path()), kAllowed / 2);
-    Play("ask no");
-    Play("menu mnuNew");
-    for (int i = 0; i < 300; ++i) {
-        Play("type 3");
-        Play("key Enter");
-        Play("press cmdNext");
+    // A journal that was shortened while there was much of the long tune in it stays as it is until
+    // it has grown by a quarter.
+    bool isShort = false;
+    for (int tunes = 0; tunes < 5 && !isShort; ++tunes) {
+        Play("ask no");
+        Play("menu mnuNew");
+        for (int i = 0; i < 300; ++i) {
+            Play("type 3");
+            Play("key Enter");
+            Play("press cmdNext");
+        }
+        isShort = BecomesShorterThan(kAllowed, journal);
     }
-    EXPECT_TRUE(BecomesShorterThan(kAllowed, journal));
+    EXPECT_TRUE(isShort);
 }
 
 TEST_F(JournalTest, ThatSomebodyRemovesIsBegunAgain)
