@@ -137,7 +137,7 @@ Notices FileExchange::Take(const std::string& path)
     } catch (const std::exception& error) {  // nothing has changed
         dialogs.Tell("Import", NameOf(path) + " cannot be imported.\n" + ToUnicode(error.what()));
     }
-    return made && TakeImported(win, *made) ? said : Notices();
+    return made && TakeImported(win, *made, said) ? said : Notices();
 }
 
 /// None if no tune was chosen.

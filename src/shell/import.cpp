@@ -75,7 +75,7 @@ std::unique_ptr<Tune> MakeImported(const MainWin& win, FoundTune found, Notices&
     return made;
 }
 
-bool TakeImported(MainWin& win, const Tune& made)
+bool TakeImported(MainWin& win, const Tune& made, Notices& said)
 {
     if (!win.MayLeaveTune())
         return false;
@@ -83,7 +83,9 @@ bool TakeImported(MainWin& win, const Tune& made)
         win.mnuNew();
     else
         FindMenuEntry(FindMode(made.NumStrings)->Command)->Run(win);
-    win.FillNewTune(TuneBytes(made));
+    if (!win.FillNewTune(TuneBytes(made)))
+        said.Say(
+            "It has more than nine pages: it can be printed, but the window cannot show them.");
     return true;
 }
 

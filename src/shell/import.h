@@ -24,6 +24,6 @@ std::unique_ptr<Tune> MakeImported(const MainWin& win, FoundTune found, Notices&
 
 /// Puts a tune in the place of the present one: new, unnamed and unsaved. The save question is
 /// asked first. False if the present tune then stays.
-bool TakeImported(MainWin& win, const Tune& made);
+bool TakeImported(MainWin& win, const Tune& made, Notices& said);
 
 }  // namespace quillon

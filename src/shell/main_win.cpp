@@ -259,16 +259,18 @@ void MainWin::OpenTune(const std::function<std::optional<std::string>()>& choose
     platform.system.SetWaitCursor(false);
 }
 
-void MainWin::FillNewTune(const std::string& bytes)
+bool MainWin::FillNewTune(const std::string& bytes)
 {
     ShowTune(bytes);
     const int lastMeas = tune.LastMeas;
     for (int measure = 1; measure <= lastMeas; ++measure)  // so that its beams are known
         editor.ShowMeasure(measure);
     ShowFirstMeasure();
-    cmdRefresh();
+    const bool fits = ShowPages();
+    editor.SetFocus(Control::StaffBox);
     form.Saved = SavedState::Unsaved;
     platform.system.SetWaitCursor(false);
+    return fits;
 }
 
 bool MainWin::LoadTune()
@@ -447,15 +449,17 @@ void MainWin::cmdRefresh()
     editor.SetFocus(Control::StaffBox);
 }
 
-void MainWin::ShowPages()
+bool MainWin::ShowPages()
 {
     pages.mnuSmallView();
     pages.ResetCounters();
     pages.BlankPages();
     try {
         LayOutPages(tune, page, pages);
+        return true;
     } catch (const Fault&) {
         pages.BlankPages();
+        return false;
     }
 }
 

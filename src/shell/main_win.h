@@ -96,15 +96,16 @@ public:
     void mnuAbout();
 
     /// Puts a tune that is in no file, given as the bytes of one, in the place of the present tune,
-    /// which has just been begun.
-    void FillNewTune(const std::string& bytes);
+    /// which has just been begun. False if the pages cannot hold it; then they stay blank.
+    bool FillNewTune(const std::string& bytes);
 
     /// Lays the tune out on the pages, then gives StaffBox the focus. Nothing while a measure is
     /// being inserted.
     void cmdRefresh();
 
     /// Shows the pages of a tune that another one has given way to. Nothing but the pages changes.
-    void ShowPages();
+    /// False if they cannot hold it; then they are blank.
+    bool ShowPages();
 
     /// Where a refresh would put the lines of this state of the tune.
     std::vector<PlacedLine> PlacesOf(const Tune& performed) const;

@@ -55,7 +55,7 @@ public:
     {
         Past().Begin();
         Notices ignored;
-        TakeImported(Win(), *MakeImported(Win(), TunesIn(path).at(0), ignored));
+        TakeImported(Win(), *MakeImported(Win(), TunesIn(path).at(0), ignored), ignored);
         Past().Observe(Input::Command, "Import " + path);
     }
 

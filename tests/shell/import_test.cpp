@@ -27,7 +27,7 @@ protected:
     bool Import(const std::string& path)
     {
         said = {};
-        return TakeImported(win, *MakeImported(win, TunesIn(path).at(0), said));
+        return TakeImported(win, *MakeImported(win, TunesIn(path).at(0), said), said);
     }
 
     /// A banjo tune as MusicXML with its tablature. Without a tuning it is the first one.
@@ -134,6 +134,18 @@ TEST_F(ImportTest, AnInsertionIsOver)
     EXPECT_EQ(win.form.InputMode, InputMode::Fret);
     EXPECT_TRUE(win.form.Parked.Records.empty());
     EXPECT_EQ(win.tune.LastMeas, 2);
+}
+
+TEST_F(ImportTest, ATuneOfMoreThanNinePagesIsTakenAndTold)
+{
+    std::string music = "X:1\nL:1/1\nK:C\n";
+    for (int measure = 0; measure < 740; ++measure)
+        music += "C|";
+    ASSERT_TRUE(Import(File("long.abc", music + "\n")));
+    EXPECT_EQ(win.tune.LastMeas, 740);
+    EXPECT_EQ(said.Lines(), std::vector<std::string>{
+                                "It has more than nine pages: it can be printed, but the window "
+                                "cannot show them."});
 }
 
 TEST_F(ImportTest, WhatWasLeftOutIsTold)
