@@ -44,5 +44,18 @@ TEST(TimedEvents, OtherBytesHoldWhateverCanBeRead)
     EXPECT_NO_THROW(TimedEventsOf("This is text, and longer than a header with a track in it."));
 }
 
+TEST(TimedEvents, AFileWithoutADivisionHasNoTimes)
+{
+    MidiFileWriter writer;
+    writer.BeginFile();
+    writer.SetDivision(0);
+    writer.NextTrack();
+    writer.WriteEvent(145, 64, 100, 100);
+    writer.FinishTracks();
+    const TimedEvents timed = TimedEventsOf(writer.Bytes());
+    EXPECT_TRUE(timed.Events.empty());
+    EXPECT_EQ(timed.End, 0);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -312,6 +312,9 @@ TEST_F(LookTest, AnEngravedTieIsThinAtItsEndsAndThickInItsMiddle)
     const std::size_t middle = outline.size() / 4;
     EXPECT_NEAR(across(0), 0.05 * kGap, 0.01);
     EXPECT_NEAR(across(middle), 0.15 * kGap, 0.5);
+    const std::size_t right = outline.size() / 8;  // the outer edge comes first
+    EXPECT_GT(outline[right].X, outline[outline.size() - 1 - right].X);
+    EXPECT_LT(outline[right].Y, outline[outline.size() - 1 - right].Y);
 }
 
 TEST_F(LookTest, ALetterUnderAFigureMovesClearOfIt)

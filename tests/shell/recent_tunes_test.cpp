@@ -85,6 +85,17 @@ TEST_F(RecentTunesTest, TheSaveQuestionIsAskedOnceAndACancelledSaveOpensNothing)
     EXPECT_EQ(win.tune.FileName, path);
 }
 
+TEST_F(RecentTunesTest, TheSaveQuestionIsAskedOnceOnTheSameInstrumentToo)
+{
+    Start();
+    const std::string path = TuneFile("reel.gui");
+    Type("1\r");
+    dialogs.YesNo = {true, true};
+    dialogs.Files = {std::nullopt, std::nullopt};
+    OpenWithInstrument(win, path);
+    EXPECT_EQ(dialogs.YesNo.size(), 1U);
+}
+
 TEST_F(RecentTunesTest, ACopyOfATuneHasNoFileThatSaveCouldOverwrite)
 {
     Start();
