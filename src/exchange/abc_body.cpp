@@ -383,6 +383,8 @@ void AbcBody::TakeChordNote(MusicEvent& event, std::vector<Sounding>& sounding, 
     }
     if (rest.starts_with('"'))
         return TakeQuoted();
+    if (rest.starts_with('{'))
+        return TakeGraceNotes();
     if (rest.starts_with('!') || rest.starts_with('+'))
         return TakeDecoration(rest.front());
     const std::size_t notes = sounding.size();

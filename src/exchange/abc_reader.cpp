@@ -18,6 +18,12 @@ bool IsLetter(char c)
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
+/// "+:" goes on with the field of the line above.
+bool ContinuesField(std::string_view line)
+{
+    return line.starts_with("+:");
+}
+
 /// A field is a letter and a colon; "A:|" is music.
 bool IsField(std::string_view line)
 {
@@ -78,10 +84,16 @@ private:
                 EndTune();
             return;
         }
+        if (line.starts_with("%%begin"))
+            inBlock = true;
+        if (inBlock) {
+            inBlock = !line.starts_with("%%end");
+            return;
+        }
         line = Trimmed(WithoutComment(line));
         if (IsField(line))
             TakeField(line[0], line.substr(2));
-        else if (inMusic)
+        else if (inMusic && !ContinuesField(line))
             body->TakeLine(line);
     }
 
@@ -134,6 +146,7 @@ private:
     std::unique_ptr<FoundTune> found;                    // the tune in hand
     std::optional<AbcBody> body;
     bool inMusic = false;
+    bool inBlock = false;  // of text to be printed, from %%begintext to %%endtext
     int lineNumber = 0;
     int startLine = 0;
 };

@@ -250,6 +250,10 @@ std::string TuningText(const Music& music)
     return "tuning = \\stringTuning <" + pitches + ">\n";
 }
 
+/// Systems are tall with their texts: without more room in its reckoning LilyPond puts too many of
+/// them on a page, and says so.
+constexpr const char* kPaper = "\\paper { page-breaking-system-system-spacing.padding = 6 }\n";
+
 }  // namespace
 
 std::string WriteLilyPond(const Music& music, Notices&)
@@ -261,7 +265,7 @@ std::string WriteLilyPond(const Music& music, Notices&)
         music.Tempo > 0 ? "  \\tempo 4 = " + std::to_string(std::lround(music.Tempo)) + "\n" : "";
     const std::string capo =
         music.Capo > 0 ? "  s1*0^\\markup \"Capo " + std::to_string(music.Capo) + "\"\n" : "";
-    return "\\version \"2.24.1\"\n" + HeaderText(music) + TuningText(music) +
+    return "\\version \"2.24.1\"\n" + HeaderText(music) + kPaper + TuningText(music) +
            "tablature = {\n  \\tabFullNotation \\numericTimeSignature\n" + tempo + capo +
            NotesWriter(music, false).Write() + "}\nsound = {\n" + tempo +
            NotesWriter(WrittenOut(music), true).Write() +

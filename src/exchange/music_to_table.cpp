@@ -114,7 +114,8 @@ std::string BracketOf(const MusicMeasure& measure)
     if (measure.Endings.empty())
         return measure.EndingText;
     const int ending = measure.Endings.front();
-    return ValUnsigned(measure.EndingText) == ending ? measure.EndingText : std::to_string(ending);
+    return Round(ValUnsigned(measure.EndingText)) == ending ? measure.EndingText
+                                                            : std::to_string(ending);
 }
 
 NoteRecord HeadOf(const MusicMeasure& measure)

@@ -210,6 +210,14 @@ bool HasBracketInBracket(const Music& music)
     return false;
 }
 
+/// Whether a repeat goes back to a bracket: there is nothing before it that all passes have.
+bool RepeatsABracket(const Music& music, const Playing& playing)
+{
+    return std::ranges::any_of(playing.GoneBack, [&](const auto& jump) {
+        return !music.Measures[jump.second].Endings.empty();
+    });
+}
+
 /// Whether the reader of a form plays the measures in the tune's order. Who takes a jump takes no
 /// repeat behind it, and the last ending.
 bool IsPlayedIn(const std::vector<int>& order, const Music& music, Repeats reader)
@@ -219,7 +227,8 @@ bool IsPlayedIn(const std::vector<int>& order, const Music& music, Repeats reade
                order == JumpingOrder(music);
     const Playing playing = PlayingOf(music);
     return order == playing.Order &&
-           (reader == Repeats::Drawn || (!playing.Strays && !HasBracketInBracket(music)));
+           (reader == Repeats::Drawn ||
+            (!playing.Strays && !HasBracketInBracket(music) && !RepeatsABracket(music, playing)));
 }
 
 /// The measures as they are played, without the signs that have them played so.

@@ -164,6 +164,9 @@ TEST(AbcReaderTest, SignsWithoutAMeaningArePassedOver)
 {
     EXPECT_EQ(Events("C * $ ; ` ! ~D .E uF vG y2 \\% D"), "60:12 62:12 64:12 65:12 67:12 62:12");
     EXPECT_EQ(Events("C D % E"), "60:12 62:12");
+    EXPECT_EQ(Events("C|\n%%begintext\nD E\n%%endtext\nF|\nr:G\n+:A b\nG"),
+              "60:12 | 65:12 | 67:12");
+    EXPECT_EQ(Events("[{c}CE]D"), "60,64:12 62:12");
     EXPECT_EQ(Events("C|D \\\n% between\nE|F"), "60:12 | 62:12 64:12 | 65:12");
 }
 

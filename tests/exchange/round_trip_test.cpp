@@ -163,6 +163,16 @@ TEST(RoundTripTest, RemarksAreNeverTakenForWhatATuneFollows)
     }
 }
 
+TEST(RoundTripTest, ABracketsTextIsKeptIfItHasItsNumber)
+{
+    for (const char* bracket : {"1", "1.", "1st time", "1, 2", "1.4"}) {
+        Tune tune;
+        AddMeasure(tune).Slot(2) = bracket;
+        AddNote(tune, kWhole, 1, "3");
+        EXPECT_EQ(ThroughMusicXml(tune), Kept(tune)) << bracket;
+    }
+}
+
 int StringsOf(const std::filesystem::path& path)
 {
     return FindModeOfExtension(path.extension().string().substr(1))->NumStrings;

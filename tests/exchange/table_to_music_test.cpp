@@ -89,6 +89,18 @@ TEST_F(TableToMusicTest, ABracketThatOthersWouldPassOverIsWrittenOut)
     EXPECT_EQ(notices.Lines().size(), 1U);
 }
 
+TEST_F(TableToMusicTest, ABracketThatIsAllOfItsRepeatIsWrittenOut)
+{
+    AddQuarters(tune, 2);
+    tune[1].Slot(2) = "1";
+    tune[1].BarCode = kRepeatEnd;
+    tune[3].Slot(2) = "2";
+    const Music music = Made(Repeats::Followed);
+    EXPECT_EQ(EventText(music), "64:12 | 65:12");
+    EXPECT_TRUE(music.Measures[0].Endings.empty());
+    EXPECT_FALSE(music.Measures[0].EndsRepeat);
+}
+
 TEST_F(TableToMusicTest, AJumpThatOthersTakeDifferentlyIsWrittenOut)
 {
     AddQuarters(tune, 4);

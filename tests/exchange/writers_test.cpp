@@ -109,9 +109,9 @@ TEST(WritersTest, LilyPondHasTheTuneAsWrittenAndAsItSounds)
     Notices notices;
     const std::string text = WriteLilyPond(MusicFrom(tune), notices);
     for (const char* part :
-         {"title = \"Small\"", "tuning = \\stringTuning <e, a, d g b e'>",
-          "<fis'\\1>4^\\markup \\bold \"D\"", "<d'\\2>16( <e'\\2>16) <e''\\1 e,\\6>8",
-          "\\set Score.repeatCommands = #'(end-repeat)",
+         {"title = \"Small\"", "page-breaking-system-system-spacing.padding",
+          "tuning = \\stringTuning <e, a, d g b e'>", "<fis'\\1>4^\\markup \\bold \"D\"",
+          "<d'\\2>16( <e'\\2>16) <e''\\1 e,\\6>8", "\\set Score.repeatCommands = #'(end-repeat)",
           "\\tuplet 3/2 { <gis\\3>8 <gis\\3>8 <gis\\3>8 } r2 |"})
         EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
     // Two measures as written, three as they sound.

@@ -1,0 +1,167 @@
+#!/usr/bin/env python3
+"""Random tunes, played by programs that are not ours.
+
+    played_elsewhere.py --export QUILLON_EXPORT --form musicxml|abc|ly [--from SEED] [--count N]
+
+Each tune is exported in the form, and another program makes a MIDI file of that: MuseScore 3, abc2midi
+or LilyPond. Its notes must be those of our own MIDI file in onset, pitch and length, to a sixteenth of
+a quarter. Only what a tune strikes again behind a bar line may be one tied note elsewhere, and slides
+are taken out for MuseScore, which fills them with notes between. Tunes that cannot be played are passed
+over, and counted. The exit status is 1 if anything differed.
+"""
+
+import argparse
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+import played_notes
+import random_forms
+
+BATCH = 100  # tunes
+TEMPO = 120  # its quarter has 120 ticks, in which every value of a tune is exact
+
+
+def export(options, tunes, form):
+    """Exports the tunes that can be; the files are named like the tunes."""
+    out = tunes[0].parent / form
+    out.mkdir()
+    command = [options.export, *tunes, "--tempo", str(TEMPO), "--format", form, "-o", f"{out}/"]
+    subprocess.run(command, capture_output=True, check=False)
+    return {file.stem: file for file in out.iterdir()}
+
+
+def play_in_musescore(scores, folder):
+    """MuseScore takes a list of conversions."""
+    jobs = []
+    for name, score in scores.items():
+        text = score.read_text(encoding="utf-8")
+        score.write_text(re.sub(r"<slide [^>]*/>", "", text), encoding="utf-8")
+        jobs.append({"in": str(score), "out": str(folder / f"{name}.mid")})
+    (folder / "jobs.json").write_text(json.dumps(jobs))
+    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "HOME": str(folder)}
+    subprocess.run(["musescore3", "-j", folder / "jobs.json"], env=environment, check=True,
+                   capture_output=True)
+
+
+def play_in_abc2midi(scores, folder):
+    """As written: without chords of its own, and without notes of a chord one behind the other."""
+    for name, score in scores.items():
+        text = score.read_text(encoding="utf-8")
+        quiet = "K:C\n%%MIDI gchordoff\n%%MIDI chordattack 0\n"
+        score.write_text(text.replace("K:C\n", quiet, 1), encoding="utf-8")
+        subprocess.run(["abc2midi", score, "-o", folder / f"{name}.mid"], capture_output=True,
+                       check=False)
+
+
+def play_in_lilypond(scores, folder):
+    """The scores for the ear alone, of all tunes in one file."""
+    names = list(scores)
+    book = ['\\version "2.24.1"']
+    for name in names:
+        sound = re.search(r"^sound = (\{.*?^\})", scores[name].read_text(encoding="utf-8"), re.M | re.S)
+        book.append(f"\\score {{ \\new Staff {sound[1]} \\midi {{ }} }}")
+    (folder / "book.ly").write_text("\n".join(book), encoding="utf-8")
+    done = subprocess.run(["lilypond", "--loglevel=WARN", "book.ly"], cwd=folder, check=False,
+                          capture_output=True, text=True)
+    if done.stderr:
+        print(done.stderr)
+    for number, name in enumerate(names):
+        made = folder / (f"book-{number}.midi" if number else "book.midi")
+        if made.exists():
+            made.rename(folder / f"{name}.mid")
+
+
+PLAYERS = {"musicxml": play_in_musescore, "abc": play_in_abc2midi, "ly": play_in_lilypond}
+
+
+def measure_ends(tune, order):
+    """Where measures end in the tune as it is played, in quarters."""
+    lengths = {}
+    lines = tune.read_bytes().decode("latin-1").split("\r\n")
+    for i in range(0, len(lines) - 1, 9):
+        measure, code = lines[i].split(",")[:2]
+        ticks = random_forms.TICKS.get(int(code), 0)
+        lengths[int(measure)] = lengths.get(int(measure), 0) + ticks
+    ends, now = [], 0
+    for measure in order:
+        now += lengths[measure]
+        ends.append(now / 12)
+    return ends
+
+
+def compare(options, tune, ours, theirs):
+    """None, or what differs."""
+    if theirs is None:
+        return "it was not played at all"
+    wanted, found = played_notes.without_unisons(
+        played_notes.notes_of_midi(ours.read_bytes()),
+        played_notes.notes_of_midi(theirs.read_bytes()))
+    wrong = played_notes.difference(found, wanted)
+    if not wrong:
+        return None
+    run = subprocess.run([options.export, "--order", tune], capture_output=True, text=True, check=True)
+    ends = measure_ends(tune, map(int, run.stdout.split()))
+    again = lambda at: any(played_notes.near(at, end) for end in ends)  # noqa: E731
+    return played_notes.difference(found, wanted, may_strike_again=again)
+
+
+def run_batch(options, seeds, folder):
+    """(tunes played, failures) of these seeds."""
+    tunes = []
+    for seed in seeds:
+        extension, data = random_forms.random_tune(seed)
+        tunes.append(folder / f"tune{seed}.{extension}")
+        tunes[-1].write_bytes(data)
+    ours = export(options, tunes, "mid")
+    scores = export(options, [tune for tune in tunes if tune.stem in ours], options.form)
+    for name in set(ours) - set(scores):
+        print(f"{name}: can be played, but not exported")
+    played = folder / "played"
+    played.mkdir()
+    PLAYERS[options.form](scores, played)
+    failures = len(set(ours) - set(scores))
+    for tune in tunes:
+        if tune.stem not in scores:
+            continue
+        theirs = played / f"{tune.stem}.mid"
+        wrong = compare(options, tune, ours[tune.stem], theirs if theirs.exists() else None)
+        if wrong:
+            failures += 1
+            print(f"{tune.stem}: {wrong}", flush=True)
+            if options.keep:
+                for file in (tune, scores[tune.stem], ours[tune.stem], theirs):
+                    if file.exists():
+                        place = pathlib.Path(options.keep) / f"{options.form}_{file.parent.name}_{file.name}"
+                        place.write_bytes(file.read_bytes())
+    return len(ours), failures
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--export", required=True, help="path of quillon-export")
+    parser.add_argument("--form", required=True, choices=PLAYERS)
+    parser.add_argument("--from", dest="first", type=int, default=1, help="first seed")
+    parser.add_argument("--count", type=int, default=100)
+    parser.add_argument("--keep", help="folder for the files of failing tunes, dropped without it")
+    options = parser.parse_args()
+    options.export = os.path.abspath(options.export)
+
+    played = failures = 0
+    last = options.first + options.count
+    for first in range(options.first, last, BATCH):
+        with tempfile.TemporaryDirectory() as folder:
+            seeds = range(first, min(first + BATCH, last))
+            batch = run_batch(options, seeds, pathlib.Path(folder))
+        played, failures = played + batch[0], failures + batch[1]
+    silent = options.count - played
+    print(f"{played - failures} passed, {failures} failed, {silent} cannot be played")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
