@@ -12,7 +12,7 @@ test="libgtest-dev libgmock-dev libbenchmark-dev qt6-base-private-dev clang-16 c
       clang-format-16 xvfb xauth xdotool xclip openbox x11-utils python3-xlib imagemagick poppler-utils
       qpdf sox vorbis-tools mpg123 midicsv abcmidi cups-daemon cups-client librsvg2-bin ghostscript procps strace
       appstream bash-completion desktop-file-utils dpkg-dev fontconfig libfile-mimeinfo-perl
-      libxml2-utils lintian man-db shared-mime-info xdg-utils zsh"
+      libxml2-utils lintian man-db shared-mime-info time xdg-utils zsh"
 
 wanted=""
 for group in "$@"; do

@@ -59,7 +59,9 @@ std::optional<std::string> BytesOf(const std::string& path)
 {
     try {
         return ReadFileBytes(path);
-    } catch (const Fault&) {
+    } catch (const Fault& fault) {
+        if (fault.Number() == Error::Overflow)
+            throw ExportError(kTooLargeToRead);
         return std::nullopt;
     }
 }

@@ -2,11 +2,11 @@
 
 #include "exchange/second_voice.h"
 #include "exchange/text.h"
-#include "store/numbers.h"
 #include "store/tunings.h"
 #include "xml/xml_document.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <map>
 #include <optional>
@@ -50,6 +50,14 @@ constexpr KindSuffix kKinds[] = {
     {"diminished-seventh", "dim7"},
 };
 // clang-format on
+
+/// From 0 to `highest`; 0 if it is no number.
+double NumberIn(std::string_view text, double highest)
+{
+    double number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number > 0 ? std::min(number, highest) : 0;
+}
 
 const XmlElement kNothing;
 
@@ -450,7 +458,7 @@ private:
     {
         const std::string tempo(sound.Attribute("tempo"));
         if (music.Tempo == 0 && !tempo.empty() && tempo.size() < 10)
-            music.Tempo = std::clamp(ValUnsigned(tempo), 0.0, 1000.0);
+            music.Tempo = NumberIn(tempo, 1000);
     }
 
     void ReadBar(const XmlElement& bar)
@@ -515,7 +523,7 @@ void ReadHeader(const XmlElement& score, Music& music)
         }
     for (const XmlElement& field : At(identification, {"miscellaneous"}).Children)
         if (field.Attribute("name") == "quillon-tuning")
-            music.TuningRow = std::clamp(Round(ValUnsigned(field.Text.substr(0, 4))), 0, 50);
+            music.TuningRow = static_cast<int>(NumberIn(Trimmed(field.Text), 50));
 }
 
 /// The first part with tablature, or the first of all.

@@ -42,6 +42,25 @@ std::string OnString(int string, int fret)
            std::to_string(fret) + "</fret></technical></notations>";
 }
 
+TEST(MusicXmlReaderTest, NumbersBeyondAllNumbersDoNoHarm)
+{
+    const auto tempo = [](const std::string& text) {
+        return Read("<sound tempo=\"" + text + "\"/>" + Note("C", 8)).Tune.Tempo;
+    };
+    EXPECT_EQ(tempo("120.5"), 120.5);
+    EXPECT_EQ(tempo("99999"), 1000);
+    EXPECT_EQ(tempo("1e999"), 0);
+    EXPECT_EQ(tempo("-5"), 0);
+    EXPECT_EQ(tempo("nan"), 0);
+    const FoundTune found = ReadMusicXml("<score-partwise><identification><miscellaneous>"
+                                         "<miscellaneous-field name=\"quillon-tuning\">9e99"
+                                         "</miscellaneous-field></miscellaneous></identification>"
+                                         "<part id=\"P1\"><measure number=\"1\">" +
+                                         Note("C", 8) + "</measure></part></score-partwise>")
+                                .at(0);
+    EXPECT_EQ(found.Tune.TuningRow, 50);
+}
+
 TEST(MusicXmlReaderTest, ASecondVoiceFillsTheRestsOfTheFirst)
 {
     const FoundTune found = Read(kFourFour + Note("G", 2) + Note("", 6) + Backup(8) +
