@@ -103,16 +103,14 @@ class Tune:
             notes.append(LETTERS[low + self.rng.randint(4, 6)])
         if not self.has("chord-oddities"):
             return f"[{''.join(notes)}]"
-        kind = self.rng.randrange(6)
+        kind = self.rng.randrange(5)
         if kind == 0:
             return f"[{' '.join(notes)}]"
         if kind == 1:
-            return f"[{'2'.join(notes)}2]"
-        if kind == 2:
             return f"[^{''.join(notes)}]"
-        if kind == 3:
+        if kind == 2:
             return f'["G"{"".join(notes)}]'
-        if kind == 4:
+        if kind == 3:
             return f"[!1!{''.join(notes)}]"
         return f"[{notes[-1]}{''.join(notes[:-1])}]"
 
@@ -225,7 +223,7 @@ class Tune:
             return "\nw: so- me words | _ *\n"
         if self.chance("field-lines", 0.3):
             return "\n" + self.pick(["K:G", "K:Dm", "K:A", "Q:1/4=90", "N:note", "T:Second", "L:1/8",
-                                     "R:reel", "r:x"] if self.unit == 8 else ["K:G", "K:F", "N:note"]) + "\n"
+                                     "R:reel"] if self.unit == 8 else ["K:G", "K:F", "N:note"]) + "\n"
         return "\n"
 
     def bars(self, count):
@@ -272,7 +270,7 @@ class Tune:
         if self.chance("endings", 0.6):
             return self.pick(["|:", "|:", "" if first else "|:"]) + body + self.ending_pair()
         if self.chance("repeats", 0.8):
-            start = self.pick(["|:", "|:", "", "||:", "[|:", "|: "])
+            start = self.pick(["|:", "|:", "", "[|:", "|: "])
             return start + body + self.pick([":|", ":|", ":||", ":|]", "||", "|]", " :|", "::", ":|:", ":||:"])
         if self.rng.random() < 0.4:
             return "|:" + body + ":|"
