@@ -8,7 +8,7 @@ build="build-essential ca-certificates cmake ninja-build ccache pkg-config
        libfluidsynth-dev libsndfile1-dev librtmidi-dev
        libjack-jackd2-dev timgm6mb-soundfont python3 python3-fonttools python3-munkres python3-defcon
        fonts-liberation fonts-dejavu-core file"
-test="libgtest-dev libgmock-dev libbenchmark-dev qt6-base-private-dev clang-16 clang-tidy-16 libclang-rt-16-dev
+test="libgtest-dev libgmock-dev libbenchmark-dev qt6-base-private-dev clang-16 clang-tidy-22 libclang-rt-16-dev
       clang-format-16 xvfb xauth xdotool xclip openbox x11-utils python3-xlib imagemagick poppler-utils
       qpdf sox vorbis-tools mpg123 midicsv abcmidi cups-daemon cups-client librsvg2-bin ghostscript procps strace
       appstream bash-completion desktop-file-utils dpkg-dev fontconfig libfile-mimeinfo-perl

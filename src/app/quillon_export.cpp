@@ -121,6 +121,7 @@ std::vector<std::string> MakePages(const ExportCommand& command, ExportedTune& t
     if (command.Format == "pdf")
         return {TheRenderer().Pdf(pages, choices)};
     std::vector<std::string> files;
+    files.reserve(pages.size());
     for (const Drawing& page : pages)
         files.push_back(command.Format == "svg" ? TheRenderer().Svg(page, choices)
                                                 : TheRenderer().Png(page, choices));

@@ -57,8 +57,9 @@ std::optional<char32_t> Accented(const Accent* accent, char letter)
 std::optional<char32_t> CharacterOf(std::string_view digits, int base)
 {
     int code = 0;
-    const char* last = digits.data() + digits.size();
-    const auto [end, error] = std::from_chars(digits.data(), last, code, base);
+    const char* first = digits.data();
+    const char* last = first + digits.size();
+    const auto [end, error] = std::from_chars(first, last, code, base);
     const bool is = error == std::errc() && end == last && code >= ' ' && code <= 0xFFFF;
     return is ? std::optional(static_cast<char32_t>(code)) : std::nullopt;
 }

@@ -147,7 +147,7 @@ void EditorWindow::OpenPractice()
 {
     if (!practice)
         practice = new PracticeSheet(win, *hearing, this);
-    practice->Open();
+    practice->ShowUp();
 }
 
 void EditorWindow::ShowLook()

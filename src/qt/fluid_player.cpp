@@ -17,7 +17,7 @@ namespace {
 constexpr double kBaseGain = 0.8;
 
 /// Takes a copy: the callback may reset the original.
-void Tell(std::function<void()> listener)
+void Tell(std::function<void()> listener)  // NOLINT(performance-unnecessary-value-param)
 {
     if (listener)
         listener();

@@ -52,6 +52,7 @@ void PageArea::Show()
     vsbPage->setPageStep(std::max(1, static_cast<int>(height() * kScreenDot)));
     vsbPage->setValue(pages->vsbPage);
     std::vector<Seen> now;
+    now.reserve(pages->picPage1.size());
     for (const PageSurface& page : pages->picPage1)
         now.push_back({page.Visible, page.Top, page.Surface.Picture().Revision()});
     if (now == seen)

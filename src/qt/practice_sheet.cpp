@@ -99,7 +99,7 @@ void PracticeSheet::MoveToCorner()
     move(corner - QPoint(width() + kBesideSheet, height() + kBesideSheet));
 }
 
-void PracticeSheet::Open()
+void PracticeSheet::ShowUp()
 {
     ShowTune();
     ShowState();

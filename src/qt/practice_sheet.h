@@ -27,7 +27,7 @@ public:
     PracticeSheet(const MainWin& mainWin, Hearing& theHearing, QWidget* mainWindow);
 
     /// Shows what was chosen for this tune, at first the measure in view and the next.
-    void Open();
+    void ShowUp();
 
 protected:
     bool event(QEvent* event) override;

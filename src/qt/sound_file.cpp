@@ -63,12 +63,15 @@ private:
     /// Events take effect at the block's beginning, where they are at most half a block off.
     void RenderBlock(float* block)
     {
-        const double soon = static_cast<double>(at + kBlock / 2) / kRate;
+        const double soon = (static_cast<double>(at) + kBlock / 2.0) / kRate;
         for (; next < events.Events.size() && events.Events[next].Seconds < soon; ++next)
             stage.Send(events.Events[next]);
         fluid_synth_write_float(synth.get(), kBlock, block, 0, 2, block, 1, 2);
-        for (int i = 0; i < 2 * kBlock; ++i)
-            block[i] *= std::clamp(static_cast<float>(end - at - i / 2) / kFade, 0.0F, 1.0F);
+        for (int frame = 0; frame < kBlock; ++frame) {
+            const float fade = std::clamp(static_cast<float>(end - at - frame) / kFade, 0.0F, 1.0F);
+            block[2 * frame] *= fade;
+            block[2 * frame + 1] *= fade;
+        }
         at += kBlock;
     }
 

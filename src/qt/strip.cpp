@@ -143,7 +143,9 @@ void SignButton::paintEvent(QPaintEvent*)
         palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.translate((width() - kSign) / 2, (height() - kSign) / 2);
+    const int left = (width() - kSign) / 2;
+    const int top = (height() - kSign) / 2;
+    painter.translate(left, top);
     sign(painter);
 }
 

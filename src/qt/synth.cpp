@@ -23,7 +23,7 @@ constexpr int kProgramChange = 0xC0;
 
 std::string FindSoundFont()
 {
-    const std::string named = Environment("QUILLON_SOUNDFONT");
+    std::string named = Environment("QUILLON_SOUNDFONT");
     if (!named.empty())
         return named;
     for (const char* name :

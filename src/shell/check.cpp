@@ -463,8 +463,9 @@ std::string OrderInRuns(const std::vector<int>& measures)
 {
     std::string text;
     for (std::size_t first = 0, next = 0; first < measures.size(); first = next) {
-        while (++next < measures.size() && measures[next] == measures[next - 1] + 1)
-            ;
+        next = first + 1;
+        while (next < measures.size() && measures[next] == measures[next - 1] + 1)
+            ++next;
         text += (text.empty() ? "" : ", ") + std::to_string(measures[first]);
         if (next - first > 1)
             text += '-' + std::to_string(measures[next - 1]);
