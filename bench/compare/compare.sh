@@ -8,7 +8,7 @@
 set -eu
 here=$(cd -- "$(dirname -- "$0")" && pwd)
 root=$(cd -- "$here/../.." && pwd)
-build=${1:-$root/build/bench}
+build=${1:-$root/build/dev}
 packages="lilypond musescore3 abcm2ps abcmidi ghostscript midicsv poppler-utils time"
 
 "$root/tools/install_packages.sh" build test
@@ -28,7 +28,7 @@ if [ -n "$missing" ]; then
 fi
 
 [ -f "$build/build.ninja" ] \
-    || cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release > /dev/null
+    || (cd "$root" && cmake --preset dev -B "$build" > /dev/null)
 ninja -C "$build" --quiet quillon-export quillon_bench
 
 scratch=$(mktemp -d)
