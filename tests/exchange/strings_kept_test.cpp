@@ -24,9 +24,9 @@ std::string Element(const std::string& name, const std::string& content)
 }
 
 /// A score of one part with tablature, and the places of its notes in order.
-class Score {
+class TabScore {
 public:
-    Score(int theStrings, unsigned seed) : strings(theStrings), random(seed) {}
+    TabScore(int theStrings, unsigned seed) : strings(theStrings), random(seed) {}
 
     std::string Text()
     {
@@ -142,7 +142,7 @@ TEST(StringsKeptTest, AScoresPlacesAreTheTunes)
 {
     for (unsigned seed = 1; seed <= 300; ++seed) {
         const int strings = 4 + static_cast<int>(seed % 3);
-        Score score(strings, seed);
+        TabScore score(strings, seed);
         const std::string text = score.Text();
         const MadeTune made(ReadMusicXml(text).at(0).Tune, strings);
         std::vector<Places> wanted;
