@@ -7,7 +7,7 @@ Each tune is exported in the form, and another program makes a MIDI file of that
 or LilyPond. Its notes must be those of our own MIDI file in onset, pitch and length, to a sixteenth of
 a quarter. Only what a tune strikes again behind a bar line may be one tied note elsewhere, and slides
 are taken out for MuseScore, which fills them with notes between. Tunes that cannot be played are passed
-over, and counted. The exit status is 1 if anything differed.
+over, and counted. LilyPond must engrave each without a word. The exit status is 1 if anything differed.
 """
 
 import argparse
@@ -18,6 +18,7 @@ import re
 import subprocess
 import sys
 import tempfile
+from concurrent import futures
 
 import played_notes
 import random_forms
@@ -58,22 +59,32 @@ def play_in_abc2midi(scores, folder):
                        check=False)
 
 
+def lilypond(folder, file):
+    """What LilyPond has to say of a file."""
+    return subprocess.run(["lilypond", "--loglevel=WARN", file], cwd=folder, check=False,
+                          capture_output=True, text=True).stderr
+
+
 def play_in_lilypond(scores, folder):
-    """The scores for the ear alone, of all tunes in one file."""
+    """The scores for the ear alone, of all tunes in one file. The whole scores must be engraved
+    without a word; the number of those that are not."""
     names = list(scores)
     book = ['\\version "2.24.1"']
     for name in names:
         sound = re.search(r"^sound = (\{.*?^\})", scores[name].read_text(encoding="utf-8"), re.M | re.S)
         book.append(f"\\score {{ \\new Staff {sound[1]} \\midi {{ }} }}")
     (folder / "book.ly").write_text("\n".join(book), encoding="utf-8")
-    done = subprocess.run(["lilypond", "--loglevel=WARN", "book.ly"], cwd=folder, check=False,
-                          capture_output=True, text=True)
-    if done.stderr:
-        print(done.stderr)
+    print(lilypond(folder, "book.ly"), end="")
     for number, name in enumerate(names):
         made = folder / (f"book-{number}.midi" if number else "book.midi")
         if made.exists():
             made.rename(folder / f"{name}.mid")
+    with tempfile.TemporaryDirectory() as pages, futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        said = list(pool.map(lilypond, [pages] * len(names), scores.values()))
+    for name, words in zip(names, said):
+        if words:
+            print(f"{name}: {words}", flush=True)
+    return sum(map(bool, said))
 
 
 PLAYERS = {"musicxml": play_in_musescore, "abc": play_in_abc2midi, "ly": play_in_lilypond}
@@ -123,8 +134,8 @@ def run_batch(options, seeds, folder):
         print(f"{name}: can be played, but not exported")
     played = folder / "played"
     played.mkdir()
-    PLAYERS[options.form](scores, played)
-    failures = len(set(ours) - set(scores))
+    failures = PLAYERS[options.form](scores, played) or 0
+    failures += len(set(ours) - set(scores))
     for tune in tunes:
         if tune.stem not in scores:
             continue

@@ -110,6 +110,7 @@ TEST(WritersTest, LilyPondHasTheTuneAsWrittenAndAsItSounds)
     const std::string text = WriteLilyPond(MusicFrom(tune), notices);
     for (const char* part :
          {"title = \"Small\"", "page-breaking-system-system-spacing.padding",
+          "\\override TupletNumber.avoid-slur = #'ignore",
           "tuning = \\stringTuning <e, a, d g b e'>", "<fis'\\1>4^\\markup \\bold \"D\"",
           "<d'\\2>16( <e'\\2>16) <e''\\1 e,\\6>8", "\\set Score.repeatCommands = #'(end-repeat)",
           "\\tuplet 3/2 { <gis\\3>8 <gis\\3>8 <gis\\3>8 } r2 |"})
