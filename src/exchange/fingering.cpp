@@ -325,11 +325,15 @@ template <typename Visit> void ForEachNote(Music& music, Visit visit)
                 visit(note);
 }
 
-/// The outer notes of a chord are heard best, the highest most of all.
+/// A note that has no string yet, if there is one. The outer notes of a chord are heard best, the
+/// highest most of all.
 void LeaveOutOne(MusicEvent& event, Notices& notices)
 {
     std::ranges::sort(event.Notes, std::ranges::greater(), &MusicNote::Pitch);
-    const std::size_t count = event.Notes.size();
+    const auto kept = std::ranges::stable_partition(
+        event.Notes, [](const MusicNote& note) { return note.String == 0; });
+    const std::size_t free = event.Notes.size() - kept.size();
+    const std::size_t count = free > 0 ? free : kept.size();
     event.Notes.erase(event.Notes.begin() + (count > 1 ? 1 : 0));
     notices.Count("A note of a chord that no hand can reach is left out.",
                   "notes of chords that no hand can reach are left out.");

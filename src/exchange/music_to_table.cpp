@@ -457,8 +457,9 @@ int TuningRowOf(const Music& music, const ImportChoices& choices, int numStrings
     return 0;
 }
 
-/// Notes on strings that the instrument lacks are fingered anew.
-void FreeMissingStrings(Music& music, int numStrings, Notices& notices)
+/// Notes on strings that the instrument lacks, or that another note of the chord is on, are
+/// fingered anew.
+void FreeImpossiblePlaces(Music& music, int numStrings, Notices& notices)
 {
     for (MusicMeasure& measure : music.Measures)
         for (MusicEvent& event : measure.Events)
@@ -467,7 +468,29 @@ void FreeMissingStrings(Music& music, int numStrings, Notices& notices)
                     note.String = 0;
                     notices.Count("A note on a string that the instrument lacks is moved.",
                                   "notes on strings that the instrument lacks are moved.");
+                } else if (note.String > 0 && NoteOn(event, note.String) != &note) {
+                    note.String = 0;
+                    notices.Count("A second note on a string is fingered anew.",
+                                  "second notes on a string are fingered anew.");
                 }
+}
+
+/// Only on its own string does a note sound on.
+void TellOfTiesBetweenStrings(const Music& music, Notices& notices)
+{
+    const MusicEvent* before = nullptr;
+    for (const MusicMeasure& measure : music.Measures)
+        for (const MusicEvent& event : measure.Events) {
+            for (const MusicNote& note : before ? before->Notes : std::vector<MusicNote>()) {
+                const MusicNote* same = NoteOn(event, note.String);
+                if (note.Tied && (!same || same->Pitch != note.Pitch) &&
+                    std::ranges::find(event.Notes, note.Pitch, &MusicNote::Pitch) !=
+                        event.Notes.end())
+                    notices.Count("A note that is tied to another string is struck again.",
+                                  "notes that are tied to another string are struck again.");
+            }
+            before = &event;
+        }
 }
 
 void RequireEvents(const Music& music)
@@ -514,13 +537,14 @@ void MakeTune(Music music, const ImportChoices& choices, Tune& tune, Notices& no
     if (row > 0 || choices.Tuning)
         music.TuningRow = row;
     CutToTable(music, notices);
-    FreeMissingStrings(music, numStrings, notices);
+    FreeImpossiblePlaces(music, numStrings, notices);
     FitToTicks(music, notices);
     ChooseFingering(music,
                     {PitchesOf(choices.Tunings[row], numStrings, choices.Capo), choices.LowestFret,
                      choices.HighestFret},
                     notices);
     LeaveOutWhatSharesNoCell(music, notices);
+    TellOfTiesBetweenStrings(music, notices);
     FillTable(music, tune, notices);
     tune.CurNote = tune.CurMeas = 1;
 }

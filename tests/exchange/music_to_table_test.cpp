@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <vector>
+
 namespace quillon {
 namespace {
 
@@ -124,6 +127,54 @@ TEST(MusicToTableTest, TempoAndCapoAreTold)
         "A tune does not keep its tempo: 96 quarters a minute.",
         "The frets count from a capo on fret 2, which a tune does not keep."};
     EXPECT_EQ(notices.Lines(), lines);
+}
+
+/// A measure of quarters, each a chord of {pitch, string, fret}; the notes of the first may be
+/// tied.
+Music OnStrings(const std::vector<std::vector<std::array<int, 3>>>& chords, bool tied = false)
+{
+    Music music;
+    MusicMeasure& measure = music.Measures.emplace_back();
+    for (const auto& chord : chords) {
+        MusicEvent& event = measure.Events.emplace_back();
+        event.Length = kQuarterUnits;
+        for (const auto& [pitch, string, fret] : chord) {
+            MusicNote& note = event.Notes.emplace_back();
+            note.Pitch = pitch;
+            note.String = string;
+            note.Fret = fret;
+            note.Tied = tied && &chord == &chords.front();
+        }
+    }
+    return music;
+}
+
+TEST(MusicToTableTest, OfTwoNotesOnOneStringTheSecondIsMoved)
+{
+    const MadeTune made(OnStrings({
+        {{60, 4, 10}, {53, 4, 3}, {67, 3, 12}}
+    }));
+    EXPECT_EQ(made.Text(), "| 7:3/12,4/10,6/13");
+    EXPECT_EQ(made.Said(), "A second note on a string is fingered anew.\n");
+}
+
+TEST(MusicToTableTest, ASecondNoteThatHasNoOtherStringIsLeftOut)
+{
+    const MadeTune made(OnStrings({
+        {{64, 1, 0}, {59, 2, 0}, {55, 3, 0}, {45, 5, 0}, {40, 6, 0}, {41, 6, 1}}
+    }));
+    EXPECT_EQ(made.Text(), "| 7:1/0,2/0,3/0,5/0,6/0");
+    EXPECT_EQ(made.Said(), "A second note on a string is fingered anew.\n"
+                           "A note of a chord that no hand can reach is left out.\n");
+}
+
+TEST(MusicToTableTest, ATieToAnotherStringIsTold)
+{
+    const MadeTune made(OnStrings({{{60, 2, 1}}, {{60, 3, 5}}}, true));
+    EXPECT_EQ(made.Text(), "| 7:2/1 7:3/5");
+    EXPECT_EQ(made.Said(), "A note that is tied to another string is struck again.\n");
+    EXPECT_EQ(MadeTune(OnStrings({{{60, 2, 1}}, {{60, 2, 1}}}, true)).Said(), "");
+    EXPECT_EQ(MadeTune(OnStrings({{{60, 2, 1}}, {{62, 2, 3}}}, true)).Said(), "");
 }
 
 TEST(MusicToTableTest, AMusicWithoutNotesIsRefused)
