@@ -218,6 +218,27 @@ bool RepeatsABracket(const Music& music, const Playing& playing)
     });
 }
 
+/// Whether endings begin anew behind a last ending that repeats, with no sign that another section
+/// begins: to some programs it is the same section, which they repeat once more.
+bool HasSecondEndings(const Music& music)
+{
+    int highest = 0;
+    bool repeats = false;
+    for (const MusicMeasure& measure : music.Measures) {
+        if (measure.StartsRepeat)
+            highest = 0;
+        if (!measure.Endings.empty()) {
+            const auto [least, most] = std::ranges::minmax(measure.Endings);
+            if (repeats && least <= highest)
+                return true;
+            highest = most;
+            repeats = false;
+        }
+        repeats = repeats || measure.EndsRepeat;
+    }
+    return false;
+}
+
 /// Whether the reader of a form plays the measures in the tune's order. Who takes a jump takes no
 /// repeat behind it, and the last ending.
 bool IsPlayedIn(const std::vector<int>& order, const Music& music, Repeats reader)
@@ -228,7 +249,8 @@ bool IsPlayedIn(const std::vector<int>& order, const Music& music, Repeats reade
     const Playing playing = PlayingOf(music);
     return order == playing.Order &&
            (reader == Repeats::Drawn ||
-            (!playing.Strays && !HasBracketInBracket(music) && !RepeatsABracket(music, playing)));
+            (!playing.Strays && !HasBracketInBracket(music) && !HasSecondEndings(music) &&
+             !RepeatsABracket(music, playing)));
 }
 
 /// The measures as they are played, without the signs that have them played so.

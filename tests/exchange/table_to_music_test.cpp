@@ -101,6 +101,20 @@ TEST_F(TableToMusicTest, ABracketThatIsAllOfItsRepeatIsWrittenOut)
     EXPECT_FALSE(music.Measures[0].EndsRepeat);
 }
 
+TEST_F(TableToMusicTest, EndingsBehindALastEndingThatRepeatsAreWrittenOut)
+{
+    AddQuarters(tune, 6);
+    tune[1].BarCode = kRepeatStart;
+    for (const int measure : {2, 3, 4, 5})
+        tune[2 * measure - 1].BarCode = kRepeatEnd;
+    const char* endings[] = {"1", "2", "1", "2", "3"};
+    for (int measure = 2; measure <= 6; ++measure)
+        tune[2 * measure - 1].Slot(2) = endings[measure - 2];
+    const Music music = Made(Repeats::Followed);
+    EXPECT_EQ(EventText(music), "64:12 | 65:12 | 64:12 | 66:12 | 64:12 | 69:12");
+    EXPECT_TRUE(music.Measures[1].Endings.empty());
+}
+
 TEST_F(TableToMusicTest, AJumpThatOthersTakeDifferentlyIsWrittenOut)
 {
     AddQuarters(tune, 4);
