@@ -12,19 +12,10 @@ namespace quillon {
 
 namespace {
 
-constexpr Units kLongestNote = 64 * kQuarterUnits;
-constexpr std::size_t kMostEvents = 20000;  // far beyond what a tune can hold
-constexpr std::size_t kMostMeasures = 3000;
 constexpr int kMostBrokenSigns = 3;
 constexpr int kHighestEnding = 20;
 
-constexpr int kMiddleC = 60;
 constexpr int kSemitones[] = {0, 2, 4, 5, 7, 9, 11};  // C to B
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 struct Decoration {
     std::string_view Name;

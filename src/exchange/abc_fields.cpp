@@ -1,6 +1,7 @@
 #include "exchange/abc_fields.h"
 
 #include "exchange/text.h"
+#include "store/numbers.h"
 
 #include <algorithm>
 #include <vector>
@@ -10,11 +11,6 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t kMostParts = 200;
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 bool IsAlphabetic(char c)
 {

@@ -15,7 +15,6 @@ namespace {
 
 constexpr int kUnitHalfTicks = 6;  // L:1/16
 constexpr std::size_t kMeasuresInLine = 4;
-constexpr int kMiddleC = 60;
 
 struct AbcSign {
     std::string_view Code;

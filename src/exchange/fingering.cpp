@@ -1,6 +1,7 @@
 #include "exchange/fingering.h"
 
 #include "store/note_table.h"
+#include "store/tunings.h"
 
 #include <algorithm>
 #include <array>
@@ -19,8 +20,7 @@ constexpr int kFretsOfHand = 4;       // under its fingers, from its position on
 constexpr int kFretsOnShortNeck = 6;  // of a mandolin, ukulele or tenor banjo
 constexpr int kLowestOfShortNeck = 48;
 constexpr int kHighestNotes = 12;  // a tune that goes above this fret is moved down if it can be
-constexpr int kShortStringFret = 5;
-constexpr int kMostPlaces = 200;  // of one chord
+constexpr int kMostPlaces = 200;   // of one chord
 
 using Cost = long long;
 constexpr Cost kPoint = 1 << 24;           // leaves room for what decides between equals

@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::size_t kMostNotes = 6000;  // far beyond what a tune can hold
 constexpr std::size_t kMostSignatures = 500;
-constexpr std::size_t kMostMeasures = 3000;
 constexpr std::size_t kMostInChord = 12;
 constexpr long long kLongestSong = 100'000;  // quarters
 constexpr int kDrums = 9;                    // channel, from 0

@@ -9,6 +9,7 @@
 
 #include "store/sign_codes.h"
 
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <string>
@@ -22,6 +23,13 @@ namespace quillon {
 using Units = long long;
 constexpr Units kQuarterUnits = 40320;
 constexpr Units kTickUnits = kQuarterUnits / 12;  // one tick of the table
+
+constexpr int kMiddleC = 60;  // MIDI note number
+
+// What is beyond these bounds is no tune: a table holds 1500 records.
+constexpr Units kLongestNote = 64 * kQuarterUnits;
+constexpr std::size_t kMostEvents = 20000;
+constexpr std::size_t kMostMeasures = 3000;
 
 /// How a note goes on to the next event's note on its string.
 enum class Link { None, Slur, Hammer, Slide };

@@ -18,9 +18,6 @@ namespace {
 
 constexpr int kMostDivisions = 1'000'000;
 constexpr int kLongestDuration = 100'000'000;
-constexpr Units kLongestNote = 64 * kQuarterUnits;
-constexpr std::size_t kMostEvents = 20000;
-constexpr int kShortStringFret = 5;
 
 struct JumpWords {
     std::string_view Words;

@@ -14,7 +14,6 @@ namespace quillon {
 namespace {
 
 constexpr Units kDivisionUnits = kQuarterUnits / 24;  // half a tick
-constexpr int kMiddleC = 60;
 
 constexpr const char* kProlog =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

@@ -2,6 +2,7 @@
 #include "exchange/table_music.h"
 #include "midi/sound_settings.h"
 #include "store/fret_text.h"
+#include "store/tunings.h"
 
 #include <algorithm>
 
@@ -11,7 +12,6 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789";
 constexpr int kShortString = 5;
-constexpr int kShortStringFret = 5;
 
 /// What a string's slot holds: one note, or two that are connected.
 struct Cell {
@@ -210,12 +210,14 @@ bool HasBracketInBracket(const Music& music)
     return false;
 }
 
-/// Whether a repeat goes back to a bracket: there is nothing before it that all passes have.
-bool RepeatsABracket(const Music& music, const Playing& playing)
+/// Whether the tune begins with a bracket or a repeat goes back to one: there is nothing before it
+/// that all passes have.
+bool BeginsWithABracket(const Music& music, const Playing& playing)
 {
-    return std::ranges::any_of(playing.GoneBack, [&](const auto& jump) {
-        return !music.Measures[jump.second].Endings.empty();
-    });
+    const bool first = !music.Measures.empty() && !music.Measures[0].Endings.empty();
+    return first || std::ranges::any_of(playing.GoneBack, [&](const auto& jump) {
+               return !music.Measures[jump.second].Endings.empty();
+           });
 }
 
 /// Whether endings begin anew behind a last ending that repeats, with no sign that another section
@@ -250,7 +252,7 @@ bool IsPlayedIn(const std::vector<int>& order, const Music& music, Repeats reade
     return order == playing.Order &&
            (reader == Repeats::Drawn ||
             (!playing.Strays && !HasBracketInBracket(music) && !HasSecondEndings(music) &&
-             !RepeatsABracket(music, playing)));
+             !BeginsWithABracket(music, playing)));
 }
 
 /// The measures as they are played, without the signs that have them played so.

@@ -1,6 +1,7 @@
 #include "exchange/text_tab_lines.h"
 
 #include "exchange/fingering.h"
+#include "store/numbers.h"
 
 #include <algorithm>
 
@@ -19,11 +20,6 @@ constexpr std::string_view kLeads = "hp/\\s=";
 bool IsOneOf(char c, std::string_view characters)
 {
     return characters.find(c) != std::string_view::npos;
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
 }
 
 bool IsLetter(char c)

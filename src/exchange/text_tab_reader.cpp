@@ -12,7 +12,6 @@ namespace quillon {
 
 namespace {
 
-constexpr std::size_t kMostMeasures = 3000;
 constexpr int kHighestEnding = 9;
 
 /// What stands in the lines before the first staff.

@@ -1,6 +1,7 @@
 #include "midi/midi_events.h"
 
 #include "midi/byte_reader.h"
+#include "midi/midi_bytes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -12,7 +13,6 @@ namespace {
 constexpr int kMeta = 0xFF;
 constexpr int kSetTempo = 0x51;
 constexpr int kUntoldTempo = 500000;  // microseconds per quarter note
-constexpr double kMicrosecondsPerSecond = 1e6;
 
 struct TickedEvent {
     std::int64_t Tick;
@@ -20,11 +20,6 @@ struct TickedEvent {
     int Data1;
     int Data2;
 };
-
-bool HasOneDataByte(int status)
-{
-    return status >= 0xC0 && status < 0xE0;
-}
 
 void ReadTrack(ByteReader reader, std::vector<TickedEvent>& events)
 {

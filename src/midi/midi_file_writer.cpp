@@ -1,5 +1,6 @@
 #include "midi/midi_file_writer.h"
 
+#include "midi/midi_bytes.h"
 #include "store/fault.h"
 #include "store/staged_file.h"
 
@@ -35,11 +36,6 @@ std::string VariableLength(int value)
 char DataByte(int value)
 {
     return static_cast<char>(std::clamp(value, 0, 127));
-}
-
-bool HasOneDataByte(int status)
-{
-    return status >= 0xC0 && status < 0xE0;
 }
 
 }  // namespace

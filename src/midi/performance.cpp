@@ -1,5 +1,6 @@
 #include "midi/performance.h"
 
+#include "midi/midi_bytes.h"
 #include "store/fret_text.h"
 #include "store/sign_codes.h"
 
@@ -12,8 +13,6 @@ namespace quillon {
 
 namespace {
 
-constexpr int kProgramChange = 192;  // plus the channel, which is the number of the string
-constexpr int kNoteOn = 144;
 constexpr int kMicrosecondsPerMinute = 60000000;
 constexpr int kLastNoteCode = 90;  // codes above are rests, or nothing that sounds
 

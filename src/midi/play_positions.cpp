@@ -1,5 +1,7 @@
 #include "midi/play_positions.h"
 
+#include "midi/midi_bytes.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <string>
@@ -7,8 +9,6 @@
 namespace quillon {
 
 namespace {
-
-constexpr double kMicrosecondsPerSecond = 1e6;
 
 /// The first time at or after `from` that the measure is played.
 std::optional<std::size_t> FindMeasure(const PlayPositions& positions, int number, std::size_t from)

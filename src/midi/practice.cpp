@@ -1,5 +1,6 @@
 #include "midi/practice.h"
 
+#include "midi/midi_bytes.h"
 #include "midi/midi_file_writer.h"
 
 #include <algorithm>
@@ -13,8 +14,6 @@ namespace quillon {
 
 namespace {
 
-constexpr int kProgramChange = 192;  // plus the channel
-constexpr int kNoteOn = 144;
 constexpr int kDrumChannel = 9;  // counted from 0
 constexpr int kHighWoodBlock = 76;
 constexpr int kLowWoodBlock = 77;

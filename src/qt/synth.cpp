@@ -1,5 +1,7 @@
 #include "qt/synth.h"
 
+#include "midi/midi_bytes.h"
+
 #include <QStandardPaths>
 
 namespace quillon {
@@ -13,11 +15,9 @@ constexpr int kCentre = 64;
 constexpr int kOutermost = 16;  // from the centre: 3.5 dB between left and right
 constexpr int kRoom = 40;
 
-// A status byte's halves, and two kinds of it
+// A status byte's halves
 constexpr int kKind = 0xF0;
 constexpr int kChannel = 0x0F;
-constexpr int kNoteOn = 0x90;
-constexpr int kProgramChange = 0xC0;
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #include "qt/tuning_window.h"
 
 #include "qt/text.h"
+#include "store/tunings.h"
 #include "ui_tuning.h"
 
 #include <QPainter>
@@ -12,8 +13,7 @@ namespace quillon {
 
 namespace {
 
-constexpr int kFrets = 7;            // that the picture shows
-constexpr int kShortStringFret = 5;  // where it begins
+constexpr int kFrets = 7;  // that the picture shows
 constexpr int kPegHeight = 12;
 
 /// The place of a fret on the neck, 0 for the nut. Frets get closer towards the body, less so here

@@ -1,5 +1,6 @@
 #include "shell/check.h"
 
+#include "midi/midi_bytes.h"
 #include "midi/performance.h"
 #include "notation/page_layout.h"
 #include "notation/print_pass.h"
@@ -15,8 +16,6 @@ namespace {
 using Findings = std::vector<Finding>;
 
 constexpr std::size_t kItemsOfLine[] = {3, 4, 5, 1, 1, 1, 1, 1, 1};  // in a record
-constexpr int kNoteOn = 144;  // first of the status bytes of a MIDI event
-constexpr int kProgramChange = 192;
 constexpr double kHeardApart = 0.03;  // seconds: two strokes instead of one
 constexpr int kTempoStep = 24;        // of the tempos at which all notes are halved without a rest
 

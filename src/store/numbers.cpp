@@ -15,11 +15,6 @@ int ToInt(double whole)
     return static_cast<int>(whole);
 }
 
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 bool IsBlank(char c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';

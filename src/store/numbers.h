@@ -61,6 +61,11 @@ double Val(std::string_view text);
 /// As Val, for a text in which a sign does not belong to a number: "-5" gives 0.
 double ValUnsigned(std::string_view text);
 
+constexpr bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
 /// The shortest text that reads back as the same number: "10", "14.5", "0.75".
 std::string NumberText(double value);
 

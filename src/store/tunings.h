@@ -15,7 +15,8 @@
 
 namespace quillon {
 
-constexpr int kLastTuning = 50;  // highest index of the list
+constexpr int kLastTuning = 50;      // highest index of the list
+constexpr int kShortStringFret = 5;  // of the neck, where the banjo's short string begins
 
 struct TuningRecord {
     std::string TuningName;

@@ -101,6 +101,14 @@ TEST_F(TableToMusicTest, ABracketThatIsAllOfItsRepeatIsWrittenOut)
     EXPECT_FALSE(music.Measures[0].EndsRepeat);
 }
 
+TEST_F(TableToMusicTest, ABracketThatATuneBeginsWithIsWrittenOut)
+{
+    AddQuarters(tune, 2);
+    tune[1].Slot(2) = "1";
+    EXPECT_TRUE(Made(Repeats::Followed).Measures[0].Endings.empty());
+    EXPECT_EQ(Made(Repeats::Drawn).Measures[0].Endings.size(), 1U);
+}
+
 TEST_F(TableToMusicTest, EndingsBehindALastEndingThatRepeatsAreWrittenOut)
 {
     AddQuarters(tune, 6);
