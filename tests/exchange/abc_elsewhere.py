@@ -21,7 +21,7 @@ import tempfile
 import played_notes
 import wild_abc
 
-ORNAMENTS = re.compile(r"\{[^}]*\}|!(?:trill|>|open)!|\+trill\+|[~HLMOPSTuvJR]|\.(?=[A-Ga-g^_=])")
+ORNAMENTS = re.compile(r"\{[^}]*\}|!(?:trill|>|open)!|\+trill\+|[~HLMOPSTuvJR]|\.(?!\|)")
 TEXT_OR_FIELD = re.compile(r'("[^"]*"|\[[A-Za-z]:[^]]*\])')
 TOLD = ("rounded", "no hand can reach", "too short", "range is moved", "range are moved")
 QUIET = ["%%MIDI gchordoff", "%%MIDI chordattack 0"]
