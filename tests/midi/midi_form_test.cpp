@@ -104,6 +104,12 @@ TEST_F(MidiFormTest, AnInstrumentThatIsNotOnTheListCannotBeSelected)
     EXPECT_FAULT(form.Show(), InvalidPropertyValue);
 }
 
+TEST_F(MidiFormTest, OnlyMinusOneSelectsNoInstrument)
+{
+    settings.Values[{"Guitar", "Instrument"}] = "-2";
+    EXPECT_FAULT(form.Show(), InvalidPropertyValue);
+}
+
 TEST_F(MidiFormTest, MovesNeitherTempoNorVolumeOfThePlayerWhenItOpens)
 {
     form.Show();

@@ -223,6 +223,14 @@ TEST_F(NoteColumnsTest, Rests)
     EXPECT_EQ(Only(log, "text", "\"~\"").size(), 2U);
 }
 
+TEST_F(NoteColumnsTest, ARestStandsInItsColumnWhateverItsSlotsHold)
+{
+    AddNote(tune, kQuarterRest);
+    const std::string glyph = Only(Columns(), "text ", "\"").back();
+    tune[tune.LastNote].Slot(6) = "12";
+    EXPECT_EQ(Only(Columns(), "text ", "\"").back(), glyph);
+}
+
 TEST_F(NoteColumnsTest, StemsHangFromTheLowestStringAndWholeNotesHaveNone)
 {
     AddNote(tune, kQuarter, 2, "3").Slot(4) = "5";

@@ -551,6 +551,18 @@ TEST_F(CheckTest, StringsThatDriftApartAreFoundWhereTheyAreHeardToDoSo)
     EXPECT_EQ(Together(130), Lines());
 }
 
+TEST_F(CheckTest, TheLastStringDriftsAsTheOthersDo)
+{
+    for (int i = 0; i < 30; ++i) {
+        AddMeasure(tune);
+        for (int eighth = 0; eighth < 8; ++eighth) {
+            AddNote(tune, kEighth, 1, "3");
+            tune[tune.LastNote].Slot(6) = "1-3";
+        }
+    }
+    EXPECT_EQ(Together(130).size(), 1U);
+}
+
 TEST_F(CheckTest, WhatCannotBePlayedDoesNotDrift)
 {
     AddFullMeasures(tune, 3);
