@@ -254,8 +254,8 @@ std::string TuningText(const Music& music)
 /// them on a page, and says so.
 constexpr const char* kPaper = "\\paper { page-breaking-system-system-spacing.padding = 6 }\n";
 
-/// A slur that goes round the figure of a triplet is a curve that LilyPond 2.24 at times finds no
-/// point of, and says so.
+/// LilyPond 2.24 sometimes fails to lead a slur round the number of a triplet, and reports an
+/// error.
 constexpr const char* kSlurs = "  \\override TupletNumber.avoid-slur = #'ignore\n";
 
 }  // namespace

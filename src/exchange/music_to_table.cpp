@@ -475,20 +475,25 @@ void FreeImpossiblePlaces(Music& music, int numStrings, Notices& notices)
                 }
 }
 
+/// Whether the event has the note's pitch, but not on its string.
+bool IsOnlyElsewhere(const MusicNote& note, const MusicEvent& event)
+{
+    const MusicNote* same = NoteOn(event, note.String);
+    return (!same || same->Pitch != note.Pitch) &&
+           std::ranges::find(event.Notes, note.Pitch, &MusicNote::Pitch) != event.Notes.end();
+}
+
 /// Only on its own string does a note sound on.
 void TellOfTiesBetweenStrings(const Music& music, Notices& notices)
 {
     const MusicEvent* before = nullptr;
     for (const MusicMeasure& measure : music.Measures)
         for (const MusicEvent& event : measure.Events) {
-            for (const MusicNote& note : before ? before->Notes : std::vector<MusicNote>()) {
-                const MusicNote* same = NoteOn(event, note.String);
-                if (note.Tied && (!same || same->Pitch != note.Pitch) &&
-                    std::ranges::find(event.Notes, note.Pitch, &MusicNote::Pitch) !=
-                        event.Notes.end())
-                    notices.Count("A note that is tied to another string is struck again.",
-                                  "notes that are tied to another string are struck again.");
-            }
+            if (before)
+                for (const MusicNote& note : before->Notes)
+                    if (note.Tied && IsOnlyElsewhere(note, event))
+                        notices.Count("A note that is tied to another string is struck again.",
+                                      "notes that are tied to another string are struck again.");
             before = &event;
         }
 }

@@ -48,6 +48,18 @@ protected:
 
     Lines Together(int atTempo) { return Texts(CheckTogether(tune, atTempo)); }
 
+    /// 30 measures of eighths, each with a hammer-on on another string.
+    void AddHammersBesideNotes(int string)
+    {
+        for (int i = 0; i < 30; ++i) {
+            AddMeasure(tune);
+            for (int eighth = 0; eighth < 8; ++eighth) {
+                AddNote(tune, kEighth, 1, "3");
+                tune[tune.LastNote].Slot(string) = "1-3";
+            }
+        }
+    }
+
     Lines Pages()
     {
         PageSettings page;
@@ -535,13 +547,7 @@ TEST_F(CheckTest, AnEmptyPageAtTheEndIsFound)
 
 TEST_F(CheckTest, StringsThatDriftApartAreFoundWhereTheyAreHeardToDoSo)
 {
-    for (int i = 0; i < 30; ++i) {
-        AddMeasure(tune);
-        for (int eighth = 0; eighth < 8; ++eighth) {
-            AddNote(tune, kEighth, 1, "3");
-            tune[tune.LastNote].Slot(2) = "1-3";
-        }
-    }
+    AddHammersBesideNotes(2);
     EXPECT_EQ(Together(130),
               Lines{"measure 2: from here on the strings drift apart at a tempo of 130; multiples "
                     "of 24, such as 120, keep them together"});
@@ -553,13 +559,7 @@ TEST_F(CheckTest, StringsThatDriftApartAreFoundWhereTheyAreHeardToDoSo)
 
 TEST_F(CheckTest, TheLastStringDriftsAsTheOthersDo)
 {
-    for (int i = 0; i < 30; ++i) {
-        AddMeasure(tune);
-        for (int eighth = 0; eighth < 8; ++eighth) {
-            AddNote(tune, kEighth, 1, "3");
-            tune[tune.LastNote].Slot(6) = "1-3";
-        }
-    }
+    AddHammersBesideNotes(6);
     EXPECT_EQ(Together(130).size(), 1U);
 }
 
