@@ -23,6 +23,7 @@ MENU_KEYS = {
     "mnuSaveAs": "Alt+f a",
     "mnuPrint": "Alt+f p",
     "mnuExit": "Alt+f x",
+    "mnuDelMeas": "Alt+e d",
     "mnuClipbrd": "Alt+e Down Down Down Enter",
     "mnuRemarks": "Alt+e m",
     "mnuGuitar": "Alt+i g",
