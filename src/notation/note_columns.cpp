@@ -241,12 +241,8 @@ void NoteColumns::FindStemEnd()
 {
     StemEnd = line.StringY(line.tune.NumStrings + 1) +
               (line.RightHandInLine ? 2 * values.StringGap : values.StringGap / 2.0);
-    LineReaches(StemEnd + values.StringGap);
-}
-
-void NoteColumns::LineReaches(double y)
-{
-    line.LineBottom = std::max(line.LineBottom, y);
+    // Brackets and letters under the stem stay within this gap.
+    line.LineBottom = std::max(line.LineBottom, StemEnd + values.StringGap);
 }
 
 void NoteColumns::DrawStem(const NoteRecord& column)
@@ -360,7 +356,6 @@ void NoteColumns::DrawTriplet(int n)
     Surface().Line(middle + kBracketGap, bottom, end, bottom, Role::Bracket);
     Surface().Line(end, top, end, bottom, Role::Bracket);
     Surface().PrintLineAt(middle, StemEnd - kThreeRise, "3", Role::Number);
-    LineReaches(StemEnd - kThreeRise);
 }
 
 /// Under the stem, or under the bracket of a triplet.
@@ -369,7 +364,6 @@ void NoteColumns::PrintLeftHand(const NoteRecord& column)
     if (!IsHandMark(column.LeftHand))
         return;
     const double y = StemEnd + (TripletCount > 0 ? kLeftHandUnderBracket : kLeftHandDrop);
-    LineReaches(y);
     Surface().PrintLineAt(column.XPos + 1, y, {&column.LeftHand, 1}, Role::Fingering);
 }
 

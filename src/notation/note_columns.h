@@ -46,7 +46,6 @@ private:
     void PrintRightHand(const NoteRecord& column);
     void DrawTriplet(int n);
     void PrintLeftHand(const NoteRecord& column);
-    void LineReaches(double y);
     double FretY(int s) const { return line.StringY(s) + 50 - values.StringGap; }
     DrawSurface& Surface() { return *line.surface; }
     void UseBodyFont();

@@ -609,6 +609,138 @@ TEST_F(MeasureViewTest, SolidFillOnceSetStaysSet)
     EXPECT_TRUE(view.StaffBox.FillSolid);
 }
 
+TEST_F(MeasureViewTest, ANewBodyFontIsInForceFromTheNextRedrawOn)
+{
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, "5>");
+    page.BodyFontName = "Times";
+    Show();
+    EXPECT_EQ(CountOf("text 2 36 size=18 font=\"Times\" bold=1 \" 4 \""), 1);
+    EXPECT_EQ(CountOf("text 48 28 size=10 font=\"Times\" bold=1 \"5\""), 1);
+    EXPECT_EQ(view.StaffBox.Font, (Typeface{"Times", 10, true}));
+}
+
+TEST_F(MeasureViewTest, AClearedStaffShowsTheSignatureInTheOldFontAndGoesOnInTheNew)
+{
+    state.CurBeats = 6;
+    state.CurBeatUnit = 8;
+    page.BodyFontName = "Times";
+    view.StaffBox.Line(1, 2, 3, 4);
+    view.ClearStaff();
+    EXPECT_EQ(Log(), "clear\n" + Text("2 36", " 6 ", 18) + "\n" + Text("2 56", " 8 ", 18) + "\n");
+    EXPECT_EQ(view.StaffBox.Font, (Typeface{"Times", 10, true}));
+}
+
+TEST_F(MeasureViewTest, AHeadHasNoBeams)
+{
+    AddMeasure(tune).BeamCode = kMainBeam;
+    Show();
+    EXPECT_EQ(tune[1].BeamCode, 0);
+}
+
+TEST_F(MeasureViewTest, BlanksRoundAFretAreNotShown)
+{
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, "  5  ");
+    AddNote(tune, kHalf, 2, " 12 ");
+    AddNote(tune, kQuarter, 3, "   ");
+    Show();
+    EXPECT_TRUE(Has(Text("48 28", "5")));
+    EXPECT_TRUE(Has(Text("84 36", "[12]")));
+    EXPECT_EQ(Lines(), 1 + 2 + 1 + 2 + 2 + 1) << "clear, signature, bar, two frets, three stems";
+}
+
+TEST_F(MeasureViewTest, TheFretOfARestIsShownWithoutBracketsOrStem)
+{
+    AddMeasure(tune);
+    AddNote(tune, kQuarterRest, 1, "7");
+    AddNote(tune, kHalfRest, 2, "9");
+    AddNote(tune, kWhole, 3, "3");
+    AddNote(tune, 12, 4, "4");  // a code without a meaning
+    Show();
+    EXPECT_TRUE(Has(Text("48 28", "7")));
+    EXPECT_TRUE(Has(Text("72 36", "9")));
+    EXPECT_TRUE(Has(Text("120 44", "[3]")));
+    EXPECT_EQ(tune[5].XPos, 216);
+    EXPECT_TRUE(Has(Text("216 52", "4")));
+    EXPECT_EQ(Log().find("line 219"), std::string::npos);
+}
+
+TEST_F(MeasureViewTest, ASlashWithAMarkStaysOnItsStringAndHasTheMark)
+{
+    AddMeasure(tune);
+    AddNote(tune, kDottedQuarter, 2, "/^").BeamCode = kDotAlone;
+    AddNote(tune, kHalf, 5, "/>");
+    Show();
+    EXPECT_TRUE(Has("text 48 36 size=10 font=\"tab\" bold=1 \"/\""));
+    EXPECT_TRUE(Has("arc 63 42 9 0.5 3 0.5 w=1"));
+    EXPECT_TRUE(Has("text 72 60 size=10 font=\"tab\" bold=1 \"/\"")) << "no brackets";
+    EXPECT_TRUE(Has(Glyph("78 52", ">", 8)));
+    EXPECT_EQ(Log().find("circle"), std::string::npos) << "and no dot";
+}
+
+TEST_F(MeasureViewTest, AFretMayHaveATieAndABendMark)
+{
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, "5>^");
+    Show();
+    EXPECT_TRUE(Has(Text("48 28", "5")));
+    EXPECT_TRUE(Has("arc 63 34 9 0.5 3 0.5 w=1"));
+    EXPECT_TRUE(Has(Glyph("54 20", ">", 8)));
+}
+
+TEST_F(MeasureViewTest, OnlyATextAsLongAsTheColumnIsWideWidensIt)
+{
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, "123");
+    AddNote(tune, kQuarter, 1, "1234");
+    AddNote(tune, kQuarter, 1, "1").ChordText = "Am7";
+    AddNote(tune, kQuarter, 1, "1").ChordText = "Cm7b";
+    NoteRecord& unknown = AddNote(tune, 60, 1, "1");
+    unknown.Spacing = 7;
+    Show();
+    EXPECT_EQ(tune[2].Spacing, 4);
+    EXPECT_EQ(tune[3].Spacing, 5);
+    EXPECT_EQ(tune[4].Spacing, 4);
+    EXPECT_EQ(tune[5].Spacing, 5);
+    EXPECT_EQ(unknown.Spacing, 7) << "a code without a width keeps what it has";
+}
+
+TEST_F(MeasureViewTest, AMeasureThatHoldsMoreThanItsSignatureEndsAfterItsLastNoteToo)
+{
+    AddMeasure(tune, 2, 4);
+    for (int i = 0; i < 3; ++i)
+        AddNote(tune, kQuarter, 1, "1");
+    Show();
+    EXPECT_EQ(state.MeasFill, 36);
+    EXPECT_EQ(view.EndBarX, 48 + 3 * 24);
+}
+
+TEST_F(MeasureViewTest, NoBeamIsDrawnOverALongRestThoughTheShapesMayAskForOne)
+{
+    const struct {
+        int note;
+        int rest;
+        int beatUnit;
+    } rows[] = {
+        {kEighth,    kHalfRest,    4},
+        {kEighth,    kWholeRest,   4},
+        {kSixteenth, kQuarterRest, 8},
+    };
+    for (const auto& row : rows) {
+        tune = {};
+        AddMeasure(tune, 9, row.beatUnit);
+        AddNote(tune, row.note, 1, "1");
+        AddNote(tune, row.rest);
+        const NoteRecord& last = AddNote(tune, row.note, 1, "1");
+        Show();
+        EXPECT_GE(last.BeamCode, kBackStub);
+        const std::string start = std::to_string(last.XPos + 2);
+        EXPECT_NE(Log().find(" 108 " + start + " 108 w=1"), std::string::npos) << row.rest;
+        EXPECT_EQ(Log().find(" 108 50 108 w=1"), std::string::npos) << row.rest;
+    }
+}
+
 TEST_F(MeasureViewTest, ARunningXPastSixteenBitsIsAnOverflow)
 {
     AddMeasure(tune);

@@ -13,6 +13,22 @@ protected:
         return AddNote(tune, code, string, text);
     }
 
+    /// Where the cursor is after the line, which ends in this note: the text that the next head has
+    /// for a line break is printed there.
+    std::string CursorAfter(int code, const std::string& text = "3", int string = 1,
+                            char leftHand = ' ')
+    {
+        tune.LastNote = 1;
+        Note(kQuarter, "1");
+        NoteRecord& note = tune[tune.LastNote + 1];
+        note.Clear();
+        Note(code, text, string).LeftHand = leftHand;
+        AddMeasure(tune).Slot(6) = "here";
+        Note(kQuarter, std::string(120, '3'));  // too wide for any line
+        const std::string place = Only(Screen(), "text", "\"here\"").at(0);
+        return place.substr(5, place.find(" bold") - 5);
+    }
+
     /// The log after the signature and the bars of the first line.
     LogLines Columns()
     {
@@ -109,10 +125,12 @@ TEST_F(NoteColumnsTest, ASlashStands100HigherWhereTheFontTakesEverySize)
 
 TEST_F(NoteColumnsTest, ASlashStands40HigherWhereTheSizeInForceIsTwoLess)
 {
-    page.BodyFontSize = 1e9F;  // two less is the same single
+    page.BodyFontSize = 67108864;  // two less, and no more, is the same single
     Note(kQuarter, "/", 3);
     Note(kQuarter);
-    EXPECT_TRUE(Columns().at(0).starts_with("text 970 940 size=1000000000 font=\"Tab\" "));
+    EXPECT_TRUE(Columns().at(0).starts_with("text 970 940 size=67108864 font=\"Tab\" "));
+    page.BodyFontSize = 33554432;  // here two more is
+    EXPECT_TRUE(Columns().at(0).starts_with("text 970 880 size=33554432 font=\"Tab\" "));
 }
 
 TEST_F(NoteColumnsTest, ATripletAtTheLinesEndHasABracketThatRunsBackToTheLeft)
@@ -292,6 +310,31 @@ TEST_F(NoteColumnsTest, ALeftHandLetterUnderATripletStandsUnderItsBracket)
     for (int i = 0; i < 3; ++i)
         Note(kTripletEighth);
     EXPECT_TRUE(Has(Screen(), "text 971 1977.5 size=10 font=\"Arial\" bold=0 \"T\""));
+}
+
+TEST_F(NoteColumnsTest, WhatTheNextHeadHasForALineBreakIsPrintedAtTheCursor)
+{
+    const std::string body = " size=10 font=\"Arial\"";
+    EXPECT_EQ(CursorAfter(kQuarter), "1460 1837.5" + body) << "the end of the stem";
+    EXPECT_EQ(CursorAfter(kWhole), "1420 1475" + body) << "in front of string 6";
+    EXPECT_EQ(CursorAfter(kWhole, "3", 6), "0 1715" + body) << "the line after its fret";
+    EXPECT_EQ(CursorAfter(kHalfRest, ""), "1645 1065" + body) << "the end of its bar";
+    EXPECT_EQ(CursorAfter(60, ""), "1420 1475" + body) << "an unknown code under the rests";
+    EXPECT_EQ(CursorAfter(100, ""), "1420 905" + body) << "and one above them";
+    EXPECT_EQ(CursorAfter(kEighthRest, ""), "0 1193" + body);
+    EXPECT_EQ(CursorAfter(kQuarter, "3", 1, 'T'), "0 2097.5" + body);
+}
+
+TEST_F(NoteColumnsTest, AStaffThatEndsEarlyIsFollowedByOneThatDoesNot)
+{
+    Note(kQuarter, "3^");
+    Note(kHalfRest);
+    AddMeasure(tune).Slot(6) = "NL";
+    Note(kQuarter, "3^");
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 400 765 3220 765 w=1"));  // a line that ends in a long rest
+    EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));
+    EXPECT_TRUE(Has(log, "arc 6220 2667.5 5290 1 3 0.5 w=1")) << "to the end of the long staff";
 }
 
 }  // namespace
