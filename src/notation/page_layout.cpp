@@ -75,7 +75,6 @@ void PageFormatter::DrawHeading()
     UseBodyFont();
     PrintCredits();
     line.PenY = surface.CurrentY + line.values.HeadingGap;
-    surface.CurrentY = line.PenY;
 }
 
 /// A centred title is centred on the paper, not between the margins, and then moved left by a
@@ -351,7 +350,6 @@ std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageV
     const auto begin = [&](int index) -> DrawSurface& {
         DrawSurface& surface = pages.Page(index).Surface;
         surface.Font = {page.BodyFontName, page.BodyFontSize, false};
-        surface.DrawWidth = 1;
         surface.DrawStyle = PenStyle::Solid;
         surface.DrawMode = PenMode::Plain;
         return surface;

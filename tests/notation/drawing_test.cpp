@@ -148,6 +148,103 @@ TEST_F(Surface, SaysClearInTheLogOnlyOnceItWasCleared)
     EXPECT_EQ(Log(), "clear\nline 1 2 3 4 w=1\n");
 }
 
+TEST_F(Surface, StartsAtItsCornerAgainOnceItWasCleared)
+{
+    surface.Line(1, 2, 3, 4);
+    surface.Clear();
+    EXPECT_EQ(surface.CurrentX, 0);
+    EXPECT_EQ(surface.CurrentY, 0);
+}
+
+TEST_F(Surface, PrintsTextsWithoutThePenButInItsMode)
+{
+    surface.Font = {"Arial", 10, false};
+    surface.DrawWidth = 3;
+    surface.DrawStyle = PenStyle::Dotted;
+    surface.DrawMode = PenMode::Xor;
+    surface.PrintLineAt(1, 2, "x", Role::Figure);
+    const Operation& text = surface.Picture().Operations().at(0);
+    EXPECT_EQ(text.Width, 1);
+    EXPECT_EQ(text.Style, PenStyle::Solid);
+    EXPECT_EQ(text.Mode, PenMode::Xor);
+    EXPECT_EQ(text.Part, Role::Figure);
+    surface.DrawStyle = PenStyle::Solid;
+    surface.PrintLineAt(1, 2, "x", Role::Figure);
+    EXPECT_TRUE(surface.Picture().Operations().empty()) << "drawn twice, it is gone";
+}
+
+TEST_F(Surface, RecordsAllThatAnOperationSays)
+{
+    surface.DrawWidth = 4;
+    surface.DrawStyle = PenStyle::Dotted;
+    surface.FillSolid = true;
+    surface.Arc(1, 2, 3, 0.5, 3, 0.25, Role::Tie);
+    surface.Circle(5, 6, 7, Role::Dot);
+    const auto& drawn = surface.Picture().Operations();
+    EXPECT_EQ(drawn.at(0), (Operation{.Kind = Shape::Arc,
+                                      .X1 = 1,
+                                      .Y1 = 2,
+                                      .Radius = 3,
+                                      .Start = 0.5,
+                                      .End = 3,
+                                      .Aspect = 0.25,
+                                      .Width = 4,
+                                      .Style = PenStyle::Dotted,
+                                      .Part = Role::Tie}));
+    EXPECT_EQ(drawn.at(1), (Operation{.Kind = Shape::Circle,
+                                      .X1 = 5,
+                                      .Y1 = 6,
+                                      .Radius = 7,
+                                      .Width = 4,
+                                      .Filled = true,
+                                      .Style = PenStyle::Dotted,
+                                      .Part = Role::Dot}));
+    EXPECT_EQ(surface.CurrentX, 5);
+    EXPECT_EQ(surface.CurrentY, 6);
+    surface.Arc(8, 9, 3, 0.5, 3, 0.25);
+    EXPECT_EQ(surface.CurrentX, 8);
+    EXPECT_EQ(surface.CurrentY, 9);
+}
+
+TEST_F(Surface, TakesTheLaterOfTwoEqualOperationsOffTheList)
+{
+    const Operation plain{.X1 = 1};
+    Operation inverted = plain;
+    inverted.Mode = PenMode::Invert;
+    Drawing drawing({inverted, plain, inverted, plain}, false);
+    drawing.Add(inverted);
+    EXPECT_EQ(drawing.Operations(), (std::vector{inverted, plain, plain}));
+}
+
+TEST_F(Surface, ShowsWhatAnotherShowsAndKeepsItsPen)
+{
+    DrawSurface other{metrics, kPoints, 360, 150};
+    other.Clear();
+    other.Line(1, 2, 3, 4);
+    surface.Box(5, 6, 7, 8);
+    const unsigned before = surface.Picture().Revision();
+    surface.SetPicture(other.Picture());
+    EXPECT_EQ(Log(), "clear\nline 1 2 3 4 w=1\n");
+    EXPECT_NE(surface.Picture().Revision(), before);
+    EXPECT_EQ(surface.CurrentX, 7);
+    const unsigned shown = surface.Picture().Revision();
+    surface.Clear();
+    EXPECT_NE(surface.Picture().Revision(), shown);
+}
+
+TEST(FixedTextMetrics, GiveEachTextABoxByItsLengthAndSize)
+{
+    const FixedTextMetrics metrics;
+    const Typeface font{"Arial", 20, false};
+    EXPECT_EQ(metrics.Width("abc", font), 30);
+    EXPECT_EQ(metrics.LineHeight(font), 24);
+    const InkBox ink = metrics.Ink("abc", font);
+    EXPECT_EQ(ink.Left, 2);
+    EXPECT_EQ(ink.Top, 2);
+    EXPECT_EQ(ink.Right, 28);
+    EXPECT_EQ(ink.Bottom, 22);
+}
+
 TEST_F(Surface, HandsItsPictureOverAndStartsAnother)
 {
     surface.Line(1, 2, 3, 4);

@@ -204,6 +204,23 @@ TEST_F(PageLayoutTest, ALongMeasureZeroIsTooWideToo)
     EXPECT_EQ(tooWide, 0);
 }
 
+TEST_F(PageLayoutTest, AMeasureWithoutAHeadThatFillsTheTableIsTooWide)
+{
+    for (int i = 0; i < 100; ++i)
+        AddNote(tune, kTripletSixteenth, 1, "3").Measure = 1;
+    EXPECT_TRUE(Screen().empty());
+    EXPECT_EQ(tooWide, 1);
+}
+
+TEST_F(PageLayoutTest, ABeginBarOnANoteWidensItWhereverItIs)
+{
+    AddQuarters(23);               // 72 units
+    AddNote(tune, kHalf, 1, "5");  // and 5
+    EXPECT_TRUE(Only(Screen(), "text", "\"[5]\"").at(0).starts_with("text 10816 "));  // of 143
+    tune[25].BarCode = kBeginDoubleBar;
+    EXPECT_TRUE(Only(Screen(), "text", "\"[5]\"").at(0).starts_with("text 10672 "));  // of 141
+}
+
 TEST_F(PageLayoutTest, AnEmptyMeasureBeforeAHardBreakStopsTheRunToo)
 {
     AddMeasure(tune);
@@ -312,6 +329,126 @@ TEST_F(PageLayoutTest, ASecondRunGivesTheSamePages)
         AddQuarters(4, m % 2 ? "3^" : "5");
     const LogLines once = Screen();
     EXPECT_EQ(Screen(), once);
+}
+
+TEST_F(PageLayoutTest, APageThatIsLaidOutWhileTheMouseIsDownOnItIsDrawnAsEver)
+{
+    AddQuarters(4);
+    const LogLines before = Screen();
+    pages.picPage1MouseDown(0, 500, 700);
+    EXPECT_EQ(Screen(), before);
+}
+
+TEST_F(PageLayoutTest, AStaffEndsWithItsTuneIfItsLastColumnIsBefore9000)
+{
+    AddQuarters(18);            // the last note is at 970 + 17 * 450 = 8620
+    tune[1].ChordText = "123";  // a head of 4 units instead of 2
+    EXPECT_TRUE(Has(Screen(), "line 400 930 9820 930 w=1"));
+    tune[1].ChordText = "12345";  // 6 units: at 9220
+    EXPECT_TRUE(Has(Screen(), "line 400 930 11440 930 w=1"));
+    tune[1].ChordText.clear();
+    AddMeasure(tune);
+    AddNote(tune, kHalfRest);  // after a head of 2 units, at 9370
+    AddQuarters(4).Slot(6) = "NL";
+    EXPECT_TRUE(Has(Screen(), "line 400 765 11440 765 w=1"));
+}
+
+TEST_F(PageLayoutTest, AWholeRestAtTheLinesEndShortensTheStaffAsAHalfRestDoes)
+{
+    AddMeasure(tune);
+    AddNote(tune, kWholeRest);
+    AddQuarters(4).Slot(6) = "NL";
+    AddQuarters(4).Slot(6) = "NL";
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 400 765 2770 765 w=1"));
+    EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));
+    tune[2].NoteCode = kQuarterRest;
+    EXPECT_TRUE(Has(Screen(), "line 400 765 11440 765 w=1"));
+}
+
+TEST_F(PageLayoutTest, TheXThatTheMeasureViewGaveANoteMeansNothingOnThePage)
+{
+    AddMeasure(tune);
+    AddNote(tune, kTripletEighth, 1, "5");
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, std::string(120, '5'));  // goes to the next line
+    const LogLines before = Only(Screen(), "line");
+    for (int i = 1; i <= tune.LastNote; ++i)
+        tune[i].XPos = 5000;
+    EXPECT_EQ(Only(Screen(), "line"), before);
+}
+
+TEST_F(PageLayoutTest, WhatAFileHoldsAsTheSumOfWidthsMeansNothing)
+{
+    AddQuarters(4);
+    tune[4].NoteCode = tune[5].NoteCode = 60;  // codes without a width of their own
+    tune[4].Spacing = tune[5].Spacing = 30000;
+    for (int i = 1; i <= tune.LastNote; ++i)
+        tune[i].Reserved = 500;
+    // The sum that would pass 16 bits stays 0, which fits into any line.
+    EXPECT_EQ(Only(Paper(), "text", "\"[3]\"").size(), 2U);
+    EXPECT_FALSE(tooWide);
+}
+
+TEST_F(PageLayoutTest, ASignatureThatChangesAtTheLastColumnGetsNoRoom)
+{
+    AddQuarters(4);
+    AddQuarters(4).Slot(6) = "NL";
+    const LogLines before = Only(Screen(), "text", "\"3\"");
+    tune[5].Beats = 3;
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "text", "\" 3 \"").size(), 1U);
+    EXPECT_EQ(Only(log, "text", " 650 size=10 font=\"Arial\" bold=0 \"3\""),
+              Only(before, "text", " 650 size=10 font=\"Arial\" bold=0 \"3\""));
+    EXPECT_TRUE(Has(log, "line 400 765 11440 765 w=1"));
+}
+
+TEST_F(PageLayoutTest, EitherNumberOfASignatureMayChangeAlone)
+{
+    AddQuarters(2);
+    for (const auto& [beats, unit] : {
+             std::pair{3, 4},
+             {3, 8},
+             {3, 8}
+    }) {
+        AddMeasure(tune, beats, unit).Slot(6) = "NL";
+        AddNote(tune, kQuarter, 1, "3");
+    }
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "text 450 ", "\" 3 \"").size(), 2U);
+    EXPECT_EQ(Only(log, "text 450 ", "\" 8 \"").size(), 1U);
+}
+
+TEST_F(PageLayoutTest, AColumnHasRoomForOneCharacterMoreThanItsLongestText)
+{
+    AddQuarters(5);
+    tune[2].Slot(1) = "12";     // 3 units, as any quarter
+    tune[3].Slot(6) = "123";    // 4
+    tune[4].ChordText = "G7";   // 3
+    tune[5].ChordText = "Am7";  // 4
+    const LogLines stems = Only(Screen(), "line", " 2002.5 w=1");
+    ASSERT_EQ(stems.size(), 5U);
+    for (const auto& [i, x] : {
+             std::pair{0, "line 1010 "},
+             {1, "line 1460 "},
+             {2, "line 2060 "},
+             {3, "line 2510 "},
+             {4, "line 3110 "}
+    })
+        EXPECT_TRUE(stems[static_cast<std::size_t>(i)].starts_with(x)) << stems[i];
+}
+
+TEST_F(PageLayoutTest, APlainBarIsBetweenAnyTwoMeasuresWithoutBarSigns)
+{
+    for (int m = 0; m < 5; ++m)
+        AddQuarters(2);
+    tune[4].BarCode = kRepeatStart;
+    tune[10].BarCode = kDoubleBar;
+    const LogLines log = Screen();
+    // Measure 1 ends at the repeat's bar, and measure 4 at its own. The edge, the thin lines of
+    // the two, and the bars of 2, 3 and 5.
+    EXPECT_EQ(Only(log, "line", " 1590 w=2").size(), 6U);
+    EXPECT_EQ(Only(log, "line", " 1590 w=3").size(), 2U);
 }
 
 TEST_F(PageLayoutTest, ALineOfMeasure0ThatTakesNoRecordStopsTheRun)

@@ -158,6 +158,17 @@ TEST_F(PageViewTest, TheClipboardGetsThePageWithoutTheMarqueesBorder)
     EXPECT_EQ(Only(Log(2), "box 1500 3000 4500 4500").size(), 1U);  // it stays
 }
 
+TEST_F(PageViewTest, AMarqueeOfLessThanAPixelHasNothingInsideItsBorder)
+{
+    Drag(0, 1500, 3000, 1507.5, 3007.5);
+    pages.mnuClipbrd(clipboard);
+    const FakeClipboard::Cut& cut = clipboard.Pictures.at(0);
+    EXPECT_EQ(cut.Part.Width, 0);
+    EXPECT_EQ(cut.Part.Height, 0);
+    EXPECT_EQ(cut.Width, 0.5);
+    EXPECT_EQ(cut.Height, 0.5);
+}
+
 TEST_F(PageViewTest, AMarqueeDraggedToTheLeftOrUpwardsIsAFault)
 {
     Drag(0, 500, 500, 400, 600);

@@ -77,6 +77,17 @@ TEST_F(PrintPassTest, ALastColumnUnder9000ShortensTheStaffOnPaperOfAnyWidth)
     EXPECT_TRUE(Has(Paper(0, 30000), "line 1080 2100 28560 2100 w=3"));
 }
 
+TEST_F(PrintPassTest, ALastColumnAt9000ItselfLeavesTheStaffWhole)
+{
+    AddQuarters(17, "12");
+    tune[2].Slot(1) = "123";  // 4 units instead of 3
+    const LogLines log = Paper();
+    EXPECT_EQ(Only(log, "text 9000 1985 ").size(), 1U);
+    EXPECT_TRUE(Has(log, "line 1080 2100 10800 2100 w=3"));
+    tune[2].Slot(1) = "12";
+    EXPECT_TRUE(Has(Paper(), "line 1080 2100 9750 2100 w=3"));
+}
+
 TEST_F(PrintPassTest, ACentredTitleUsesTheWholePaperAndStandsAQuarterInchLeft)
 {
     tune[0].ChordText = "Cripple Creek";  // 13 characters of 200 twips
@@ -126,6 +137,34 @@ TEST_F(PrintPassTest, AChordThatWalksPastTheTableIsPassedOver)
     ASSERT_EQ(frets.size(), 6U);
     EXPECT_TRUE(frets[3].starts_with("text 3000 "));
     EXPECT_TRUE(frets[4].starts_with("text 3450 "));  // 3 units, as without the chord
+}
+
+TEST_F(PrintPassTest, AChordUsesAsMuchOfTheColumnsAfterItAsItNeeds)
+{
+    AddQuarters(6);
+    const auto second = [&](const std::string& chord, int next) {
+        tune[2].ChordText = chord;
+        tune[next].ChordText = "F";
+        const std::string fret = Only(Paper(), "text", "\"3\"").at(1);
+        tune[next].ChordText.clear();
+        return fret.substr(0, 10);
+    };
+    // Columns are 3 units wide, and a chord needs its length and 2.
+    EXPECT_EQ(second("A", 3), "text 2100 ");
+    EXPECT_EQ(second("Am", 3), "text 2250 ");
+    EXPECT_EQ(second("Cmaj", 4), "text 2100 ");
+    EXPECT_EQ(second("Cmaj7", 4), "text 2700 ");
+    EXPECT_EQ(second("Cmaj7+", 5), "text 2100 ");
+}
+
+TEST_F(PrintPassTest, AChordOverTheLastColumnWidensIt)
+{
+    AddQuarters(4);
+    AddQuarters(4).Slot(6) = "NL";
+    AddQuarters(4);
+    tune[5].ChordText = std::string(80, 'm');
+    // 12 units before it, and 81 of its own: 9720 / 93 twips to the unit
+    EXPECT_TRUE(Only(Paper(), "text", "\"3\"").at(1).starts_with("text 1824 "));
 }
 
 TEST_F(PrintPassTest, ALastLinePastTheLimitLeavesAnEmptyPage)
