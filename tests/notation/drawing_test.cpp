@@ -181,24 +181,28 @@ TEST_F(Surface, RecordsAllThatAnOperationSays)
     surface.Arc(1, 2, 3, 0.5, 3, 0.25, Role::Tie);
     surface.Circle(5, 6, 7, Role::Dot);
     const auto& drawn = surface.Picture().Operations();
-    EXPECT_EQ(drawn.at(0), (Operation{.Kind = Shape::Arc,
-                                      .X1 = 1,
-                                      .Y1 = 2,
-                                      .Radius = 3,
-                                      .Start = 0.5,
-                                      .End = 3,
-                                      .Aspect = 0.25,
-                                      .Width = 4,
-                                      .Style = PenStyle::Dotted,
-                                      .Part = Role::Tie}));
-    EXPECT_EQ(drawn.at(1), (Operation{.Kind = Shape::Circle,
-                                      .X1 = 5,
-                                      .Y1 = 6,
-                                      .Radius = 7,
-                                      .Width = 4,
-                                      .Filled = true,
-                                      .Style = PenStyle::Dotted,
-                                      .Part = Role::Dot}));
+    Operation arc;
+    arc.Kind = Shape::Arc;
+    arc.X1 = 1;
+    arc.Y1 = 2;
+    arc.Radius = 3;
+    arc.Start = 0.5;
+    arc.End = 3;
+    arc.Aspect = 0.25;
+    arc.Width = 4;
+    arc.Style = PenStyle::Dotted;
+    arc.Part = Role::Tie;
+    EXPECT_EQ(drawn.at(0), arc);
+    Operation circle;
+    circle.Kind = Shape::Circle;
+    circle.X1 = 5;
+    circle.Y1 = 6;
+    circle.Radius = 7;
+    circle.Width = 4;
+    circle.Filled = true;
+    circle.Style = PenStyle::Dotted;
+    circle.Part = Role::Dot;
+    EXPECT_EQ(drawn.at(1), circle);
     EXPECT_EQ(surface.CurrentX, 5);
     EXPECT_EQ(surface.CurrentY, 6);
     surface.Arc(8, 9, 3, 0.5, 3, 0.25);
@@ -208,8 +212,8 @@ TEST_F(Surface, RecordsAllThatAnOperationSays)
 
 TEST_F(Surface, TakesTheLaterOfTwoEqualOperationsOffTheList)
 {
-    const Operation plain{.X1 = 1};
-    Operation inverted = plain;
+    const Operation plain;
+    Operation inverted;
     inverted.Mode = PenMode::Invert;
     Drawing drawing({inverted, plain, inverted, plain}, false);
     drawing.Add(inverted);

@@ -157,6 +157,73 @@ TEST_F(LineFurnitureTest, ABracketInTheLinesLastMeasureRunsToLineRight)
     EXPECT_TRUE(Has(Screen(), "line 4870 600 7420 600 w=1"));
 }
 
+TEST_F(LineFurnitureTest, ABarCodeThatSortsBelowThePlainBarsStopsNoBracket)
+{
+    Head(2).Slot(2) = "1.";
+    tune[10].BarCode = "1";  // in the place of the plain bar
+    EXPECT_TRUE(Has(Screen(), "line 2770 600 7420 600 w=1"));
+}
+
+TEST_F(LineFurnitureTest, ABracketStandsAboveAnythingElseInTheTopRow)
+{
+    Head(2).Slot(2) = "1.";
+    Head(2).Slot(3) = "Slowly";
+    Head(2).Slot(1) = kFine;
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 2770 1055 2770 600 w=1"));
+    EXPECT_TRUE(Has(log, "text 3070 600 size=10 font=\"Arial\" bold=0 \"Slowly\""));
+    EXPECT_TRUE(Has(log, "text 4390 600 size=10 font=\"Arial\" bold=0 \"Fine\""));
+}
+
+TEST_F(LineFurnitureTest, AnUnknownSignTakesUpTheTopRowAndPrintsNothing)
+{
+    const std::size_t before = Screen().size();
+    Head(1).Slot(1) = "99x";
+    const LogLines log = Screen();
+    EXPECT_EQ(log.size(), before);
+    EXPECT_TRUE(Has(log, "line 400 1095 7420 1095 w=1"));
+}
+
+TEST_F(LineFurnitureTest, ALetterOfTheRightHandLowersTheStemsOfItsLineAlone)
+{
+    AddQuarters(1).Slot(6) = "NL";
+    tune[15].RightHand = 'p';  // the first line's last note
+    const LogLines log = Screen();
+    EXPECT_EQ(Only(log, "line", " 2085 w=1").size(), 12U);
+    // The second line's staff is at 2915, and its stem ends at 3987.5.
+    EXPECT_TRUE(Has(log, "line 860 2980 860 3987.5 w=1"));
+}
+
+TEST_F(LineFurnitureTest, AChordOverTheLastNoteIsPrintedToo)
+{
+    tune[15].ChordText = "G";
+    EXPECT_TRUE(Has(Screen(), "text 6520 600 size=10 font=\"Arial\" bold=0 \"G\""));
+}
+
+TEST_F(LineFurnitureTest, ASignatureAfterARepeatStartAtTheLinesStartIsAUnitFurtherRight)
+{
+    Head(1).BarCode = kRepeatStart;
+    EXPECT_TRUE(Has(Screen(), "text 550 765 size=16 font=\"Arial\" bold=0 \" 4 \""));
+}
+
+TEST_F(LineFurnitureTest, ASignatureThatChangesLaterStandsAtItsHead)
+{
+    for (int i = 6; i <= tune.LastNote; ++i)
+        tune[i].Beats = 3;
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "text 2770 765 size=16 font=\"Arial\" bold=0 \" 3 \""));
+    EXPECT_TRUE(Has(log, "text 2770 1095 size=16 font=\"Arial\" bold=0 \" 4 \""));
+}
+
+TEST_F(LineFurnitureTest, BeginBarsInsideALineStandAtTheirHead)
+{
+    Head(2).BarCode = kBeginDoubleBar;
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 2770 765 2770 1590 w=3"));
+    EXPECT_TRUE(Has(log, "line 2810 765 2810 1590 w=2"));
+    EXPECT_TRUE(Only(log, "circle").empty());
+}
+
 TEST_F(LineFurnitureTest, ChordsAloneTakeTwoGaps)
 {
     tune[2].ChordText = "G";

@@ -821,7 +821,8 @@ TEST_F(LookTest, WhatCannotBeSeenOrIsDrawnAwayAgainHasNoInk)
     Stroke without;  // a pen without width draws no line
     without.Drawn.X2 = 100;
     EXPECT_FALSE(InkOf({without}, kTwips, metrics));
-    without.Drawn = {.X1 = 0, .Y1 = 0, .X2 = 0, .Y2 = 100};
+    without.Drawn.X2 = 0;
+    without.Drawn.Y2 = 100;
     EXPECT_FALSE(InkOf({without}, kTwips, metrics));
 }
 

@@ -214,8 +214,8 @@ TEST_F(PageLayoutTest, AMeasureWithoutAHeadThatFillsTheTableIsTooWide)
 
 TEST_F(PageLayoutTest, ABeginBarOnANoteWidensItWhereverItIs)
 {
-    AddQuarters(23);               // 72 units
-    AddNote(tune, kHalf, 1, "5");  // and 5
+    AddQuarters(23);                                                                  // 72 units
+    AddNote(tune, kHalf, 1, "5");                                                     // and 5
     EXPECT_TRUE(Only(Screen(), "text", "\"[5]\"").at(0).starts_with("text 10816 "));  // of 143
     tune[25].BarCode = kBeginDoubleBar;
     EXPECT_TRUE(Only(Screen(), "text", "\"[5]\"").at(0).starts_with("text 10672 "));  // of 141
