@@ -51,7 +51,7 @@ std::vector<Notes> NotesOf(Tune& tune, const Sound& sound)
     Ticks at = 0;
     Performance performance(tune, sound, [&](int status, int pitch, int velocity, int delta) {
         at += delta;
-        if (status >= kNoteOn && status < kNoteOn + 16)
+        if (status < kProgramChange)
             TakeEvent(strings.back(), pitch, velocity, at - performance.Late());
     });
     for (int s = 1; s <= tune.NumStrings; ++s) {
@@ -220,7 +220,6 @@ std::string PracticeBuilder::MidiBytes() const
     if (positions.End > kLongestFile)
         throw std::runtime_error("So many turns do not fit into a MIDI file.");
     MidiFileWriter writer;
-    writer.BeginFile();
     writer.SetDivision(positions.TicksPerQuarter);
     Ticks last = 0;
     const auto writeTempo = [&](const TempoPlace& tempo, Ticks at) {

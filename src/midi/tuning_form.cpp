@@ -88,7 +88,7 @@ void TuningForm::cmdDefault()
     tunings[0] = tunings[Combo1Index];
     tunings[Combo1Index] = scratch;
     for (int i = 0; i < Count(); ++i)
-        Combo1[static_cast<std::size_t>(i)] = tunings[i].TuningName;
+        Combo1.at(static_cast<std::size_t>(i)) = tunings[i].TuningName;
     Combo1Index = 0;
     Activate(0);
 }

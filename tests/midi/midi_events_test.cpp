@@ -57,5 +57,32 @@ TEST(TimedEvents, AFileWithoutADivisionHasNoTimes)
     EXPECT_EQ(timed.End, 0);
 }
 
+TEST(TimedEvents, WithoutATempoAQuarterLastsHalfASecond)
+{
+    MidiFileWriter writer;
+    writer.BeginFile();
+    writer.SetDivision(1);
+    writer.WriteEvent(193, 25, 99, 1);
+    writer.FinishTracks();
+    const TimedEvents timed = TimedEventsOf(writer.Bytes());
+    ASSERT_EQ(timed.Events.size(), 1u);
+    EXPECT_DOUBLE_EQ(timed.Events[0].Seconds, 0.5);
+    EXPECT_EQ(timed.Events[0].Data1, 25);
+    EXPECT_EQ(timed.Events[0].Data2, 0) << "the message has one data byte";
+}
+
+TEST(TimedEvents, TheFastestTempoCountsAndATempoOf0DoesNot)
+{
+    for (const auto& [tempo, seconds] : {std::pair(1, 0.5e-4), std::pair(0, 25.0)}) {
+        MidiFileWriter writer;
+        writer.BeginFile();
+        writer.SetDivision(1);
+        writer.WriteTempo(tempo);
+        writer.WriteTempo(tempo, 50);
+        writer.FinishTracks();
+        EXPECT_DOUBLE_EQ(TimedEventsOf(writer.Bytes()).End, seconds) << tempo;
+    }
+}
+
 }  // namespace
 }  // namespace quillon

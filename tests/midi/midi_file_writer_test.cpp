@@ -121,5 +121,18 @@ TEST(MidiFileWriter, LeavesNoFileWhereItCannotWrite)
     EXPECT_TRUE(std::filesystem::exists("taken/inside"));
 }
 
+TEST(MidiFileWriter, DropsATrackThatIsNotEndedWhenAnotherFileBegins)
+{
+    MidiFileWriter writer;
+    writer.BeginFile();
+    writer.FinishTracks();
+    const std::string empty = writer.Bytes();
+    writer.BeginFile();
+    writer.WriteEvent(145, 64, 100, 0);
+    writer.BeginFile();
+    writer.FinishTracks();
+    EXPECT_EQ(writer.Bytes(), empty);
+}
+
 }  // namespace
 }  // namespace quillon

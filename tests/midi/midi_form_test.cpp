@@ -110,6 +110,23 @@ TEST_F(MidiFormTest, OnlyMinusOneSelectsNoInstrument)
     EXPECT_FAULT(form.Show(), InvalidPropertyValue);
 }
 
+TEST_F(MidiFormTest, MinusOneSelectsNoInstrument)
+{
+    settings.Values[{"Guitar", "Instrument"}] = "-1";
+    form.Show();
+    EXPECT_EQ(controls.Combo2Index, -1);
+}
+
+TEST_F(MidiFormTest, OpensWithoutAskingForTheFocus)
+{
+    form.Show();
+    form.cmdCreate();
+    EXPECT_EQ(form.Focus, MidiForm::Button::cmdPlay);
+    form.Unload();
+    form.Show();
+    EXPECT_EQ(form.Focus, MidiForm::Button::None);
+}
+
 TEST_F(MidiFormTest, MovesNeitherTempoNorVolumeOfThePlayerWhenItOpens)
 {
     form.Show();
@@ -138,6 +155,15 @@ TEST_F(MidiFormTest, ClosingPutsCurNoteBackAndKeepsInstrumentAndTempo)
     EXPECT_EQ(tune.CurNote, 2);
     EXPECT_EQ(settings.Written, (Texts{"Guitar/Instrument=73", "Guitar/Tempo=90"}));
     EXPECT_EQ(player.Calls.back(), "Close");
+}
+
+TEST_F(MidiFormTest, OfFiveStringsInstrumentAndTempoAreKeptToo)
+{
+    tune.NumStrings = 5;
+    form.Show();
+    settings.Written.clear();
+    form.Unload();
+    EXPECT_EQ(settings.Written, (Texts{"Banjo/Instrument=105", "Banjo/Tempo=210"}));
 }
 
 TEST_F(MidiFormTest, OfFourStringsOnlyTheTuningIsKept)
@@ -183,6 +209,44 @@ TEST_F(MidiFormTest, ATuningThatIsNotThereGivesWayToTheFirst)
         EXPECT_EQ(tune[0].Slot(4), "0");
         form.Unload();
     }
+}
+
+TEST_F(MidiFormTest, TheTunesOwnTuningComesBeforeTheStoredOne)
+{
+    settings.Values[{"Guitar", "Tuning"}] = "2";
+    tune[0].Slot(4) = "1";
+    form.Show();
+    EXPECT_EQ(controls.Combo1Index, 1);
+}
+
+TEST_F(MidiFormTest, ATuningFileOfOneRowSelectsItAndOneOfNoneIsAnError)
+{
+    WriteFileBytes("Strings6.tun", "\"Mine\",1,2,3,4,5,6\r\n");
+    form.Show();
+    EXPECT_EQ(controls.Combo1Index, 0);
+    form.Unload();
+    WriteFileBytes("Strings6.tun", "");
+    EXPECT_FAULT(form.Show(), InvalidPropertyValue);
+}
+
+TEST_F(MidiFormTest, WhileItIsClosedTheSoundIsThatWithWhichItWouldOpen)
+{
+    settings.Values[{"Guitar", "Tuning"}] = "2";
+    settings.Values[{"Guitar", "Instrument"}] = "40";
+    settings.Values[{"Guitar", "Tempo"}] = "99";
+    const auto expectOpenD = [&] {
+        const Sound sound = form.SoundNow();
+        EXPECT_EQ(sound.Tempo, 99);
+        EXPECT_EQ(form.TempoNow(), 99);
+        EXPECT_EQ(sound.Instrument, 40);
+        EXPECT_EQ(sound.OpenPitch, (std::array<Int16, 6>{62, 57, 54, 50, 45, 38}));
+    };
+    expectOpenD();
+    EXPECT_EQ(tune[0].Slot(4), "") << "asking keeps nothing";
+    form.Show();
+    expectOpenD();
+    form.CapoChange(2);
+    EXPECT_EQ(form.SoundNow().OpenPitch, (std::array<Int16, 6>{64, 59, 56, 52, 47, 40}));
 }
 
 TEST_F(MidiFormTest, SelectingATuningKeepsItWithTheTuneAndInTheSettings)
@@ -297,6 +361,19 @@ TEST_F(MidiFormTest, ATuneWithoutAFileNameBuildsThePlayFileOnly)
     form.FTypeClick(kPlayFile);
     form.cmdCreate();
     EXPECT_EQ(player.Loaded, PlayFile());
+}
+
+TEST_F(MidiFormTest, TheMidiFilesNameIsTheTunesWithOtherLastThreeCharacters)
+{
+    form.Show();
+    form.FTypeClick(kMidiFile);
+    tune.FileName = "gu";
+    form.cmdCreate();
+    EXPECT_EQ(dialogs.Shown.size(), 1u);
+    tune.FileName = "gui";
+    form.cmdCreate();
+    EXPECT_EQ(controls.txtFile, "Mid");
+    EXPECT_EQ(dialogs.Shown.size(), 1u);
 }
 
 TEST_F(MidiFormTest, APlayFileIsReplacedSilently)
@@ -497,7 +574,10 @@ TEST_F(MidiFormTest, ANotificationThatCannotBeProcessedIsShown)
     form.Show();
     form.cmdCreate();
     form.cmdPlay();
+    int changes = 0;
+    form.OnChange = [&] { ++changes; };
     player.OnFailure();
+    EXPECT_EQ(changes, 1);
     ASSERT_EQ(dialogs.Shown.size(), 1u);
     EXPECT_EQ(dialogs.Shown[0].Icon, Icon::Information);
     EXPECT_EQ(dialogs.Shown[0].Title, "Cannot Process.");
@@ -518,7 +598,9 @@ TEST_F(MidiFormTest, TheSlidersReachThePlayerAtOnce)
     form.Show();
     form.sldTempoChange(0);
     form.sldTempoChange(30);
+    EXPECT_EQ(controls.sldTempo, 30);
     form.sldVolumeChange(-2500);
+    EXPECT_EQ(controls.sldVolume, -2500);
     EXPECT_EQ(player.Calls, (Texts{"Init", "SetTempoFactor 0.000000", "SetTempoFactor 3.000000",
                                    "SetVolume -2500"}));
 }
@@ -532,7 +614,7 @@ TEST_F(MidiFormTest, WithoutWorkingSoundTheProgramEnds)
     EXPECT_EQ(dialogs.Shown[0].Title, "Exiting...");
     EXPECT_EQ(dialogs.Shown[0].Text, "Could not initialize DirectMusic.\r\nThis sample will exit.");
     EXPECT_FALSE(form.Loaded);
-    EXPECT_EQ(player.Calls.back(), "Close");
+    EXPECT_EQ(player.Calls, (Texts{"Init", "Close", "Close"}));
     EXPECT_EQ(system.Ends, 1);
 }
 

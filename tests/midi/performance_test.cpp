@@ -124,6 +124,15 @@ TEST_F(PerformanceTest, ARestIsSilenceOnEveryTrack)
                                       std::to_string(sound.OpenPitch[s - 1]) + " 100");
 }
 
+TEST_F(PerformanceTest, CodesUpTo90SoundAndThoseAboveAreSilent)
+{
+    AddMeasure(tune);
+    AddNote(tune, 90, 1, "1");
+    AddNote(tune, 91, 1, "2");
+    AddNote(tune, kQuarter, 1, "3");
+    EXPECT_EQ(Track(1), (Events{"0 145 65 100", "0 145 65 0", "0 145 67 100", "120 145 67 0"}));
+}
+
 TEST_F(PerformanceTest, ARestWritesNothingOnAnyTrack)
 {
     AddMeasure(tune);
@@ -302,6 +311,34 @@ TEST_F(PerformanceTest, TheSearchForAnEndingGoesOnAboveTheLastRecord)
     EXPECT_EQ(Journey(), (Measures{1, 2, 1}));
 }
 
+TEST_F(PerformanceTest, ARepeatInTheLastMeasureIsTakenAfterAllOfItsNotes)
+{
+    AddTelling(2);
+    Head(2).BarCode = kRepeatEnd;
+    AddNote(tune, kQuarter, 1, "9");
+    EXPECT_EQ(Journey(), (Measures{1, 2, 9, 1, 2, 9}));
+}
+
+TEST_F(PerformanceTest, AnEndingThatIsReachedWithoutASearchDoesNotRepeatForItsPass)
+{
+    AddTelling(4);
+    Head(2).Slot(2) = "2";
+    Head(3).BarCode = kRepeatEnd;
+    EXPECT_EQ(Journey(), (Measures{1, 2, 3, 1, 2, 3, 4}));
+}
+
+TEST_F(PerformanceTest, ARepeatStartBeginsItsEndingsAnew)
+{
+    AddTelling(6);
+    for (int measure : {2, 5}) {
+        Head(measure).Slot(2) = "1";
+        Head(measure).BarCode = kRepeatEnd;
+        Head(measure + 1).Slot(2) = "2";
+    }
+    Head(4).BarCode = kRepeatStart;
+    EXPECT_EQ(Journey(), (Measures{1, 2, 1, 3, 4, 5, 4, 6}));
+}
+
 TEST_F(PerformanceTest, OnlyTheLeadingNumberOfABracketCounts)
 {
     AddTelling(4);
@@ -346,6 +383,15 @@ TEST_F(PerformanceTest, DsAlCodaWithoutASignGoesBackToTheFirstMeasure)
     Head(4).Slot(1) = kDsAlCoda;
     Head(5).Slot(1) = kCoda;
     EXPECT_EQ(Journey(), (Measures{1, 2, 3, 4, 1, 2, 5, 6}));
+}
+
+TEST_F(PerformanceTest, ToCodaIsReadInCapitalsAsWell)
+{
+    AddTelling(4);
+    Head(1).Slot(3) = "/TO CODA";
+    Head(2).Slot(1) = kDcAlCoda;
+    Head(4).Slot(1) = kCoda;
+    EXPECT_EQ(Journey(), (Measures{1, 2, 1, 4}));
 }
 
 TEST_F(PerformanceTest, DsAlCodaGoesBackToTheSignAndMissesACodaRightAfterToCoda)
@@ -655,6 +701,20 @@ TEST_F(PerformanceTest, VelocityAfterASlurIsLoweredForTheNextNoteOnThatStringOnl
     EXPECT_EQ(Track(2).at(2), "0 146 60 100");
 }
 
+TEST_F(PerformanceTest, ARestBeforeATiedTwoNoteCellIsLost)
+{
+    EXPECT_EQ(Quarters({"", "3-5^", "3", "5"}),
+              (Events{"60 145 67 0", "0 145 69 66", "0 145 67 100", "180 145 67 0", "0 145 69 100",
+                      "120 145 69 0"}));
+}
+
+TEST_F(PerformanceTest, ASlurAtTheEndOfAStringDoesNotLowerTheNextString)
+{
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, "3^").Slot(2) = "1";
+    EXPECT_EQ(Track(2), (Events{"0 146 60 100", "120 146 60 0"}));
+}
+
 TEST_F(PerformanceTest, VelocityIsHalvedAlongARunOfSlurs)
 {
     const Events played = Quarters({"1^", "2^", "3^", "4^-", "5"});
@@ -703,6 +763,31 @@ TEST_F(PerformanceTest, TheDivisionIsTheTempoAndTheTempoValueIsCut)
         EXPECT_EQ(file.Format, 1);
         EXPECT_EQ(file.Division, tempo);
         EXPECT_EQ(file.Tracks[0], (Events{std::string("0 tempo ") + value, "0 end"}));
+    }
+}
+
+TEST_F(PerformanceTest, AMinuteIs60000000Microseconds)
+{
+    EXPECT_EQ(MicrosecondsPerQuarter(1), 60000000);
+}
+
+TEST_F(PerformanceTest, AWriterThatHoldsAnotherFileBeginsAnew)
+{
+    AddTelling();
+    MidiFileWriter writer;
+    BuildMidiFile(tune, sound, writer);
+    const std::string first = writer.Bytes();
+    BuildMidiFile(tune, sound, writer);
+    EXPECT_EQ(writer.Bytes(), first);
+}
+
+TEST_F(PerformanceTest, WhatWasPlayedIsThatOfTheLastWalk)
+{
+    AddTelling(2);
+    Performance performance(tune, sound);
+    for (int walk = 0; walk < 2; ++walk) {
+        performance.WalkSilently();
+        EXPECT_EQ(performance.Played().size(), 2u);
     }
 }
 

@@ -171,5 +171,24 @@ TEST_F(PlayPositionsTest, ATuneThatCannotBePerformedIsAFaultInWords)
     EXPECT_THROW(PositionsOf(tune, sound), NeverEnding);
 }
 
+TEST_F(PlayPositionsTest, TheTempoIsThatOfTheSoundFromTheBeginningOn)
+{
+    const PlayPositions positions = PositionsOf(tune, sound);
+    EXPECT_EQ(positions.TicksPerQuarter, 120);
+    ASSERT_EQ(positions.Tempos.size(), 1u);
+    EXPECT_EQ(positions.Tempos[0].Begin, 0);
+    EXPECT_EQ(positions.Tempos[0].MicrosecondsPerQuarter, 500000);
+}
+
+TEST_F(PlayPositionsTest, AllIsFromTheFirstMeasurePlayedToTheLast)
+{
+    AddFullMeasures(tune, 3);
+    Head(2).BarCode = kRepeatEnd;
+    const PlayedPart all = AllOf(PositionsOf(tune, sound));
+    EXPECT_EQ(all.First, 0u);
+    EXPECT_EQ(all.Last, 4u);
+    EXPECT_THROW(AllOf(PlayPositions{}), std::runtime_error);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -223,6 +223,36 @@ TEST_F(PracticeTest, APartWithoutNotesIsRefusedInWords)
     EXPECT_EQ(Refusal(1), "There is nothing to play in measure 1.");
 }
 
+TEST_F(PracticeTest, ItsFileHasATempoTrackOneForEachStringAndTheClicks)
+{
+    using Lines = std::vector<std::string>;
+    AddMeasure(tune, 2, 4);
+    AddNote(tune, kQuarter, 1, "3").Slot(6) = "2";
+    AddNote(tune, kQuarterRest);
+    const MidiText file = ReadMidi(Make(1, 1, {.Click = true}).Midi);
+    EXPECT_EQ(file.Format, 1);
+    EXPECT_EQ(file.Division, 120);
+    ASSERT_EQ(file.Tracks.size(), 8u);
+    EXPECT_EQ(file.Tracks[0], (Lines{"0 tempo 500000", "240 tempo 500000", "0 end"}));
+    EXPECT_EQ(file.Tracks[1], (Lines{"0 193 25", "0 145 67 100", "120 145 67 0", "0 end"}));
+    EXPECT_EQ(file.Tracks[2], (Lines{"0 194 25", "0 end"}));
+    EXPECT_EQ(file.Tracks[6], (Lines{"0 198 25", "0 150 42 100", "120 150 42 0", "0 end"}));
+    EXPECT_EQ(file.Tracks[7],
+              (Lines{"0 153 76 110", "15 153 76 0", "105 153 77 80", "15 153 77 0", "0 end"}));
+}
+
+TEST_F(PracticeTest, SlursAreHeardDownToTheVelocityOf1)
+{
+    AddMeasure(tune);
+    for (const char* cell : {"1^", "2^", "3^", "4^", "5^", "6^", "7^", "8"})
+        AddNote(tune, kQuarter, 1, cell);
+    std::vector<int> velocities;
+    const Notes played = NotesOf(Make(1, 1).Midi)[0];
+    for (const Note& note : played)
+        velocities.push_back(note.Velocity);
+    EXPECT_EQ(velocities, (std::vector<int>{100, 50, 25, 12, 6, 3, 1}));
+}
+
 // Turns and speed
 
 TEST_F(PracticeTest, EachTurnBeginsWhereTheOneBeforeItEnds)
@@ -236,7 +266,11 @@ TEST_F(PracticeTest, EachTurnBeginsWhereTheOneBeforeItEnds)
     EXPECT_EQ(track.Positions.Measures[3].Number, 3);
     EXPECT_EQ(track.Positions.Measures[3].Head, 11);
     EXPECT_EQ(track.Positions.Measures[3].Begin, 1440);
-    EXPECT_EQ(track.Positions.Columns.size(), 24u);
+    ASSERT_EQ(track.Positions.Columns.size(), 24u);
+    for (std::size_t i = 0; i < 24; ++i) {
+        EXPECT_EQ(track.Positions.Columns[i].Begin, 120 * static_cast<Ticks>(i));
+        EXPECT_EQ(track.Positions.Columns[i].Record, (i / 4 % 2 == 0 ? 7 : 12) + int(i % 4));
+    }
     const Notes played = NotesOf(track.Midi)[1];
     ASSERT_EQ(played.size(), 24u);
     for (std::size_t i = 0; i < 24; ++i)
@@ -265,6 +299,17 @@ TEST_F(PracticeTest, SpeedStepsUpEachTurnUntilTheGoal)
               (std::vector<std::string>{"0 tempo 833333", "480 tempo 666666", "480 tempo 625000",
                                         "960 tempo 625000", "0 end"}));
     EXPECT_NEAR(track.Positions.SecondsAt(1920), 2 / .6 + 2 / .75 + 2 / .8 + 2 / .8, 1e-5);
+}
+
+TEST_F(PracticeTest, TheSmallestStepIs1AndWithoutOneTheTempoIsToldOnce)
+{
+    AddFullMeasures(tune, 1);
+    const PracticeTrack up = Make(1, 1, {.Speed = 60, .StepUp = 1, .Goal = 80, .Turns = 2});
+    EXPECT_EQ(up.Turns[1].Speed, 61);
+    EXPECT_EQ(up.Positions.Tempos.size(), 2u);
+    const PracticeTrack even = Make(1, 1, {.Speed = 60, .StepUp = 0, .Goal = 80, .Turns = 2});
+    EXPECT_EQ(even.Turns[1].Speed, 60);
+    EXPECT_EQ(even.Positions.Tempos.size(), 1u);
 }
 
 TEST_F(PracticeTest, AGoalBelowTheSpeedChangesNothing)
@@ -354,6 +399,15 @@ TEST_F(PracticeTest, BeforeAPickupAlsoWhatItLacksIsCounted)
         if (click.Pitch == 76)
             accents.push_back(click.On);
     EXPECT_EQ(accents, (std::vector<Ticks>{0, 480, 960}));
+}
+
+TEST_F(PracticeTest, NoBeatOfAPickupIsTheFirstOfAMeasure)
+{
+    AddMeasure(tune);
+    for (int beat = 0; beat < 3; ++beat)
+        AddNote(tune, kQuarter, 1, "3");
+    for (const Note& click : Clicks(Make(1, 1, {.Click = true})))
+        EXPECT_EQ(click.Pitch, 77) << click.On;
 }
 
 TEST_F(PracticeTest, ClicksKeepUpWithTripletsWhoseTicksAreCut)

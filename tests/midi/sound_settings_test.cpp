@@ -109,5 +109,12 @@ TEST(Sound, APitchWithItsCapoStaysWithin16Bits)
     EXPECT_FAULT(OpenPitches(tuning, 1), Overflow);
 }
 
+TEST(Sound, ATuningIsTheRowThatItsNumberRoundsTo)
+{
+    for (const auto& [wanted, row] : {std::pair("0", 0), std::pair("0.4", 0), std::pair("0.6", 1),
+                                      std::pair("3.4", 3), std::pair("-0.1", 0)})
+        EXPECT_EQ(TuningRow(wanted, 4), row) << wanted;
+}
+
 }  // namespace
 }  // namespace quillon

@@ -206,5 +206,25 @@ TEST_F(TuningFormTest, OnlyTheGuitarHasNoDefaultButton)
     EXPECT_TRUE(bass.design.HasDefault);
 }
 
+TEST_F(TuningFormTest, AFileWithoutTuningsSelectsNoneAndOneOfASingleTuningThat)
+{
+    WriteFileBytes("Strings4.tun", "");
+    Reopen(bass);
+    EXPECT_EQ(bass.Combo1, Texts{});
+    EXPECT_EQ(bass.Combo1Index, -1);
+    WriteFileBytes("Strings4.tun", "\"Mine\",1,2,3,4\r\n");
+    Reopen(bass);
+    EXPECT_EQ(bass.Combo1, Texts{"Mine"});
+    EXPECT_EQ(bass.Combo1Index, 0);
+}
+
+TEST_F(TuningFormTest, TheNextOpeningGivesSaveTheFocusNoMore)
+{
+    Add(guitar, "Mine");
+    guitar.AddTitleEnter();
+    Reopen(guitar);
+    EXPECT_FALSE(guitar.cmdSaveFocused);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -134,6 +134,29 @@ TEST(Val, PastADoubleIsAnOverflow)
     EXPECT_EQ(Val("0e999"), 0);
 }
 
+TEST(Val, EndsAtASecondPointForGood)
+{
+    EXPECT_FAULT(Val(std::string(400, '9') + ".5.5e-9"), Overflow);
+}
+
+TEST(Val, OutOfRangeIsTinyOnlyWithANegativeExponentOrWithoutADigitButZero)
+{
+    for (const char* text : {"0.00e999", "-0e999", "9e-999", "0.1e-999"})
+        EXPECT_EQ(Val(text), 0) << text;
+    for (const char* text : {"0.01e999", "1.0e999", "9d+999"})
+        EXPECT_FAULT(Val(text), Overflow);
+}
+
+TEST(Single, HoldsTheRangeOfASingleWithItsEnds)
+{
+    constexpr double kMost = std::numeric_limits<float>::max();
+    EXPECT_EQ(Single(kMost), std::numeric_limits<float>::max());
+    EXPECT_EQ(Single(-kMost), -std::numeric_limits<float>::max());
+    EXPECT_FAULT(Single(kMost * 1.01), Overflow);
+    EXPECT_FAULT(Single(-kMost * 1.01), Overflow);
+    EXPECT_FAULT(Single(std::numeric_limits<double>::quiet_NaN()), Overflow);
+}
+
 TEST(Val, WithoutASignTakesNoSignedNumber)
 {
     EXPECT_EQ(ValUnsigned("-5"), 0);

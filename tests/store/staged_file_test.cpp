@@ -1,6 +1,7 @@
 #include "store/staged_file.h"
 
 #include "store/item_file.h"
+#include "support/not_root.h"
 #include "support/temporary_directory.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
@@ -35,24 +35,6 @@ unsigned ModeOf(const fs::path& path)
 {
     return static_cast<unsigned>(fs::status(path).permissions());
 }
-
-/// Nothing is protected from root, who is nobody meanwhile, with a folder of his own.
-class NotRoot {
-public:
-    explicit NotRoot(const std::string& folder)
-    {
-        constexpr uid_t kNobody = 65534;
-        if (userBefore == 0 && (chown(folder.c_str(), kNobody, -1) != 0 || seteuid(kNobody) != 0))
-            throw std::runtime_error("cannot be nobody");
-    }
-    ~NotRoot() { [[maybe_unused]] const int done = seteuid(userBefore); }
-
-    NotRoot(const NotRoot&) = delete;
-    NotRoot& operator=(const NotRoot&) = delete;
-
-private:
-    uid_t userBefore = geteuid();
-};
 
 class StagedFileTest : public testing::Test {
 protected:
@@ -141,6 +123,21 @@ TEST_F(StagedFileTest, AReplacedFileKeepsItsOwner)
     EXPECT_EQ(there.st_gid, 5678u);
 }
 
+TEST_F(StagedFileTest, AGroupThatCannotStayDoesNotLeaveItsPermissionsToAnother)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root gives files away";
+    WriteFileBytes("f", "earlier");
+    ASSERT_EQ(chown("f", 65534, 1234), 0);
+    fs::permissions("f", static_cast<fs::perms>(0675));
+    const NotRoot user(folder.Path());
+    ReplaceFile("f", "x");
+    struct stat there;
+    ASSERT_EQ(stat("f", &there), 0);
+    EXPECT_NE(there.st_gid, 1234u);
+    EXPECT_EQ(ModeOf("f"), 0605u);
+}
+
 TEST_F(StagedFileTest, AWriteProtectedFileIsKept)
 {
     const NotRoot user(folder.Path());
@@ -185,6 +182,24 @@ TEST_F(StagedFileTest, ALinkStaysAndLeadsToTheNewFile)
     }
     EXPECT_TRUE(fs::is_symlink("link") && fs::is_symlink("sub/relative"));
     EXPECT_EQ(Names(), (Files{"link", "sub", "target"}));
+}
+
+TEST_F(StagedFileTest, FortyLinksInARowAreFollowedAndNotOneMore)
+{
+    fs::create_symlink("target", "link1");
+    for (int link = 2; link <= 41; ++link)
+        fs::create_symlink("link" + std::to_string(link - 1), "link" + std::to_string(link));
+    ReplaceFile("link40", "x");
+    EXPECT_EQ(ReadFileBytes("target"), "x");
+    EXPECT_EQ(Reason([] { ReplaceFile("link41", "y"); }), ELOOP);
+}
+
+TEST_F(StagedFileTest, FilesThatBelongTogetherAreNumberedFromTheSecondOn)
+{
+    EXPECT_EQ(NumberedNames("folder/page.png", 3),
+              (Files{"folder/page.png", "folder/page-2.png", "folder/page-3.png"}));
+    EXPECT_EQ(NumberedNames("page", 2), (Files{"page", "page-2"}));
+    EXPECT_EQ(NumberedNames("page.png", 1), Files{"page.png"});
 }
 
 TEST_F(StagedFileTest, StreamsArePipesDevicesAndOpenFiles)
