@@ -66,7 +66,6 @@ void Editor::mnuDelNote()
         Current().Clear();
         --tune.LastNote;
         --tune.CurNote;
-        form.CursorX = Current().XPos;
     }
     --form.MeasEnd;
     view.RedrawMeasure();

@@ -164,7 +164,6 @@ void Editor::Left()
         return;
     if (form.EntryState == EntryState::Append)
         form.EntryState = EntryState::Edit;
-    HideCaret();
     --tune.CurNote;
     form.CursorX = Current().XPos;
     ShowValueOf(Current().NoteCode, kDottedQuarter);
@@ -177,7 +176,6 @@ void Editor::Right()
         return;
     if (form.EntryState == EntryState::Review && tune.CurNote + 1 > form.MeasEnd)
         return;
-    HideCaret();
     if (form.EntryState == EntryState::Edit && tune.CurNote == tune.LastNote) {
         if (form.MeasFill < form.MeasCapacity) {
             form.CursorX = EndOf(tune.CurNote);
@@ -268,7 +266,6 @@ void Editor::EnterFret(char character)
         form.MeasEnd = tune.CurNote;
         tune.LastNote = tune.CurNote;
     }
-    form.Timer1Enabled = false;
     view.StaffBox.CurrentY = form.CursorY - 6;
     view.StaffBox.CurrentX = form.CursorX;
     if (form.CursorX == note.XPos)
@@ -302,7 +299,6 @@ void Editor::CommitNote()
     form.MeasEnd = tune.CurNote;
     tune.LastMeas = tune.CurMeas;
     view.RedrawMeasure();
-    tune.CurNote = form.MeasEnd;
     tune.LastNote = form.MeasEnd;
     if (form.MeasFill >= form.MeasCapacity) {
         // Full: the next Enter or Space presses cmdNext. The cursor stays on the last note.
@@ -424,7 +420,6 @@ void Editor::mnuRHEdit()
 
 void Editor::Paint()
 {
-    HideCaret();
     view.ClearStaff();
     form.CursorX = kFirstNoteX;
     form.CursorY = StringY(tune.NumStrings);
@@ -466,7 +461,6 @@ void Editor::StaffBoxMouseDown(double x, double y)
         return;
     if (form.InputMode != InputMode::Insert)
         form.InputMode = InputMode::Fret;
-    HideCaret();
     if (form.MeasEnd < form.MeasHead) {
         form.CursorX = kFirstNoteX;
     } else {

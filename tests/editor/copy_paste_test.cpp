@@ -99,6 +99,35 @@ TEST_F(CopyPaste, ComparesRealValues)
     EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), RecordBytes(tune, 6, 10));
 }
 
+TEST_F(CopyPaste, AMeasureOfAHeadAloneIsCopiedAlone)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddFullMeasures(tune, 1);
+    Show();
+    Copy("2", "2");
+    EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), RecordBytes(tune, 6, 6));
+}
+
+TEST_F(CopyPaste, BetweenTwoMeasuresThereIsNothingToCopyOrToPaste)
+{
+    ShowFullMeasures(3);
+    Copy("1.2", "1.5");
+    EXPECT_EQ(ReadFileBytes("CopyBuff.Dat"), "");
+    const std::string table = Table();
+    editor.mnuPaste();
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(tune.LastMeas, 3);
+    Goto("3");
+    form.EntryState = EntryState::Edit;
+    form.MeasHead = form.MeasEnd = 1;
+    editor.mnuPaste();
+    EXPECT_EQ(Table(), table);
+    EXPECT_EQ(form.MeasHead, 11);
+    EXPECT_EQ(form.MeasEnd, 15);
+}
+
 TEST_F(CopyPaste, ARefusedCopyLeavesTheBufferOfTheLastOne)
 {
     ShowFullMeasures(3);
@@ -135,6 +164,7 @@ TEST_F(CopyPaste, AfterTheMeasureStaysOnTheLastPastedWithCurNoteAtTheEndAndNoRed
     EXPECT_EQ(tune.LastNote, 30);
     ExpectNumbersInOrder();
     EXPECT_TRUE(std::filesystem::exists("Temp.Dat")) << "stays in place";
+    EXPECT_EQ(form.Parked, ParkedTail{});
     EXPECT_EQ(form.Saved, SavedState::Saved) << "a paste leaves it alone";
 }
 
@@ -167,6 +197,18 @@ TEST_F(CopyPaste, AtTheEndOfAPartlyFilledMeasureLeavesItAndStartsThePastedOneAft
     EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(view.lblMeasNum, "3") << "redrawn";
     ExpectNumbersInOrder();
+}
+
+TEST_F(CopyPaste, InAnEmptyOpenMeasurePastesInItsPlace)
+{
+    Type("1\r1\r1\r1\r\r");
+    ASSERT_EQ(tune.CurMeas, 2);
+    Copy("1", "1");
+    editor.mnuPaste();
+    ExpectNumbersInOrder();
+    EXPECT_EQ(tune.LastMeas, 2);
+    EXPECT_EQ(tune.LastNote, 10);
+    EXPECT_EQ(form.MeasHead, 6);
 }
 
 TEST_F(CopyPaste, InEditStateOnTheLastMeasurePastesAtTheEnd)
@@ -228,6 +270,9 @@ TEST_F(CopyPaste, ABufferThatHasGoneIsAFileNotFoundFault)
     Copy("1", "1");
     std::filesystem::remove("CopyBuff.Dat");
     EXPECT_FAULT(editor.mnuPaste(), FileNotFound);
+    EXPECT_EQ(tune.LastMeas, 1) << "the tail is parked by then";
+    EXPECT_EQ(tune.LastNote, 5);
+    EXPECT_EQ(form.Parked.Records.size(), 5u);
 }
 
 TEST_F(CopyPaste, PastTheTableIsASubscriptFaultWithTheTailNotYetBack)

@@ -48,6 +48,18 @@ TEST_F(Navigation, NextAfterAFullMeasureOpensANewOneAfterItsLastNote)
     EXPECT_EQ(tune.LastMeas, 1);
 }
 
+TEST_F(Navigation, ANewMeasureIsClearedAndBlinksThoughStaffBoxHadTheFocus)
+{
+    Type("1\r");
+    form.Timer1Enabled = false;
+    editor.cmdNext();
+    EXPECT_EQ(form.MeasFill, 0);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_TRUE(form.Timer1Enabled);
+    EXPECT_EQ(Log(), "clear\ntext 2 36 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
+                     "text 2 56 size=18 font=\"Arial\" bold=1 \" 4 \"\n");
+}
+
 TEST_F(Navigation, NextMayLeaveAPartlyFilledLastMeasure)
 {
     Type("1\r");
@@ -64,6 +76,20 @@ TEST_F(Navigation, ANewMeasureTakesTheSignatureInForce)
     Type("1\r1\r\r");
     EXPECT_EQ(tune[4].Beats, 3);
     EXPECT_EQ(tune[4].BeatUnit, 8);
+}
+
+TEST_F(Navigation, NextInEditStateGoesToTheFirstNoteOfTheNextMeasure)
+{
+    ShowFullMeasures(3);
+    form.EntryState = EntryState::Edit;
+    Key(kKeyRight);
+    Key(kKeyRight);
+    editor.SetFocus(Control::cmdNext);
+    editor.cmdNext();
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.CurNote, 7);
+    EXPECT_EQ(form.CursorX, 48);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
 }
 
 TEST_F(Navigation, PreviousOnMeasure1GoesToLastMeas)
@@ -96,6 +122,20 @@ TEST_F(Navigation, NextPutsTheCursorOnTheLowestStringOfTheFirstNote)
     Show();
     EXPECT_EQ(form.CursorY, StringY(4));
     EXPECT_EQ(tune.CurNote, 2);
+}
+
+TEST_F(Navigation, ThatStringMayBeTheFirst)
+{
+    EmptyTable();
+    for (int measure = 1; measure <= 2; ++measure) {
+        AddMeasure(tune);
+        AddNote(tune, kWhole, 1, "1");
+    }
+    Show();
+    EXPECT_EQ(form.CursorY, StringY(1));
+    form.CursorY = StringY(5);
+    editor.cmdPrevious();
+    EXPECT_EQ(form.CursorY, StringY(1));
 }
 
 TEST_F(Navigation, NextInReviewStateOnAMeasureThatStartsWithARestLeavesCursorYAt54)
@@ -159,12 +199,32 @@ TEST_F(Navigation, NextInEditStateReachesTheUnfilledEndInAppendState)
     editor.cmdPrevious();
     EXPECT_EQ(form.EntryState, EntryState::Edit);
     EXPECT_EQ(tune.CurMeas, 1);
+    editor.SetFocus(Control::cmdNext);
     editor.cmdNext();
+    EXPECT_EQ(form.Focus, Control::StaffBox);
     EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurMeas, 2);
     EXPECT_EQ(tune.CurNote, 8);
     EXPECT_EQ(form.CursorX, 72);
     EXPECT_EQ(form.MeasEnd, 7);
+}
+
+// A damaged tune: another measure stands within its last one, whose end is the tune's all the same.
+TEST_F(Navigation, NextInEditStateAppendsAfterTheLastRecordThoughTheMeasureIsInterrupted)
+{
+    EmptyTable();
+    for (int measure : {2, 1, 2}) {
+        AddMeasure(tune).Measure = measure;
+        AddNote(tune, kQuarter, 2, "3");
+    }
+    tune.LastMeas = 2;
+    Show();
+    ASSERT_EQ(form.MeasHead, 3);
+    form.EntryState = EntryState::Edit;
+    editor.cmdNext();
+    EXPECT_EQ(form.MeasHead, 1);
+    EXPECT_EQ(form.MeasEnd, 6);
+    EXPECT_EQ(tune.CurNote, 7);
 }
 
 TEST_F(Navigation, NextInEditStateOnTheFullLastMeasureOpensANewOne)
@@ -249,6 +309,88 @@ TEST_F(Navigation, MovingShowsTheValueOfTheNoteAndKeepsTheSelectedOne)
     EXPECT_EQ(form.CurValue, kQuarter);
 }
 
+TEST_F(Navigation, MovingShowsNoButtonForCodesFrom12To89AndLeavesItForTheRest)
+{
+    for (const auto& [code, button] :
+         {std::pair(1, 1), std::pair(11, 11), std::pair(12, 0), std::pair(89, 0), std::pair(90, 5),
+          std::pair(0, 5), std::pair(-1, 5), std::pair(99, 5)}) {
+        ShowFullMeasures(3);
+        tune[7].NoteCode = code;
+        form.Toolbar1 = 5;
+        editor.cmdNext();
+        EXPECT_EQ(form.Toolbar1, button) << code;
+        editor.cmdNext();
+        form.Toolbar1 = 5;
+        editor.cmdPrevious();
+        EXPECT_EQ(form.Toolbar1, button) << code;
+    }
+}
+
+TEST_F(Navigation, PreviousGivesStaffBoxTheFocusAndAllowsRefreshAgain)
+{
+    ShowFullMeasures(2);
+    editor.SetFocus(Control::cmdPrevious);
+    form.cmdRefreshEnabled = false;
+    editor.cmdPrevious();
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+    EXPECT_TRUE(form.cmdRefreshEnabled);
+}
+
+TEST_F(Navigation, LeavingAChordInAnEmptyTuneTakesItOffTheStaff)
+{
+    const std::string before = Log();
+    for (void (Editor::*const button)() : {&Editor::cmdNext, &Editor::cmdPrevious}) {
+        editor.mnuChord();
+        Type("A");
+        EXPECT_NE(Log().find("\"A\""), std::string::npos);
+        (editor.*button)();
+        EXPECT_EQ(Log().find("\"A\""), std::string::npos);
+        EXPECT_EQ(form.InputMode, InputMode::Fret);
+    }
+}
+
+TEST_F(Navigation, ShowMeasureShowsItInFretModeAndLeavesTheCursor)
+{
+    ShowFullMeasures(3);
+    form.InputMode = InputMode::Chord;
+    form.CursorX = 60;
+    editor.ShowMeasure(2);
+    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(form.MeasHead, 6);
+    EXPECT_EQ(form.MeasEnd, 10);
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
+    EXPECT_EQ(view.lblMeasNum, "2");
+    EXPECT_EQ(form.CursorX, 60);
+    EXPECT_EQ(tune.CurNote, 2);
+}
+
+TEST_F(Navigation, ThatTheFormIsActiveAgainRedrawsTheMeasure)
+{
+    ShowFullMeasures(1);
+    const std::string before = Log();
+    view.StaffBox.PrintLineAt(300, 100, "stale");
+    editor.Activate();
+    EXPECT_EQ(Log(), before);
+}
+
+TEST_F(Navigation, AMeasureIsFoundUpToTheTablesLastRecord)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 300);
+    Show();
+    Goto("300");
+    EXPECT_EQ(form.MeasHead, 1496);
+    EXPECT_EQ(form.MeasEnd, kLastRecord);
+    for (int i = 1496; i <= kLastRecord; ++i)
+        tune[i].Measure = 299;
+    tune[kLastRecord] = tune[1];
+    tune[kLastRecord].Measure = 300;
+    view.StaffBox.PrintLineAt(300, 100, "stale");
+    editor.ShowMeasure(300);
+    EXPECT_EQ(form.MeasHead, kLastRecord);
+    EXPECT_EQ(form.MeasEnd, kLastRecord);
+}
+
 TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
 {
     EmptyTable();
@@ -329,6 +471,16 @@ TEST_F(Navigation, GotoWithAFractionRoundsTiesToEven)
     }
 }
 
+TEST_F(Navigation, GotoTakesAnyNumberAbove0AndGivesStaffBoxTheFocus)
+{
+    ShowFullMeasures(2);
+    Goto("2");
+    form.Focus = Control::cmdNext;
+    Goto("0.6");
+    EXPECT_EQ(tune.CurMeas, 1);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+}
+
 TEST_F(Navigation, GotoTestsTheRealValueBeforeItRounds)
 {
     ShowFullMeasures(3);
@@ -354,6 +506,18 @@ TEST_F(Navigation, AppendGoesPastTheTunesEnd)
     EXPECT_EQ(tune.CurMeas, 3);
     EXPECT_EQ(form.MeasHead, 11);
     EXPECT_EQ(tune.CurNote, 12);
+    EXPECT_EQ(view.lblMeasNum, "3") << "though the new measure is not redrawn";
+}
+
+TEST_F(Navigation, AppendWhileAMeasureIsInsertedLeavesItsTailParked)
+{
+    ShowFullMeasures(2);
+    editor.mnuInsMeas();
+    Type("7\r");
+    editor.mnuAppend();
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
+    EXPECT_TRUE(std::filesystem::exists("Temp.Sav"));
+    EXPECT_EQ(tune.LastMeas, 1);
 }
 
 TEST_F(Navigation, TheToolbarGivesTheNoteItsValueAndARestItsRest)
@@ -373,6 +537,16 @@ TEST_F(Navigation, TheToolbarGivesTheNoteItsValueAndARestItsRest)
         editor.Toolbar1(value);
         EXPECT_EQ(tune[3].NoteCode, RestCodeOf(value)) << value;
     }
+}
+
+TEST_F(Navigation, TheToolbarGivesAWholeNoteItsValueToo)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    AddNote(tune, kWhole, 1, "5");
+    Show();
+    editor.Toolbar1(kHalf);
+    EXPECT_EQ(tune[2].NoteCode, kHalf);
 }
 
 TEST_F(Navigation, TheToolbarLeavesAHeadAHead)

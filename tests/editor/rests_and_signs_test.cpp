@@ -109,6 +109,54 @@ TEST_F(RestsAndSigns, HalfAndWholeRestsHaveTheirOwnValueWhateverIsSelected)
     EXPECT_EQ(form.Focus, Control::cmdNext);
 }
 
+TEST_F(RestsAndSigns, HalfAndWholeRestsSendTheFocusToNextWhenTheMeasureIsFullAndElseToStaffBox)
+{
+    ShowFullMeasures(1);
+    editor.mnuWholeRest();
+    EXPECT_EQ(form.Focus, Control::cmdNext);
+    NewTune(6);
+    form.Focus = Control::cmdRest;
+    editor.mnuHalfRest();
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+}
+
+TEST_F(RestsAndSigns, ARestOverANoteOfABeamTakesItOutAndMovesOnToTheNextNotesString)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    for (int string : {2, 3, 4, 5, 1})
+        AddNote(tune, kEighth, string, "10-2");
+    Show();
+    Key(kKeyRight);
+    ASSERT_NE(tune[3].BeamCode, kNoBeam);
+    ASSERT_EQ(tune[3].Spacing, 5);
+    form.Saved = SavedState::Saved;
+    editor.mnuRest();
+    EXPECT_EQ(tune[3].BeamCode, kNoBeam);
+    EXPECT_EQ(tune[3].Spacing, SpacingOf(kQuarterRest));
+    EXPECT_EQ(tune.CurNote, 4);
+    EXPECT_EQ(form.CursorY, StringY(4));
+    EXPECT_EQ(form.EntryState, EntryState::Review);
+    editor.mnuRest();
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.EntryState, EntryState::Review) << "two before the last are not one";
+}
+
+TEST_F(RestsAndSigns, ARestBeforeAHeadThatEndsTheTuneGoesToTheHead)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    Show();
+    for (int i = 0; i < 3; ++i)
+        Key(kKeyRight);
+    ASSERT_EQ(tune.CurNote, 5);
+    editor.mnuRest();
+    EXPECT_EQ(tune.CurNote, 6);
+    EXPECT_EQ(form.CursorX, 144);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
+}
+
 TEST_F(RestsAndSigns, ARestThatOverwritesANoteClearsItsStringsAndKeepsChordAndHands)
 {
     ShowFullMeasures(2);
@@ -272,6 +320,23 @@ TEST_F(RestsAndSigns, ARepeatBracketIsTypedInItsBoxAndEnterStoresIt)
     EXPECT_EQ(tune[1].Slot(2), "");
     EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(Log(), plain);
+}
+
+TEST_F(RestsAndSigns, TheBracketsBoxOpensEmptyWhateverItHeldBefore)
+{
+    ShowFullMeasures(1);
+    tune[1].Slot(3) = "Slowly";
+    form.txtRptBracket.Text = "7.";
+    editor.mnuRepeatEnds();
+    EXPECT_EQ(form.txtRptBracket.Text, "");
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
+}
+
+TEST_F(RestsAndSigns, ARemarkGivesStaffBoxTheFocus)
+{
+    form.Focus = Control::cmdNext;
+    editor.mnuRemarks();
+    EXPECT_EQ(form.Focus, Control::StaffBox);
 }
 
 TEST_F(RestsAndSigns, ACancelledRemarkWipesTheRemark)

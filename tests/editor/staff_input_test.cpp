@@ -24,6 +24,38 @@ TEST_F(StaffInput, TwoDigitsOnOneStringMakeOneTextAndMoveTheCursorBy12)
     EXPECT_EQ(tune.CurNote, 3);
 }
 
+TEST_F(StaffInput, AFretMakesTheRecordANoteBeforeEnter)
+{
+    Type("5");
+    EXPECT_EQ(RecordText(tune[2]),
+              "1 7 48 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"5\"");
+    EXPECT_TRUE(form.Timer1Enabled);
+}
+
+TEST_F(StaffInput, EnterTakesAFreeRecordThatHoldsATextIntoTheMeasure)
+{
+    tune[2].Slot(6) = "5";
+    Type("\r");
+    EXPECT_EQ(RecordText(tune[2]),
+              "1 7 48 0 4 4 4 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"5\"");
+    EXPECT_EQ(form.MeasEnd, 2);
+    EXPECT_EQ(tune.LastNote, 2);
+    EXPECT_EQ(tune.LastMeas, 1);
+    EXPECT_EQ(tune.CurNote, 3);
+}
+
+TEST_F(StaffInput, TheStaffsTextPlaceIsAtTheCursorAfterEachKeyPress)
+{
+    ShowFullMeasures(1);
+    Key(kKeyRight);
+    Type("+");
+    EXPECT_EQ(view.StaffBox.CurrentX, 72);
+    EXPECT_EQ(view.StaffBox.CurrentY, StringY(2));
+    editor.mnuRHEdit();
+    EXPECT_EQ(view.StaffBox.CurrentX, 78);
+    EXPECT_EQ(view.StaffBox.CurrentY, 104);
+}
+
 TEST_F(StaffInput, AQuarterOfFourCharactersGetsSpacing5)
 {
     Type("10-2\r");
@@ -144,6 +176,26 @@ TEST_F(StaffInput, BackspaceStepsBackOverOneNote)
     EXPECT_EQ(tune[2].Slot(6), "1");
 }
 
+TEST_F(StaffInput, TheKeyBackspaceRedrawsAndMarksTheTuneAsUnsaved)
+{
+    Type("1\r2\r");
+    form.Saved = SavedState::Saved;
+    Key(kKeyBackspace);
+    EXPECT_EQ(form.Saved, SavedState::Unsaved);
+    const std::string log = Log();
+    EXPECT_EQ(log.find("\"2\""), std::string::npos);
+    editor.Activate();
+    EXPECT_EQ(Log(), log);
+}
+
+TEST_F(StaffInput, TheKeyBackspaceInAnEmptyOpenMeasureChangesNothing)
+{
+    const std::string state = State(), table = Table();
+    Key(kKeyBackspace);
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Table(), table);
+}
+
 TEST_F(StaffInput, BackspaceDropsATypedTextWithoutSteppingBack)
 {
     Type("1\r2");
@@ -249,6 +301,30 @@ TEST_F(StaffInput, OtherControlCharactersAreDroppedByTheHandModes)
     EXPECT_EQ(form.InputMode, InputMode::LeftHand);
     Type("\xE9");
     EXPECT_EQ(tune[2].LeftHand, '\xE9');
+}
+
+TEST_F(StaffInput, ABlankIsALetterForAHandAndDelIsNone)
+{
+    ShowFullMeasures(1);
+    tune[2].LeftHand = 'x';
+    editor.mnuLHEdit();
+    Type("\x1f\x7f");
+    EXPECT_EQ(form.InputMode, InputMode::LeftHand);
+    Type(" ");
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
+    EXPECT_EQ(tune[2].LeftHand, ' ');
+}
+
+TEST_F(StaffInput, AskingForAHandsLetterMarksTheTuneAsUnsavedAndMovesTheNoteToTheCursor)
+{
+    for (void (Editor::*const command)() : {&Editor::mnuLHEdit, &Editor::mnuRHEdit}) {
+        ShowFullMeasures(1);
+        form.CursorX = 60;
+        (editor.*command)();
+        EXPECT_EQ(form.Saved, SavedState::Unsaved);
+        EXPECT_EQ(tune[2].XPos, 60);
+        EXPECT_EQ(form.CursorX, 66);
+    }
 }
 
 TEST_F(StaffInput, FretCharactersAreTheseAndNoOthers)
@@ -360,6 +436,18 @@ TEST_F(StaffInput, UpAndDownWrapAndGoToTheNote)
     EXPECT_EQ(form.Saved, SavedState::Unsaved);
 }
 
+TEST_F(StaffInput, UpAndDownGoThroughEveryString)
+{
+    for (int string : {5, 4, 3, 2, 1, 6}) {
+        Key(kKeyUp);
+        EXPECT_EQ(form.CursorY, StringY(string));
+    }
+    for (int string : {1, 2, 3, 4, 5, 6, 1}) {
+        Key(kKeyDown);
+        EXPECT_EQ(form.CursorY, StringY(string));
+    }
+}
+
 TEST_F(StaffInput, DeleteEmptiesTheStringInFretModeAlone)
 {
     ShowFullMeasures(1);
@@ -408,6 +496,55 @@ TEST_F(StaffInput, LeftShowsTheButtonOfTheNoteButOfAHalfRestButton8)
     Key(kKeyLeft);
     EXPECT_EQ(State(), state) << "nothing at the first note";
     EXPECT_EQ(form.CurValue, kSixteenth) << "only the buttons follow";
+}
+
+TEST_F(StaffInput, LeftAndRightGoToTheStringOfTheNote)
+{
+    EmptyTable();
+    AddMeasure(tune);
+    for (int string : {3, 5, 1})
+        AddNote(tune, kQuarter, string, "1");
+    Show();
+    for (int string : {5, 1}) {
+        Key(kKeyRight);
+        EXPECT_EQ(form.CursorY, StringY(string));
+    }
+    for (int string : {5, 3}) {
+        Key(kKeyLeft);
+        EXPECT_EQ(form.CursorY, StringY(string));
+    }
+}
+
+TEST_F(StaffInput, LeftAndRightShowNoButtonForCodesFrom12To89AndLeaveItForTheRest)
+{
+    for (const auto& [code, button] :
+         {std::pair(12, 0), std::pair(89, 0), std::pair(90, 5), std::pair(91, 5)}) {
+        ShowFullMeasures(1);
+        tune[3].NoteCode = code;
+        form.Toolbar1 = 5;
+        Key(kKeyRight);
+        EXPECT_EQ(form.Toolbar1, button) << code;
+        Key(kKeyRight);
+        form.Toolbar1 = 5;
+        Key(kKeyLeft);
+        EXPECT_EQ(form.Toolbar1, button) << code;
+    }
+}
+
+TEST_F(StaffInput, RightOnTheMeasuresLastNoteDoesNothingInReviewStateAndGoesBackToItInEditState)
+{
+    ShowFullMeasures(2);
+    for (int i = 0; i < 3; ++i)
+        Key(kKeyRight);
+    Type("57");
+    ASSERT_EQ(form.CursorX, 132);
+    const std::string state = State();
+    Key(kKeyRight);
+    EXPECT_EQ(State(), state);
+    form.EntryState = EntryState::Edit;
+    Key(kKeyRight);
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.CursorX, 120);
 }
 
 TEST_F(StaffInput, RightShowsButton9OfAHalfRest)
@@ -509,6 +646,25 @@ TEST_F(StaffInput, AChordTextIsTypedAboveTheNoteAndEnterEndsIt)
     EXPECT_EQ(form.CursorY, StringY(2));
 }
 
+TEST_F(StaffInput, BackspaceInAChordRedrawsAndPrintsWhatIsLeftOfIt)
+{
+    editor.mnuChord();
+    Type("Am");
+    Type("\b");
+    EXPECT_EQ(Log(), "clear\ntext 2 36 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
+                     "text 2 56 size=18 font=\"Arial\" bold=1 \" 4 \"\n"
+                     "line 350 36 350 76 w=1\n"
+                     "text 48 12 size=10 font=\"Arial\" bold=1 \"A\"\n");
+    EXPECT_EQ(form.CursorX, 58);
+}
+
+TEST_F(StaffInput, AChordHoldsTheCharactersFromTheBlankToTheTilde)
+{
+    editor.mnuChord();
+    Type("\x1f !}~\x7f");
+    EXPECT_EQ(tune[2].ChordText, " !}~");
+}
+
 TEST_F(StaffInput, ControlCharactersOfAChordAskForNoRecord)
 {
     form.InputMode = InputMode::Chord;
@@ -523,8 +679,13 @@ TEST_F(StaffInput, ChordEntryWipesTheOldChord)
 {
     ShowFullMeasures(1);
     tune[2].ChordText = "Cmaj7";
+    editor.Activate();
+    EXPECT_NE(Log().find("Cmaj7"), std::string::npos);
+    form.CursorX = 60;
     editor.mnuChord();
     EXPECT_EQ(tune[2].ChordText, "");
+    EXPECT_EQ(Log().find("Cmaj7"), std::string::npos);
+    EXPECT_EQ(tune[2].XPos, 60) << "the note is moved to the cursor";
 }
 
 TEST_F(StaffInput, AChordOverAFreeRecordTakesItIntoTheMeasure)
@@ -560,6 +721,30 @@ TEST_F(StaffInput, ABracketTypedOnStaffBoxIsStoredCharacterByCharacter)
     EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(form.CursorX, 48);
     EXPECT_EQ(form.CursorY, StringY(3));
+    const std::string log = Log();
+    editor.Activate();
+    EXPECT_EQ(Log(), log) << "redrawn";
+}
+
+TEST_F(StaffInput, AClickOnTheSignatureOfAnEmptyMeasureEndsTheBracketToo)
+{
+    editor.mnuRepeatEnds();
+    form.txtRptBracket.Text = "2.";
+    editor.StaffBoxMouseDown(5, 60);
+    EXPECT_EQ(form.CurBeatUnit, 8);
+    EXPECT_EQ(tune[1].Slot(2), "2.");
+    EXPECT_EQ(form.InputMode, InputMode::Fret);
+    EXPECT_EQ(form.Focus, Control::StaffBox);
+}
+
+TEST_F(StaffInput, AClickInAnEmptyMeasureTakesTheCaretOff)
+{
+    for (double x : {5.0, 100.0}) {
+        editor.Timer1();
+        editor.StaffBoxMouseDown(x, 60);
+        EXPECT_EQ(form.CaretOn, 0);
+        EXPECT_EQ(Log().find("mode=xor"), std::string::npos);
+    }
 }
 
 TEST_F(StaffInput, AClickStoresTheBracketAndEndsItsBoxWithoutHidingIt)
@@ -607,6 +792,55 @@ TEST_F(StaffInput, AClickRightOfTheUnfilledEndAppends)
     EXPECT_EQ(form.EntryState, EntryState::Append);
     EXPECT_EQ(tune.CurNote, 4);
     EXPECT_EQ(form.CursorX, 96);
+}
+
+TEST_F(StaffInput, AClickOnTheTunesLastNoteStaysInAppendState)
+{
+    Type("1\r2\r");
+    Click(80, 44);
+    EXPECT_EQ(tune.CurNote, 3);
+    EXPECT_EQ(form.EntryState, EntryState::Append);
+    Click(60, 44);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
+}
+
+TEST_F(StaffInput, AClickRightOfAFullMeasureTakesItsLastNoteAndEndsAppendState)
+{
+    Type("1\r1\r1\r1\r");
+    ASSERT_EQ(form.EntryState, EntryState::Append);
+    tune.CurNote = 2;
+    form.CursorX = 48;
+    Click(300, 44);
+    EXPECT_EQ(tune.CurNote, 5);
+    EXPECT_EQ(form.CursorX, 120);
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
+    form.EntryState = EntryState::Review;
+    Click(300, 44);
+    EXPECT_EQ(form.EntryState, EntryState::Review);
+}
+
+TEST_F(StaffInput, AClickInAMeasureOfAHeadAloneThatIsNotOpenGoesToTheHead)
+{
+    EmptyTable();
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddFullMeasures(tune, 1);
+    Show();
+    Goto("2");
+    Click(100, 44);
+    EXPECT_EQ(tune.CurNote, 6);
+    EXPECT_EQ(form.CursorX, tune[6].XPos);
+}
+
+TEST_F(StaffInput, AClickOnAFirstNoteThatWasMovedGoesToWhereItIs)
+{
+    ShowFullMeasures(1);
+    for (const auto& [x, cursorX] : {std::pair(53, 48), std::pair(54, 54), std::pair(55, 54)}) {
+        tune[2].XPos = 54;
+        Click(x, 44);
+        EXPECT_EQ(tune.CurNote, 2);
+        EXPECT_EQ(form.CursorX, cursorX) << x;
+    }
 }
 
 TEST_F(StaffInput, AClickTakesTheValueOfTheNote)
@@ -686,6 +920,10 @@ TEST_F(StaffInput, ClicksOnTheUpperFigureStepThroughTheSignatures)
     Click(5, 60);
     EXPECT_EQ(form.CurBeats, 4);
     EXPECT_EQ(form.CurBeatUnit, 4);
+    form.CurBeatUnit = 8;
+    form.CurBeats = 10;  // a tune's own
+    Click(5, 40);
+    EXPECT_EQ(form.CurBeats, 3);
 }
 
 TEST_F(StaffInput, TheFiguresReachFromTheirLowerBoundUpToTheirUpperOne)
@@ -732,6 +970,7 @@ TEST_F(StaffInput, AMeasureOfAHeadAloneThatIsNotOpenKeepsItsSignature)
 
 TEST_F(StaffInput, ASignatureClickPaintsTheNewSignature)
 {
+    form.CursorX = 60;
     form.CursorY = StringY(2);
     Click(5, 60);
     EXPECT_EQ(Log(), "clear\ntext 2 36 size=18 font=\"Arial\" bold=1 \" 3 \"\n"

@@ -46,6 +46,27 @@ TEST(NoteTable, ClearsARangeAndNothingForAnEmptyOne)
     EXPECT_EQ(table[5].Measure, 5);
 }
 
+TEST(NoteRecord, IsClearOnlyWithoutAnyOfItsFieldsAndClearingTakesThemAll)
+{
+    using Fill = void (*)(NoteRecord&);
+    const Fill fills[] = {
+        [](NoteRecord& r) { r.Measure = 1; },    [](NoteRecord& r) { r.NoteCode = -1; },
+        [](NoteRecord& r) { r.XPos = 1; },       [](NoteRecord& r) { r.Reserved = 1; },
+        [](NoteRecord& r) { r.BeatUnit = 1; },   [](NoteRecord& r) { r.Beats = 1; },
+        [](NoteRecord& r) { r.Spacing = 1; },    [](NoteRecord& r) { r.BeamCode = 1; },
+        [](NoteRecord& r) { r.BarCode = "0"; },  [](NoteRecord& r) { r.ChordText = "A"; },
+        [](NoteRecord& r) { r.LeftHand = '1'; }, [](NoteRecord& r) { r.RightHand = 'p'; },
+        [](NoteRecord& r) { r.Slot(1) = "x"; },  [](NoteRecord& r) { r.Slot(6) = "x"; },
+    };
+    for (const Fill& fill : fills) {
+        NoteRecord record;
+        fill(record);
+        EXPECT_FALSE(record.IsClear()) << &fill - fills;
+        record.Clear();
+        EXPECT_TRUE(record.IsClear()) << &fill - fills;
+    }
+}
+
 TEST(NoteTable, CopiesAllFieldsOfARecord)
 {
     NoteTable table;
@@ -84,6 +105,8 @@ TEST(NoteRecord, TellsItsHighestFilledSlot)
 {
     NoteRecord record;
     EXPECT_EQ(record.HighestFilledSlot(), 0);
+    record.Slot(1) = "1";
+    EXPECT_EQ(record.HighestFilledSlot(), 1);
     record.Slot(2) = "1";
     record.Slot(5) = " ";
     EXPECT_EQ(record.HighestFilledSlot(), 5);
