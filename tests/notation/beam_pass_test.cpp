@@ -289,11 +289,58 @@ TEST_F(BeamPassOver, ATripletStartsTheCountOfEighthsAnewAndTwoOfItsNotesDoNot)
 
 TEST_F(BeamPassOver, RestsOfTripletsCountAsItsNotes)
 {
-    const int rest = kTripletEighthRest;
-    EXPECT_EQ(
-        Common({kSixteenth, kEighth, rest, kEighth, rest, kEighth, rest, kEighthRest, kEighth})[7],
-        kNoBeam);
+    for (const int rest : {kTripletSixteenthRest, kTripletEighthRest}) {
+        EXPECT_EQ(Common({kSixteenth, kEighth, rest, kEighth, rest, kEighth, rest, kEighthRest,
+                          kEighth})[7],
+                  kNoBeam);
+        EXPECT_EQ(
+            Common({kSixteenth, kEighth, rest, kEighth, rest, kEighth, kEighthRest, kEighth})[6],
+            kMainBeam);
+    }
     EXPECT_EQ(Common({kSixteenth, kEighth, kEighth, kEighth, kEighthRest, kEighth})[4], kMainBeam);
+}
+
+TEST_F(BeamPassOver, HalfOfAMeasureStartsAGroupForNotesOfTwoAndFourBeats)
+{
+    // Entered under another signature than that of the measure, whose half is at tick 18.
+    const auto shapeAtHalf = [](int beats, int beatUnit) {
+        Tune tune;
+        AddMeasure(tune, 3, 4);
+        for (int code : {kQuarter, kEighth, kEighth})
+            AddNote(tune, code, 1, "5");
+        tune[4].Beats = beats;
+        tune[4].BeatUnit = beatUnit;
+        BeamPass pass(tune, 36);
+        for (int i = 2, ticks = 0; i <= 4; ++i) {
+            tune.CurNote = i;
+            pass.Step(ticks);
+            ticks += TicksOf(tune[i].NoteCode);
+        }
+        return int{tune[4].BeamCode};
+    };
+    EXPECT_EQ(shapeAtHalf(2, 4), kEighthFlag);
+    EXPECT_EQ(shapeAtHalf(4, 4), kEighthFlag);
+    EXPECT_EQ(shapeAtHalf(3, 4), kMainBeam);
+    EXPECT_EQ(shapeAtHalf(5, 4), kMainBeam);
+}
+
+TEST_F(BeamPassOver, ASixteenthInCompoundTimeTurnsBackAfterLongNotesAndRestsAlone)
+{
+    const auto shapes = [&](int before) { return Beams(9, 8, {kSixteenth, before, kSixteenth}); };
+    EXPECT_EQ(shapes(kHalf), (Codes{kForwardStub, kNoBeam, kBackStub}));
+    EXPECT_EQ(shapes(kQuarterRest), (Codes{kForwardStub, kNoBeam, kBackStub}));
+    EXPECT_EQ(shapes(100), (Codes{kNoBeam, kNoBeam, kBothBeams})) << "a code without a meaning";
+    EXPECT_EQ(Common({kSixteenth, kSixteenthRest, kSixteenth}),
+              (Codes{kNoBeam, kNoBeam, kBothBeams}));
+}
+
+TEST_F(BeamPassOver, AStubTurnsForwardOnlyInAGroupOfThree)
+{
+    // The rest keeps the stub that it has from before.
+    EXPECT_EQ(Beams(9, 8, {kSixteenth, kSixteenthRest, kEighth, kSixteenth}, kBackStub),
+              (Codes{kForwardStub, kBackStub, kMainBeam, kBackStub}));
+    EXPECT_EQ(Beams(9, 8, {kSixteenth, kSixteenth, kSixteenthRest, kEighth, kSixteenth}, kBackStub),
+              (Codes{kNoBeam, kBothBeams, kMainBeamForwardStub, kMainBeam, kBackStub}));
 }
 
 TEST_F(BeamPassOver, TheFourthEighthInARowGivesTheRecordBeforeItTheMainBeam)
