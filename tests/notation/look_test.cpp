@@ -570,6 +570,15 @@ TEST_F(LookTest, EachEngravedDotStandsInTheGapThatItIsDrawnIn)
     EXPECT_EQ(ys, (std::vector{1082.5, 1082.5, 1247.5, 1247.5, 1412.5}));
 }
 
+TEST_F(LookTest, DotsWithoutABarStandInGapsCountedFromTheTop)
+{
+    SpreadStringsBy100();
+    surface.Circle(600, 1060, 30, Role::RepeatDot);
+    const Operation dot = Of(Role::RepeatDot).at(0).Drawn;
+    EXPECT_EQ(dot.X1, 600);
+    EXPECT_EQ(dot.Y1, 1050);
+}
+
 TEST_F(LookTest, TheShortestPieceOfAStringIsAQuarterOfAGap)
 {
     SpreadStringsBy100();
@@ -650,6 +659,33 @@ TEST_F(LookTest, WhatJoinsNothingAtAllStandsForItself)
 {
     surface.PrintLineAt(2000, 900, "-", Role::Joint);
     EXPECT_EQ(PiecesAt(1000), "400..1991.95 2108.05..9400");
+}
+
+TEST_F(LookTest, TheFiguresOfAChordLeaveRoomOnTheirOwnStrings)
+{
+    Figure(2000, 1000);
+    Figure(2000, 1165, "12");
+    EXPECT_EQ(PiecesAt(1000), "400..1991.95 2108.05..9400");
+    EXPECT_EQ(PiecesAt(1165), "400..1991.95 2208.05..9400");
+}
+
+TEST_F(LookTest, WhatOnlyTouchesTheRoomOfAFigureIsClearOfIt)
+{
+    SpreadStringsBy100();
+    Figure(2000, 1100);  // its ink is from 2020 to 2080 and from 1020 to 1220
+    for (const double x : {2015, 2016, 2084, 2085})
+        surface.Line(x, 1150, x, 1500, Role::Stem);
+    for (const double y : {970, 971})
+        surface.Line(2050, y, 2050, 1500, Role::Stem);
+    std::vector<double> tops;
+    for (const Stroke& stem : Of(Role::Stem))
+        tops.push_back(stem.Drawn.Y1);
+    EXPECT_EQ(tops, (std::vector<double>{1150, 1237, 1237, 1150, 970, 1237}));
+    for (const double y : {1236, 1237})
+        surface.Arc(2050, y, 20, 0, 3, 0, Role::Tie);
+    const auto ties = Of(Role::Tie);
+    EXPECT_EQ(ties.at(0).Drawn.Start, 1.5);
+    EXPECT_EQ(ties.at(1).Drawn.Start, 0);
 }
 
 TEST_F(LookTest, AStemStartsWhereItIsDrawnIfNoFigureIsNear)

@@ -303,6 +303,14 @@ TEST_F(PageLayoutTest, AnEndBarOnAHeadWithoutNotesIsLost)
     EXPECT_TRUE(Only(Screen(), "line", " w=3").empty());
 }
 
+TEST_F(PageLayoutTest, AnEndBarMovesUpToTheLastColumnButOneOfTheTable)
+{
+    AddMeasure(tune).BarCode = kDoubleBar;
+    for (int i = 0; i < 78; ++i)
+        AddNote(tune, 60, 1).Spacing = 1;  // a code without a width of its own
+    EXPECT_TRUE(Has(Screen(), "line 11440 765 11440 1590 w=3"));
+}
+
 TEST_F(PageLayoutTest, AnEndBarOfMeasure0MovesToTheFreeColumnsAndIsNotDrawn)
 {
     AddQuarters(2).BarCode = kDoubleBar;
