@@ -129,16 +129,15 @@ constexpr JoinRow kCompoundTime[] = {
 };
 // clang-format on
 
-constexpr JoinRow kNoRow{0, 0, kSame, kSame};
-
-const JoinRow& FindRow(std::span<const JoinRow> rows, const Joint& joint)
+/// Null if there is none.
+const JoinRow* FindRow(std::span<const JoinRow> rows, const Joint& joint)
 {
     const int code = joint.tune[joint.note].NoteCode;
     const int last = joint.tune[joint.last].BeamCode;
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const JoinRow& r) {
         return r.code == code && r.last == last && (!r.condition || r.condition(joint));
     });
-    return row == rows.end() ? kNoRow : *row;
+    return row == rows.end() ? nullptr : &*row;
 }
 
 void GiveShape(NoteRecord& note, int shape)
@@ -255,9 +254,10 @@ void BeamPass::JoinGroup()
     if (!simple && note.NoteCode == kSixteenth && last.BeamCode == kMainBeam)
         TurnStubForward();
     const auto rows = simple ? std::span<const JoinRow>(kSimpleTime) : kCompoundTime;
-    const JoinRow& row = FindRow(rows, {tune, tune.CurNote, BeamPrev});
-    GiveShape(last, row.newLast);
-    GiveShape(note, row.own);
+    if (const JoinRow* row = FindRow(rows, {tune, tune.CurNote, BeamPrev})) {
+        GiveShape(last, row->newLast);
+        GiveShape(note, row->own);
+    }
 }
 
 /// Of three notes with a plain eighth in their middle, the first turns its stub to that eighth.

@@ -304,12 +304,11 @@ void PageFormatter::DrawLine(int firstRecord)
         return;
     const std::vector<Operation>& drawn = line.surface->Picture().Operations();
     OnLine({
-        0,
-        top,
-        staffTop,
-        line.LineBottom,
-        PlaceMeasures(firstRecord, staffEnd),
-        {drawn.begin() + drawnBefore, drawn.end()}
+        .Top = top,
+        .StaffTop = staffTop,
+        .Bottom = line.LineBottom,
+        .Measures = PlaceMeasures(firstRecord, staffEnd),
+        .Drawn = {drawn.begin() + drawnBefore, drawn.end()},
     });
 }
 

@@ -547,6 +547,9 @@ TEST_F(LookTest, AThickBarNearAnEndOfTheStaffStandsInsideIt)
     EXPECT_EQ(placed(9381), 9381);
     EXPECT_EQ(placed(9418), 9418 - 18.15);
     EXPECT_EQ(placed(9419), 9419);
+    SpreadStringsBy100();
+    EXPECT_EQ(placed(411), 411) << "just as far away as a bar is wide";
+    EXPECT_EQ(placed(9389), 9389);
 }
 
 TEST_F(LookTest, TheEndsOfAStaffDrawnFromTheRightAreThoseOfItsLastString)
@@ -780,10 +783,10 @@ TEST_F(LookTest, ATieKeepsToTheSmallestStepThatBringsItsEndsClear)
 TEST_F(LookTest, ATieUnderAFigureEndsInItsMiddle)
 {
     Figure(2000, 1000, "12345678901234567890");
-    surface.Arc(3000, 1000, 100, 0, 2, 0.5, Role::Tie);
+    surface.Arc(3000, 1000, 100, 0.5, 2.5, 0.5, Role::Tie);
     const Operation tie = Of(Role::Tie).at(0).Drawn;
-    EXPECT_NEAR(tie.Start, 1, 1e-9);
-    EXPECT_NEAR(tie.End, 1, 1e-9);
+    EXPECT_EQ(tie.Start, 1.5);
+    EXPECT_EQ(tie.End, 1.5);
 }
 
 TEST_F(LookTest, ALetterMovesClearOfTheLowestFigureAboveIt)

@@ -232,6 +232,18 @@ TEST_F(MeasureViewTest, ASlashTypedOnString5IsMovedToString3AtTheFirstRedrawAndS
     EXPECT_EQ(note.Slot(3), "/");
 }
 
+TEST_F(MeasureViewTest, WhatFollowsASlashIsInTheBodyFontAgain)
+{
+    AddMeasure(tune);
+    NoteRecord& note = AddNote(tune, kQuarter, 3, "/");
+    note.Slot(5) = "7";
+    note.LeftHand = '2';
+    Show();
+    EXPECT_TRUE(Has("text 48 44 size=10 font=\"tab\" bold=1 \"/\""));
+    EXPECT_TRUE(Has(Text("48 60", "7")));
+    EXPECT_TRUE(Has(Text("51 108", "2")));
+}
+
 TEST_F(MeasureViewTest, OnlyACellThatIsExactlyASlashIsMoved)
 {
     AddMeasure(tune);

@@ -179,6 +179,8 @@ TEST_F(PageLayoutTest, ALoneHeadAtTheTunesEndIsNotDrawn)
     const LogLines log = Screen();
     EXPECT_EQ(Only(log, "text").size(), Only(before, "text").size());
     EXPECT_EQ(Only(log, "line 400 ", " w=1").size(), 6U);
+    tune[tune.LastNote].Slot(6) = "NL";
+    EXPECT_EQ(Screen(), log);
 }
 
 TEST_F(PageLayoutTest, AMeasureThatIsTooWideStopsTheRunAndWhatWasDrawnStays)
@@ -219,6 +221,27 @@ TEST_F(PageLayoutTest, ABeginBarOnANoteWidensItWhereverItIs)
     EXPECT_TRUE(Only(Screen(), "text", "\"[5]\"").at(0).starts_with("text 10816 "));  // of 143
     tune[25].BarCode = kBeginDoubleBar;
     EXPECT_TRUE(Only(Screen(), "text", "\"[5]\"").at(0).starts_with("text 10672 "));  // of 141
+}
+
+TEST_F(PageLayoutTest, ALineOfOneColumnIsALineToo)
+{
+    AddNote(tune, kTripletSixteenth, 1, "3^").Measure = 1;
+    AddQuarters(4).Slot(6) = "NL";
+    const LogLines log = Screen();
+    EXPECT_TRUE(Has(log, "line 11440 765 11440 1590 w=2"));
+    EXPECT_TRUE(Has(log, "text 520 650 size=10 font=\"Arial\" bold=0 \"3\""));
+    EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));
+    EXPECT_EQ(tooWide, std::nullopt);
+}
+
+TEST_F(PageLayoutTest, AMeasureWithoutAHeadThatBeginsInTheTablesLastColumnGoesToTheNextLine)
+{
+    AddMeasure(tune);
+    for (int i = 0; i < 80; ++i)
+        AddNote(tune, 60, 1).Spacing = 1;  // a code without a width of its own
+    tune[80].Measure = tune[81].Measure = 2;
+    EXPECT_EQ(Only(Screen(), "line 400 ", " w=1").size(), 12U);  // two lines of six strings
+    EXPECT_FALSE(tooWide);
 }
 
 TEST_F(PageLayoutTest, AnEmptyMeasureBeforeAHardBreakStopsTheRunToo)
@@ -394,7 +417,8 @@ TEST_F(PageLayoutTest, WhatAFileHoldsAsTheSumOfWidthsMeansNothing)
     for (int i = 1; i <= tune.LastNote; ++i)
         tune[i].Reserved = 500;
     // The sum that would pass 16 bits stays 0, which fits into any line.
-    EXPECT_EQ(Only(Paper(), "text", "\"[3]\"").size(), 2U);
+    // But it is no number of units to share the line's width among, and all stands in one place.
+    EXPECT_EQ(Only(Paper(), "text 1200 1985 ").size(), 4U);
     EXPECT_FALSE(tooWide);
 }
 

@@ -88,6 +88,17 @@ TEST_F(PrintPassTest, ALastColumnAt9000ItselfLeavesTheStaffWhole)
     EXPECT_TRUE(Has(Paper(), "line 1080 2100 9750 2100 w=3"));
 }
 
+TEST_F(PrintPassTest, ALongRestAt9000ItselfLeavesTheStaffWholeToo)
+{
+    AddQuarters(17, "12");
+    tune[2].Slot(1) = "123";  // 4 units instead of 3
+    tune[18].NoteCode = kHalfRest;
+    AddQuarters(4).Slot(6) = "NL";
+    EXPECT_TRUE(Has(Paper(0, 30000), "line 1080 2100 28560 2100 w=3"));
+    tune[2].Slot(1) = "12";
+    EXPECT_TRUE(Has(Paper(0, 30000), "line 1080 2100 10650 2100 w=3"));
+}
+
 TEST_F(PrintPassTest, ACentredTitleUsesTheWholePaperAndStandsAQuarterInchLeft)
 {
     tune[0].ChordText = "Cripple Creek";  // 13 characters of 200 twips
