@@ -10,14 +10,13 @@ abc2midi plays, grace notes and what it makes of ornaments are taken
 out, and all voices but the first. The exit status is 1 if anything differed.
 """
 
-import argparse
-import os
 import pathlib
 import re
 import subprocess
 import sys
 import tempfile
 
+import comparison
 import played_notes
 import wild_abc
 
@@ -82,16 +81,11 @@ def compare(options, name, text, strings, folder):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--export", required=True, help="path of quillon-export")
-    parser.add_argument("--from", dest="first", type=int, default=1, help="first seed")
-    parser.add_argument("--count", type=int, default=100, help="number of random tunes")
+    parser = comparison.parser_for(__doc__)
     parser.add_argument("--tunes", help="a folder of ABC files")
     options = parser.parse_args()
-    options.export = os.path.abspath(options.export)
-
     tunes = [(f"seed {seed} ({' '.join(wild_abc.features_of(seed))})", wild_abc.random_tune(seed),
-              [4 + seed % 3]) for seed in range(options.first, options.first + options.count)]
+              [4 + seed % 3]) for seed in comparison.seeds_of(options)]
     if options.tunes:
         tunes += [(path.name, path.read_text(encoding="latin-1"), [4, 5, 6])
                   for path in sorted(pathlib.Path(options.tunes).glob("*.abc"))]

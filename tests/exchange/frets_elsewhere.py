@@ -8,15 +8,13 @@ again. A note is moved if its string or fret is another one afterwards. The exit
 any.
 """
 
-import argparse
-import json
-import os
 import pathlib
 import subprocess
 import sys
 import tempfile
 import xml.etree.ElementTree
 
+import comparison
 import random_forms
 
 EXAMPLES = pathlib.Path(__file__).resolve().parent.parent.parent / "examples"
@@ -57,11 +55,8 @@ def convert(options, scores, folder):
                        check=True, capture_output=True)
         subprocess.run([options.export, tune, "-o", ours / score.name], check=True,
                        capture_output=True)
-        jobs.append({"in": str(score), "out": str(theirs / score.name)})
-    (folder / "jobs.json").write_text(json.dumps(jobs))
-    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "HOME": str(folder)}
-    subprocess.run(["musescore3", "-j", folder / "jobs.json"], env=environment, check=True,
-                   capture_output=True)
+        jobs.append((score, theirs / score.name))
+    comparison.run_musescore(jobs, folder)
     return ours, theirs
 
 
@@ -69,7 +64,7 @@ def written(options, folder):
     """The tunes as MusicXML."""
     tunes = [(path.stem, path.suffix[1:], path.read_bytes()) for path in sorted(EXAMPLES.iterdir())
              if path.suffix[1:] in STRINGS]
-    for seed in range(options.first, options.first + options.count):
+    for seed in comparison.seeds_of(options):
         tunes.append((f"tune{seed}", *random_forms.random_tune(seed)))
     for name, extension, data in tunes:
         tune, score = folder / f"in.{extension}", folder / f"{extension}_{name}.musicxml"
@@ -80,12 +75,7 @@ def written(options, folder):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--export", required=True, help="path of quillon-export")
-    parser.add_argument("--from", dest="first", type=int, default=1, help="first seed")
-    parser.add_argument("--count", type=int, default=100)
-    options = parser.parse_args()
-    options.export = os.path.abspath(options.export)
+    options = comparison.parser_for(__doc__).parse_args()
     sums = {}  # by kind of tune: notes, moved by ours, moved by MuseScore
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)

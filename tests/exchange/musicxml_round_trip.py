@@ -8,17 +8,13 @@ Tunes that cannot be played, and those of which measures have to be written out,
 counted. The exit status is 1 if anything differed.
 """
 
-import argparse
-import os
-import pathlib
 import re
 import subprocess
 import sys
-import tempfile
 
+import comparison
 import random_forms
 
-BATCH = 100  # tunes of one instrument
 LINES = 9  # of a record
 
 
@@ -97,18 +93,8 @@ def run_batch(options, seeds, folder):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--export", required=True, help="path of quillon-export")
-    parser.add_argument("--from", dest="first", type=int, default=1, help="first seed")
-    parser.add_argument("--count", type=int, default=100)
-    options = parser.parse_args()
-    options.export = os.path.abspath(options.export)
-    compared = failures = 0
-    last = options.first + options.count
-    for first in range(options.first, last, BATCH):
-        with tempfile.TemporaryDirectory() as folder:
-            batch = run_batch(options, range(first, min(first + BATCH, last)), pathlib.Path(folder))
-        compared, failures = compared + batch[0], failures + batch[1]
+    options = comparison.parser_for(__doc__).parse_args()
+    compared, failures = comparison.run_in_batches(options, run_batch)
     print(f"{compared - failures} passed, {failures} failed, {options.count - compared} passed over")
     return 1 if failures else 0
 

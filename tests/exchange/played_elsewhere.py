@@ -10,8 +10,6 @@ are taken out for MuseScore, which fills them with notes between. Tunes that can
 over, and counted. LilyPond must engrave each without a word. The exit status is 1 if anything differed.
 """
 
-import argparse
-import json
 import os
 import pathlib
 import re
@@ -20,10 +18,10 @@ import sys
 import tempfile
 from concurrent import futures
 
+import comparison
 import played_notes
 import random_forms
 
-BATCH = 100  # tunes
 TEMPO = 120  # its quarter has 120 ticks, in which every value of a tune is exact
 
 
@@ -37,16 +35,12 @@ def export(options, tunes, form):
 
 
 def play_in_musescore(scores, folder):
-    """MuseScore takes a list of conversions."""
     jobs = []
     for name, score in scores.items():
         text = score.read_text(encoding="utf-8")
         score.write_text(re.sub(r"<slide [^>]*/>", "", text), encoding="utf-8")
-        jobs.append({"in": str(score), "out": str(folder / f"{name}.mid")})
-    (folder / "jobs.json").write_text(json.dumps(jobs))
-    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "HOME": str(folder)}
-    subprocess.run(["musescore3", "-j", folder / "jobs.json"], env=environment, check=True,
-                   capture_output=True)
+        jobs.append((score, folder / f"{name}.mid"))
+    comparison.run_musescore(jobs, folder)
 
 
 def play_in_abc2midi(scores, folder):
@@ -153,22 +147,11 @@ def run_batch(options, seeds, folder):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--export", required=True, help="path of quillon-export")
+    parser = comparison.parser_for(__doc__)
     parser.add_argument("--form", required=True, choices=PLAYERS)
-    parser.add_argument("--from", dest="first", type=int, default=1, help="first seed")
-    parser.add_argument("--count", type=int, default=100)
     parser.add_argument("--keep", help="folder for the files of failing tunes, dropped without it")
     options = parser.parse_args()
-    options.export = os.path.abspath(options.export)
-
-    played = failures = 0
-    last = options.first + options.count
-    for first in range(options.first, last, BATCH):
-        with tempfile.TemporaryDirectory() as folder:
-            seeds = range(first, min(first + BATCH, last))
-            batch = run_batch(options, seeds, pathlib.Path(folder))
-        played, failures = played + batch[0], failures + batch[1]
+    played, failures = comparison.run_in_batches(options, run_batch)
     silent = options.count - played
     print(f"{played - failures} passed, {failures} failed, {silent} cannot be played")
     return 1 if failures else 0
