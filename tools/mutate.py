@@ -2,7 +2,7 @@
 """Mutations of the core rooms: comparisons, constants, signs and dropped statements.
 
 Each mutation is built and put through what `./test quick` runs of the core, cheapest first: unit
-tests, golden drawings, scenarios, and the models. What fails, hangs or crashes has noticed it. A
+tests, golden drawings, scenarios, the models, and random scripts undone and done again. What fails, hangs or crashes has noticed it. A
 mutation that does not compile is replaced by another one.
 
 Prints a line for each mutation and a summary. Exit status 1 if more than one in twenty is missed.
@@ -19,6 +19,7 @@ import tempfile
 
 TREE = pathlib.Path(__file__).resolve().parent.parent
 ROOMS = ["store", "notation", "midi", "editor", "shell"]
+USERS = ["headless", "history", "exchange"]  # rooms whose tests go through these
 WORKERS = 2
 SECONDS = 300  # until a test counts as hanging
 
@@ -100,14 +101,13 @@ class Copy:
             return False
 
     def compiles(self):
-        targets = ["play-scenario", "quillon-export", "quillon_headless_tests"]
-        return self.run(
-            ["ninja", "-C", self.build, *targets, *[f"quillon_{room}_tests" for room in ROOMS]], 900
-        )
+        tests = [f"quillon_{room}_tests" for room in (*ROOMS, *USERS)]
+        programs = ["play-scenario", "quillon-export", "undo_property"]
+        return self.run(["ninja", "-C", self.build, *programs, *tests], 900)
 
     def checks(self, room):
         binaries, tests = self.build / "bin", self.tree / "tests"
-        rooms = [room, *[other for other in (*ROOMS, "headless") if other != room]]
+        rooms = [room, *[other for other in (*ROOMS, *USERS) if other != room]]
         for name in rooms:
             yield f"unit tests ({name})", [binaries / f"quillon_{name}_tests", "--gtest_brief=1"]
         yield "goldens", [tests / "golden_test.sh", binaries / "quillon-export"]
@@ -118,6 +118,7 @@ class Copy:
         yield "model-editor", ["/usr/bin/python3", model / "compare_scenarios.py", *export, *editor]
         yield "model-pages", ["/usr/bin/python3", model / "compare_pages.py", *export, "--count", 30]
         yield "model-midi", ["/usr/bin/python3", model / "compare_midi.py", *export, "--count", 50]
+        yield "undo", [binaries / "undo_property", 1, 60]
 
     def verdict(self, path, start, end, replacement):
         """Who notices the mutation; None if it does not compile, "" if nobody does."""
