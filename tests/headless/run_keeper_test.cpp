@@ -584,14 +584,19 @@ TEST_F(RunKeeperTest, JournalsThatCannotBeReadAreToldOfAndStayAsTheyAre)
         EXPECT_EQ(ReadFileBytes(own + "/" + name), bytes);
 }
 
-TEST_F(RunKeeperTest, AGiganticJournalIsNotRead)
+TEST_F(RunKeeperTest, AJournalOfMoreThan64MegabytesIsNotRead)
 {
+    const std::string told = "Run-20240101-120000-aaaaaaaa.1.journal cannot be brought back: ";
     const std::string path = own + "/Run-20240101-120000-aaaaaaaa.1.journal";
-    WriteFileBytes(path, kJournalMark);
-    fs::resize_file(path, std::uintmax_t{1} << 30);
+    WriteFileBytes(path, "");
+    for (const std::uintmax_t size : {std::uintmax_t{1} << 30, (std::uintmax_t{64} << 20) + 1}) {
+        fs::resize_file(path, size);
+        EXPECT_TRUE(Found().empty());
+        EXPECT_EQ(notes, std::vector{told + "it is too large."});
+    }
+    fs::resize_file(path, std::uintmax_t{64} << 20);
     EXPECT_TRUE(Found().empty());
-    EXPECT_EQ(notes, std::vector<std::string>{"Run-20240101-120000-aaaaaaaa.1.journal cannot be "
-                                              "brought back: it is too large."});
+    EXPECT_EQ(notes, std::vector{told + "it is damaged from its beginning."});
 }
 
 TEST_F(RunKeeperTest, OfTwoJournalsOfOneRunTheOneThatGoesFurtherIsTaken)

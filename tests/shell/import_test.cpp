@@ -110,6 +110,13 @@ TEST_F(ImportTest, TheTuningsAreThoseOfThePlayersList)
     EXPECT_EQ(win.tune[2].Slot(1), "12") << "c is an octave above the highest string";
 }
 
+TEST_F(ImportTest, APlayersListOfOneTuningWillDo)
+{
+    File(FindMode(6)->TuningFile, "\"Low\",60,55,50,45,40,35\r\n");
+    ASSERT_TRUE(Import(File("one.abc", "X:1\nL:1/1\nK:C\nc\n")));
+    EXPECT_EQ(win.tune[2].Slot(1), "12");
+}
+
 TEST_F(ImportTest, AChangedTuneIsAskedAboutAndMayStay)
 {
     Type("5\r");
