@@ -90,7 +90,7 @@ void CheckBeats(const NoteRecord& head, int ticks, bool lastMeasure, Findings& f
 {
     const int ticksPerBeat = TicksPerBeat(head.BeatUnit);
     const int capacity = head.Beats * ticksPerBeat;
-    if (ticks == capacity || (lastMeasure && ticks < capacity))
+    if (lastMeasure ? ticks <= capacity : ticks == capacity)
         return;
     findings.push_back({head.Measure, "has " + BeatsText(ticks, ticksPerBeat) + " instead of " +
                                           std::to_string(head.Beats)});
@@ -461,13 +461,14 @@ std::vector<int> MeasureOrder(Tune& tune)
 std::string OrderInRuns(const std::vector<int>& measures)
 {
     std::string text;
-    for (std::size_t first = 0, next = 0; first < measures.size(); first = next) {
-        next = first + 1;
+    for (std::size_t first = 0; first < measures.size();) {
+        std::size_t next = first + 1;
         while (next < measures.size() && measures[next] == measures[next - 1] + 1)
             ++next;
         text += (text.empty() ? "" : ", ") + std::to_string(measures[first]);
         if (next - first > 1)
             text += '-' + std::to_string(measures[next - 1]);
+        first = next;
     }
     return text;
 }

@@ -116,8 +116,9 @@ void MainWin::ReadSettings()
 
 void MainWin::ShowStringLines()
 {
-    for (int i = 0; i < 6; ++i)
-        form.Line1Visible[static_cast<std::size_t>(i)] = i < tune.NumStrings;
+    int string = 0;
+    for (bool& visible : form.Line1Visible)
+        visible = ++string <= tune.NumStrings;
 }
 
 /// The state of a fresh tune, but for record 1, which becomes a head where the caller says so.

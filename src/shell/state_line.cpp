@@ -49,7 +49,7 @@ void TellMeasure(const MainWin& win, TuneState& state)
     const int tooMany = ticks - head.Beats * TicksPerBeat(head.BeatUnit);
     const bool mayBeShort =
         i > tune.LastNote || head.Measure == 1 || win.form.InputMode == InputMode::Insert;
-    if (tooMany == 0 || (tooMany < 0 && mayBeShort))
+    if (mayBeShort ? tooMany <= 0 : tooMany == 0)
         return;
     state.Measure = head.Measure;
     state.TicksTooMany = tooMany;

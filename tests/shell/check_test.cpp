@@ -80,6 +80,25 @@ protected:
 
 using Order = std::vector<int>;
 
+/// A remark on paper. Its ink begins 20 twips behind `x` and ends 80 twips a character less 20.
+Operation RemarkAt(double x, const std::string& text, double y = 1000)
+{
+    Operation remark;
+    remark.Kind = Shape::Text;
+    remark.Part = Role::Remark;
+    remark.X1 = x;
+    remark.Y1 = y;
+    remark.Text = text;
+    remark.TextFont.Size = 8;
+    return remark;
+}
+
+/// What is found on a printed page of these remarks.
+Lines OnPaper(const std::vector<Operation>& remarks)
+{
+    return Texts(CheckPaper({Drawing(remarks, false)}, FixedTextMetrics()));
+}
+
 // Clean tunes
 
 TEST_F(CheckTest, AnEmptyTuneIsClean)
@@ -175,6 +194,20 @@ TEST(CheckTexts, InAFileWithALineTooFewOnlyTheQuotesThemselvesCount)
     std::string bytes = TuneBytes(tune);
     bytes.erase(0, bytes.find('\n') + 1);
     EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"a text contains a double quote"});
+}
+
+TEST(CheckTexts, TheFirstLineOfTheFileAndOfARecordCountToo)
+{
+    Tune tune;
+    AddFullMeasures(tune, 1);
+    std::string bytes = TuneBytes(tune);
+    bytes.replace(bytes.rfind("1,7,"), 1, "1\"");
+    EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"measure 1: a text contains a double quote"});
+    bytes = TuneBytes(tune);
+    bytes.replace(bytes.find("1,999"), 1, "99999999999\"");
+    EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"a text contains a double quote"});
+    EXPECT_EQ(Texts(CheckTexts("0\"\r\n")),
+              Lines{"the title, a credit or a font contains a double quote"});
 }
 
 TEST(CheckTexts, LineEndsMayBeAnyOfThree)
@@ -352,6 +385,29 @@ TEST_F(CheckTest, TheFirstRepeatMayBeginWithTheTune)
     EXPECT_EQ(All(), Lines());
 }
 
+TEST_F(CheckTest, AnEndingIsOverWithItsRepeatSign)
+{
+    AddFullMeasures(tune, 6);
+    Bracket(2, "1.");
+    Bar(3, kRepeatEnd);
+    Bar(5, kRepeatEnd);
+    EXPECT_EQ(Signs(), Lines{"measure 5: ends a repeat that no repeat start begins"});
+    Bracket(5, "1.");
+    EXPECT_EQ(Signs(), Lines());
+}
+
+TEST_F(CheckTest, ALastMeasureOfAHeadAloneCountsToo)
+{
+    AddFullMeasures(tune, 2);
+    AddMeasure(tune);
+    Bar(3, kRepeatStart);
+    Sign(3, kDs);
+    EXPECT_EQ(Signs(), (Lines{"measure 3: begins a repeat that no repeat sign ends",
+                              "measure 3: has a D.S. but no Sign before it"}));
+    Sign(3, kCoda);
+    EXPECT_EQ(Performance(), Lines{"measure 3: the Coda is never reached"});
+}
+
 TEST_F(CheckTest, EndingsShareARepeatStart)
 {
     AddFullMeasures(tune, 8);
@@ -445,6 +501,13 @@ TEST_F(CheckTest, ACodaIsReachedFromARemarkAtLeastAMeasureBeforeIt)
               (Lines{"No Coda follows measure 3.", "measure 3: the Coda is never reached"}));
 }
 
+TEST_F(CheckTest, ACodaInTheFirstMeasureIsNeverReached)
+{
+    AddFullMeasures(tune, 3);
+    Sign(1, kCoda);
+    EXPECT_EQ(Performance(), Lines{"measure 1: the Coda is never reached"});
+}
+
 TEST_F(CheckTest, AFineIsReachedAfterASignAlFine)
 {
     AddFullMeasures(tune, 5);
@@ -531,6 +594,26 @@ TEST_F(CheckTest, ARemarkThatRunsIntoTheNextIsFound)
                              longest + "\""});
 }
 
+TEST(CheckPaper, TextsMayGoUpToTheEdgesOfThePaper)
+{
+    EXPECT_EQ(OnPaper({RemarkAt(-16, "ab"), RemarkAt(kPageWidth - 144, "cd")}), Lines());
+    EXPECT_EQ(OnPaper({RemarkAt(-17, "ab")}),
+              Lines{"page 1: the remark \"ab\" runs off the paper"});
+    EXPECT_EQ(OnPaper({RemarkAt(kPageWidth - 143, "cd")}),
+              Lines{"page 1: the remark \"cd\" runs off the paper"});
+}
+
+TEST(CheckPaper, TextsInARowMayTouchEachOther)
+{
+    for (double apart : {128, -128})
+        EXPECT_EQ(OnPaper({RemarkAt(1000, "ab"), RemarkAt(1000 + apart, "cd")}), Lines());
+    for (double apart : {127, -127}) {
+        EXPECT_EQ(OnPaper({RemarkAt(1000, "ab"), RemarkAt(1000 + apart, "cd")}),
+                  Lines{"page 1: the remark \"cd\" runs into the remark \"ab\""});
+        EXPECT_EQ(OnPaper({RemarkAt(1000, "ab"), RemarkAt(1000 + apart, "cd", 1001)}), Lines());
+    }
+}
+
 TEST_F(CheckTest, AnEmptyPageAtTheEndIsFound)
 {
     AddFullMeasures(tune, 3);
@@ -557,6 +640,28 @@ TEST_F(CheckTest, StringsThatDriftApartAreFoundWhereTheyAreHeardToDoSo)
     EXPECT_EQ(Together(130), Lines());
 }
 
+// At a tempo of 110 they are six ticks, and a sixteenth of 27 ticks loses one when it is halved.
+TEST_F(CheckTest, NobodyHearsADriftOf30Milliseconds)
+{
+    AddMeasure(tune);
+    for (int i = 0; i < 6; ++i)
+        AddNote(tune, kSixteenth, 1, "3").Slot(2) = "1-3";
+    AddNote(tune, kQuarter, 1, "3").Slot(2) = "1";
+    EXPECT_EQ(Together(110), Lines());
+    tune[tune.LastNote].NoteCode = kSixteenth;
+    tune[tune.LastNote].Slot(2) = "1-3";
+    AddNote(tune, kQuarter, 1, "3").Slot(2) = "1";
+    EXPECT_EQ(Together(110).size(), 1U);
+}
+
+TEST_F(CheckTest, TheTempoThatIsRecommendedIsNeverOutOfRange)
+{
+    AddHammersBesideNotes(2);
+    EXPECT_TRUE(Together(299).at(0).ends_with("such as 288, keep them together"));
+    EXPECT_TRUE(Together(323).at(0).ends_with("such as 288, keep them together"));
+    EXPECT_TRUE(Together(31).at(0).ends_with("such as 48, keep them together"));
+}
+
 TEST_F(CheckTest, TheLastStringDriftsAsTheOthersDo)
 {
     AddHammersBesideNotes(6);
@@ -570,6 +675,24 @@ TEST_F(CheckTest, WhatCannotBePlayedDoesNotDrift)
     Bracket(2, "3");
     tune[2].Slot(2) = "99999";
     EXPECT_EQ(Together(130), Lines());
+}
+
+TEST_F(CheckTest, TheWholeCheckGoesFromTheRecordsToThePaper)
+{
+    AddHammersBesideNotes(2);
+    Head(2).Beats = 3;
+    Bar(3, kRepeatStart);
+    Sign(4, kFine);
+    tune[0].ChordText = std::string(100, 'M');
+    tempo = 130;
+    const Lines found = All();
+    ASSERT_EQ(found.size(), 6U);
+    EXPECT_EQ(found[0], "measure 2: has 4 beats instead of 3");
+    EXPECT_EQ(found[1], "measure 3: begins a repeat that no repeat sign ends");
+    EXPECT_EQ(found[2], "measure 4: the Fine is never reached");
+    EXPECT_TRUE(found[3].starts_with("measure 2: from here on the strings drift apart"));
+    EXPECT_TRUE(found[4].ends_with("runs off the paper"));
+    EXPECT_EQ(found[5], "the last printed page is empty");
 }
 
 TEST(OrderInRuns, JoinsMeasuresThatFollowEachOther)

@@ -39,8 +39,9 @@ private:
     {
         return ' ' + std::to_string(static_cast<int>(choices.Width)) + 'x' +
                std::to_string(static_cast<int>(choices.Height)) +
-               (choices.As == Look::Engraved ? " engraved " : " plain ") + choices.Title + '/' +
-               choices.Author;
+               (choices.As == Look::Engraved ? " engraved " : " plain ") +
+               std::to_string(static_cast<int>(choices.Dpi)) + ' ' + choices.Title + '/' +
+               choices.Author + '/' + choices.Subject;
     }
 
     FixedTextMetrics metrics;
@@ -54,6 +55,7 @@ protected:
         AddFullMeasures(win.tune, 3);
         win.tune[0].ChordText = "Tune";
         win.tune[0].Slot(1) = "Trad.";
+        win.tune[0].Slot(2) = "arr.";
     }
 
     std::vector<std::string> Files(const std::string& extension)
@@ -80,9 +82,11 @@ TEST_F(ExportTuneTest, WhatTheExportCommandWritesIsOffered)
 
 TEST_F(ExportTuneTest, PagesHaveTheLookChosenAndPdfsTheLocalesPaper)
 {
-    EXPECT_EQ(Files("pdf"), std::vector<std::string>{"pdf 1 11906x16838 plain Tune/Trad."});
+    EXPECT_EQ(Files("pdf"),
+              std::vector<std::string>{"pdf 1 11906x16838 plain 300 Tune/Trad./arr."});
     ChooseLook(settings, Look::Engraved);
-    EXPECT_EQ(Files("svg"), std::vector<std::string>{"svg 12240x15840 engraved Tune/Trad."});
+    EXPECT_EQ(Files("svg"),
+              std::vector<std::string>{"svg 12240x15840 engraved 300 Tune/Trad./arr."});
     AddFullMeasures(win.tune, 60);
     EXPECT_GT(Files("png").size(), 1U);
 }
@@ -102,6 +106,9 @@ TEST_F(ExportTuneTest, OtherProgramsAreToldTheTuningAndTheTempoThatSoundNow)
     settings.Set("Guitar", "Tempo", "200");
     const std::string standard = Files("abc").at(0);
     EXPECT_NE(standard.find("Q:1/4=200\n"), std::string::npos) << standard;
+    const std::string plain = Files("musicxml").at(0);
+    settings.Set("Guitar", "Tuning", "1");
+    EXPECT_NE(Files("musicxml").at(0), plain);
     settings.Set("Guitar", "Tuning", "2");
     const std::string other = Files("musicxml").at(0);
     win.tune[0].Slot(4) = "0";

@@ -34,6 +34,7 @@ protected:
         WriteFileBytes(path, bytes);
         dialogs.Shown.clear();
         EXPECT_FAULT(Open(path), ObjectRequired);
+        EXPECT_FALSE(system.WaitCursor);
         ASSERT_EQ(dialogs.Shown.size(), 1U);
         EXPECT_EQ(dialogs.Shown[0].Icon, Icon::Stop);
         EXPECT_EQ(dialogs.Shown[0].Title, "");
@@ -112,6 +113,7 @@ TEST_F(Files, OpenShowsMeasure1AndLaysThePagesOut)
     EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_TRUE(win.form.mnuSaveEnabled);
     EXPECT_FALSE(system.WaitCursor);
+    EXPECT_TRUE(system.HasWaited);
     EXPECT_TRUE(win.pages.Page(0).Visible);
     EXPECT_FALSE(win.pages.Page(0).Surface.Picture().Operations().empty());
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
@@ -351,6 +353,8 @@ TEST_F(Files, AnIncompatibleFileLeavesThisState)
     Type("1\r1\r");
     win.form.Saved = SavedState::Saved;
     win.form.CurValue = kEighth;
+    win.editor.SetToolbarValue(kEighth);
+    win.cmdRefresh();
     const std::string bytes = ReadFileBytes(WriteTune("tune.gui", 1));
     ExpectIncompatible(bytes.substr(0, bytes.size() - 10));
     EXPECT_EQ(win.tune.CurMeas, 1);
@@ -367,6 +371,7 @@ TEST_F(Files, AnIncompatibleFileLeavesThisState)
     EXPECT_EQ(win.form.InputMode, InputMode::Fret);
     EXPECT_EQ(win.form.CursorX, 48);
     EXPECT_EQ(win.form.CursorY, 84) << "not 76";
+    EXPECT_TRUE(win.pages.Page(0).Surface.Picture().Operations().empty());
     EXPECT_EQ(win.tune[2].Slot(2), "1") << "what was read stays";
     EXPECT_EQ(win.tune.FileName, folder.Path("broken.gui"));
 }
@@ -447,6 +452,7 @@ TEST_F(Files, FontsComeFromTheHeaderWhereItHasThem)
     EXPECT_EQ(win.page.BodyFontName, "Times");
     EXPECT_EQ(win.page.BodyFontSize, 14.5F);
     EXPECT_EQ(win.page.TitleFontName, "Courier");
+    EXPECT_EQ(win.page.FormFontName, "Courier") << "taken last";
     EXPECT_EQ(win.page.TitleFontSize, 28);
     Open(WriteTune("plain.gui", 1));
     EXPECT_EQ(win.page.BodyFontName, "Times") << "an empty field leaves what is in force";

@@ -56,6 +56,7 @@ TEST_F(ImportTest, WhatIsImportedIsNewUnnamedAndUnsaved)
     EXPECT_EQ(win.tune[0].ChordText, "Two Bars");
     EXPECT_EQ(win.tune.LastMeas, 2);
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
+    EXPECT_FALSE(system.WaitCursor);
     EXPECT_FALSE(win.pages.Page(0).Surface.Picture().Operations().empty());
     EXPECT_TRUE(dialogs.Shown.empty());
 }
@@ -106,8 +107,12 @@ TEST_F(ImportTest, TheTuningsAreThoseOfThePlayersList)
 {
     File(FindMode(4)->TuningFile, "\"Low\",60,55,50,45\r\n\"Lower\",48,43,38,33\r\n");
     win.mnuMandolin();
-    ASSERT_TRUE(Import(File("one.abc", "X:1\nL:1/1\nK:C\nc\n")));
-    EXPECT_EQ(win.tune[2].Slot(1), "12") << "c is an octave above the highest string";
+    for (const char* chosen : {"0", "2"}) {  // there is no third one
+        settings.Set(FindMode(4)->SettingsSection, "Tuning", chosen);
+        ASSERT_TRUE(Import(File("one.abc", "X:1\nL:1/1\nK:C\nc\n")));
+        EXPECT_EQ(win.tune[2].Slot(1), "12") << "c is an octave above the highest string";
+        EXPECT_EQ(win.tune[0].Slot(4), "");
+    }
 }
 
 TEST_F(ImportTest, APlayersListOfOneTuningWillDo)

@@ -51,6 +51,8 @@ TEST_F(InstrumentModes, ATuningFileIsMadeWhenItsInstrumentIsFirstChosen)
     EXPECT_FALSE(has("Strings5.tun") || has("Strings4.tun"));
     settings.Written.clear();
     win.mnuBanjo();
+    const std::string mode = "Prefs/NumStrings=5";
+    EXPECT_EQ(settings.Written, (std::vector{mode, mode})) << "with the file, and with the mode";
     EXPECT_EQ(ReadFileBytes(folder.Path("Strings5.tun")),
               "\"G Tuning\",62,59,55,50,67\r\n\"C Tuning\",62,59,55,48,67\r\n"
               "\"D Tuning\",62,57,54,50,66\r\n");

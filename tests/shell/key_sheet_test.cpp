@@ -32,6 +32,20 @@ TEST(KeySheet, HasTheKeysOfEveryMenu)
             }
 }
 
+TEST(KeySheet, EndsWithTheKeysOfTheStrip)
+{
+    const KeyGroup strip = KeySheet().back();
+    EXPECT_EQ(strip.Title, "Beside the menus");
+    std::vector<std::string> expected;
+    for (const StripCommand& command : StripCommands())
+        if (*command.Shortcuts != '\0')
+            expected.push_back(command.Shortcuts);
+    std::vector<std::string> keys;
+    for (const KeyLine& line : strip.Lines)
+        keys.push_back(line.Keys);
+    EXPECT_EQ(keys, expected);
+}
+
 TEST(KeySheet, SaysWhatEachKeyDoesWithoutMarksForLetters)
 {
     for (const KeyGroup& group : KeySheet()) {

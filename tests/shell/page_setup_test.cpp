@@ -227,14 +227,19 @@ TEST_F(PageSetupTest, EnterGoesFromTextToTextAndToTheExitButton)
     EXPECT_EQ(setup.Focus, PageSetup::Box::Text3);
     setup.Enter();
     EXPECT_EQ(setup.Focus, PageSetup::Box::cmdPgExit);
+    setup.Activate();
+    EXPECT_EQ(setup.Focus, PageSetup::Box::Text1);
 }
 
-TEST_F(PageSetupTest, TheMainFormIsDisabledWhileItIsOpenAndSavedStays)
+TEST_F(PageSetupTest, TheExitButtonTakesTheTextsAndTheMainFormIsDisabledUntilThen)
 {
     PageSetup& setup = OpenForm();
     EXPECT_FALSE(win.form.FormEnabled);
     setup.Text1 = "Air";
+    setup.Text2 = "Trad.";
+    setup.Text3 = "arr.";
     setup.cmdPgExit();
+    EXPECT_EQ(win.tune[0].ChordText + win.tune[0].Slot(1) + win.tune[0].Slot(2), "AirTrad.arr.");
     EXPECT_TRUE(win.form.FormEnabled);
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
     EXPECT_EQ(win.form.Saved, SavedState::Saved);

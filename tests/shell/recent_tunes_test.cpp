@@ -36,6 +36,7 @@ TEST_F(RecentTunesTest, TenAreKept)
     EXPECT_EQ(RecentTunes(settings).size(), 10U);
     EXPECT_EQ(RecentTunes(settings).front(), "/12");
     EXPECT_EQ(RecentTunes(settings).back(), "/3");
+    EXPECT_EQ(settings.Written.back(), "Recent/Tunes=/12\n/11\n/10\n/9\n/8\n/7\n/6\n/5\n/4\n/3");
 }
 
 TEST_F(RecentTunesTest, TheSettingsAreWrittenOnlyWhenTheListChanges)
@@ -56,6 +57,8 @@ TEST_F(RecentTunesTest, AListThatWasSpoiledByHandGivesWhatIsStillAPath)
 {
     settings.Values[{"Recent", "Tunes"}] = "nonsense\n\n/a.gui\n";
     EXPECT_EQ(RecentTunes(settings), Paths{"/a.gui"});
+    settings.Values[{"Recent", "Tunes"}] = "/1\n/2\n/3\n/4\n/5\n/6\n/7\n/8\n/9\n/10\n/11\n";
+    EXPECT_EQ(RecentTunes(settings).size(), 10U);
 }
 
 TEST_F(RecentTunesTest, ATuneIsOpenedOnItsInstrument)

@@ -109,6 +109,8 @@ TEST_F(Rescue, CopyIsNamedAfterTheTuneButNotAfterACopy)
     EXPECT_TRUE(nameOfCopy("reel.gui").starts_with("reel"));
     EXPECT_TRUE(nameOfCopy("Rescue-me.gui").starts_with("Rescue-me"));
     EXPECT_TRUE(nameOfCopy("Rescue-20260101-120000.gui").starts_with("Untitled"));
+    EXPECT_TRUE(nameOfCopy("Rescue-01.gui").starts_with("Untitled"));
+    EXPECT_TRUE(nameOfCopy("Rescue-99.gui").starts_with("Untitled"));
     EXPECT_TRUE(nameOfCopy("reel-Rescue-20260101-120000.gui").starts_with("reel."));
 }
 

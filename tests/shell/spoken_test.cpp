@@ -30,6 +30,9 @@ TEST_F(Spoken, ColumnOfTheMeasureTellsWhatStandsThere)
     EXPECT_EQ(Cursor(), "Measure 1, column 1 of 2, string 6, fret 5, quarter note");
     win.editor.StaffBoxKeyDown(kKeyUp);
     EXPECT_EQ(Cursor(), "Measure 1, column 1 of 2, string 5, no fret, quarter note");
+    for (int i = 0; i < 4; ++i)
+        win.editor.StaffBoxKeyDown(kKeyUp);
+    EXPECT_EQ(Cursor(), "Measure 1, column 1 of 2, string 1, no fret, quarter note");
 }
 
 TEST_F(Spoken, AChangeIsSaidByItsPartsAlone)

@@ -122,7 +122,7 @@ TEST_F(StartUp, SetsTheFormWhateverItHeld)
     win.pages.PageMax = win.pages.ShownPage = win.pages.MarqueeOn = 2;
     ASSERT_TRUE(win.Load());
     EXPECT_EQ(State(), state);
-    EXPECT_EQ(Table().find("\n3: "), std::string::npos);
+    EXPECT_EQ(win.tune[3].Measure, 0);
     EXPECT_TRUE(win.form.FirstActivation);
     EXPECT_FALSE(win.form.mnuSaveEnabled);
     EXPECT_FALSE(win.form.mnuPasteEnabled);
@@ -150,6 +150,25 @@ TEST_F(StartUp, CaptionAndStringLinesFollowTheInstrument)
         for (int i = 0; i < 6; ++i)
             EXPECT_EQ(win.form.Line1Visible[static_cast<std::size_t>(i)],
                       i < static_cast<int>(Val(strings)));
+    }
+}
+
+TEST_F(StartUp, AnyOtherNumberOfStringsIsAGuitars)
+{
+    const std::pair<const char*, int> settingsAndStrings[] = {
+        {"3.4", 6},
+        {"3.5", 4},
+        {"4.4", 4},
+        {"5.2", 5},
+        {"6.5", 6},
+        {"6.6", 6},
+        {"7",   6},
+        {"",    6},
+    };
+    for (const auto& [setting, strings] : settingsAndStrings) {
+        settings.Values[{"Prefs", "NumStrings"}] = setting;
+        ASSERT_TRUE(win.Load());
+        EXPECT_EQ(win.tune.NumStrings, strings) << setting;
     }
 }
 
@@ -185,6 +204,7 @@ TEST_F(StartUp, WithNoCommandLineRunsNewAndShowsTheSplashSoThatExitAsksNothing)
     EXPECT_EQ(win.form.Saved, SavedState::Saved);
     EXPECT_EQ(win.tune.CurNote, 2);
     EXPECT_TRUE(win.tune[1].IsHead());
+    EXPECT_EQ(win.form.Focus, Control::None);
     win.SplashClosed();
     EXPECT_EQ(win.form.Focus, Control::StaffBox);
     win.mnuExit();
@@ -195,6 +215,8 @@ TEST_F(StartUp, WithNoCommandLineRunsNewAndShowsTheSplashSoThatExitAsksNothing)
 TEST_F(StartUp, ANewTuneHasItsFreshState)
 {
     Start();
+    win.editor.SetFocus(Control::cmdRefresh);
+    win.mnuNew();
     EXPECT_EQ(win.tune.CurMeas, 1);
     EXPECT_EQ(win.tune.LastMeas, 0);
     EXPECT_EQ(win.tune.CurNote, 2);
@@ -253,6 +275,10 @@ TEST_F(StartUp, OnlyTheLastThreeCharactersAreLookedAt)
     WriteTune("songbss");
     StartWith(folder.Path("songbss"));
     EXPECT_EQ(win.tune.NumStrings, 4);
+    StartWith("bjo");
+    EXPECT_EQ(win.tune.NumStrings, 5);
+    StartWith("jo");
+    EXPECT_EQ(win.tune.NumStrings, 6);
 }
 
 TEST_F(StartUp, AfterALeadingQuoteTheLastCharacterIsCutWhateverItIs)

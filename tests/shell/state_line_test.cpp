@@ -138,6 +138,25 @@ TEST_F(StateLineTest, BeatsAreThoseOfTheSignature)
     EXPECT_EQ(MeasureLine(2), "measure 2: 1 beat too short");
 }
 
+TEST_F(StateLineTest, ATickTooManyIsTooLong)
+{
+    Tune tune;
+    AddMeasure(tune);
+    for (int i = 0; i < 15; ++i)
+        AddNote(tune, kSixteenth, 1, "0");
+    for (int i = 0; i < 2; ++i)
+        AddNote(tune, kTripletSixteenth, 1, "0");
+    OpenTune(tune);
+    EXPECT_EQ(MeasureLine(1), "measure 1: 1/12 beat too long");
+}
+
+TEST_F(StateLineTest, WhatTheSoundSaysIsPassedOn)
+{
+    TuneState state;
+    state.Sound = "There is no sound device.";
+    EXPECT_EQ(LineOf(state).Sound, "There is no sound device.");
+}
+
 TEST_F(StateLineTest, AStateWithoutAMeasureTellsNone)
 {
     for (int head : {-1, 0, 7, 1500, 32000}) {

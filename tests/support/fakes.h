@@ -106,12 +106,17 @@ public:
     std::vector<Form> Forms;  // shown so far
     int Ends = 0;
     bool WaitCursor = false;
+    bool HasWaited = false;  // has had that cursor
 
     std::string ProgramFolder() const override { return Folder; }
     bool HasFont(const std::string& name) const override { return !MissingFonts.contains(name); }
     void Show(Form form) override { Forms.push_back(form); }
     void End() override { ++Ends; }
-    void SetWaitCursor(bool on) override { WaitCursor = on; }
+    void SetWaitCursor(bool on) override
+    {
+        WaitCursor = on;
+        HasWaited = HasWaited || on;
+    }
 };
 
 class FakePrinter : public Printer {
