@@ -106,14 +106,29 @@ TEST_F(ExportTuneTest, OtherProgramsAreToldTheTuningAndTheTempoThatSoundNow)
     settings.Set("Guitar", "Tempo", "200");
     const std::string standard = Files("abc").at(0);
     EXPECT_NE(standard.find("Q:1/4=200\n"), std::string::npos) << standard;
-    const std::string plain = Files("musicxml").at(0);
-    settings.Set("Guitar", "Tuning", "1");
-    EXPECT_NE(Files("musicxml").at(0), plain);
-    settings.Set("Guitar", "Tuning", "2");
-    const std::string other = Files("musicxml").at(0);
+    const auto stringsInD = [&] {
+        const std::string score = Files("musicxml").at(0);
+        int count = 0;
+        for (std::size_t at = 0; (at = score.find("<tuning-step>D", at)) != std::string::npos; ++at)
+            ++count;
+        return count;
+    };
+    EXPECT_EQ(stringsInD(), 1);
+    settings.Set("Guitar", "Tuning", "1");  // Dropped D
+    EXPECT_EQ(stringsInD(), 2);
+    settings.Set("Guitar", "Tuning", "2");  // Open D
+    EXPECT_EQ(stringsInD(), 3);
     win.tune[0].Slot(4) = "0";
-    EXPECT_NE(Files("musicxml").at(0), other) << "the tune has a tuning of its own";
+    EXPECT_EQ(stringsInD(), 1) << "the tune has a tuning of its own";
     EXPECT_EQ(Files("abc").at(0), standard);
+}
+
+TEST_F(ExportTuneTest, TheCapoIsThatOfTheMidiFormWhileItIsOpen)
+{
+    EXPECT_EQ(Files("musicxml").at(0).find("<capo>"), std::string::npos);
+    win.mnuOpnMidi();
+    win.frmBldMidi.controls.Capo = 2;
+    EXPECT_NE(Files("musicxml").at(0).find("<capo>2</capo>"), std::string::npos);
 }
 
 TEST_F(ExportTuneTest, NothingChangesInTheWindow)

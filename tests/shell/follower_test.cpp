@@ -85,8 +85,8 @@ TEST_F(FollowerTest, TheBandIsOnTheMeasureThatSoundsFromItsFirstTickToItsLast)
         EXPECT_EQ(band.Page, 0);
         EXPECT_EQ(band.Left, line.Measures[0].Left);
         EXPECT_EQ(band.Right, line.Measures[0].Right);
-        EXPECT_LT(band.Top, line.StaffTop);
-        EXPECT_GT(band.Bottom, line.Bottom);
+        EXPECT_EQ(band.Top, line.StaffTop - 120);
+        EXPECT_EQ(band.Bottom, line.Bottom + 60);
     }
     EXPECT_EQ(follower.BandAt(kMeasureTicks)->Left, line.Measures[1].Left);
     EXPECT_EQ(follower.BandAt(begins[1])->Top, follower.BandAt(begins[1] + kMeasureTicks)->Top);
@@ -195,6 +195,16 @@ TEST_F(FollowerTest, ALineThatIsHigherThanTheWindowIsShownFromItsTop)
     EXPECT_GT(window.Top, 0);
     EXPECT_LT(window.Top, lines[2].Top);
     EXPECT_EQ(follower.WindowAt(1, window, 500), window);
+}
+
+TEST_F(FollowerTest, ALineThatFillsTheWindowIsInIt)
+{
+    const Follower follower = Playing({1});
+    const PageWindow window{0, lines[1].Top};
+    const double height = lines[1].Bottom - lines[1].Top;
+    EXPECT_EQ(follower.WindowAt(0, window, height), window);
+    EXPECT_NE(follower.WindowAt(0, window, height - 1), window);
+    EXPECT_NE(follower.WindowAt(0, {0, lines[1].Top + 1}, height), window);
 }
 
 TEST_F(FollowerTest, TwoLinesShareTheWindowIfTheyFitWithSomeRoomAroundThem)

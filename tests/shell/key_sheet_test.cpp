@@ -50,6 +50,7 @@ TEST(KeySheet, SaysWhatEachKeyDoesWithoutMarksForLetters)
 {
     for (const KeyGroup& group : KeySheet()) {
         EXPECT_FALSE(group.Lines.empty()) << group.Title;
+        EXPECT_EQ(group.Title.find('&'), std::string::npos) << group.Title;
         for (const KeyLine& line : group.Lines) {
             EXPECT_FALSE(line.Meaning.empty()) << line.Keys;
             EXPECT_EQ(line.Meaning.find('&'), std::string::npos) << line.Meaning;

@@ -231,7 +231,7 @@ TEST_F(PageSetupTest, EnterGoesFromTextToTextAndToTheExitButton)
     EXPECT_EQ(setup.Focus, PageSetup::Box::Text1);
 }
 
-TEST_F(PageSetupTest, TheExitButtonTakesTheTextsAndTheMainFormIsDisabledUntilThen)
+TEST_F(PageSetupTest, TheMainFormIsDisabledWhileItIsOpenAndSavedStays)
 {
     PageSetup& setup = OpenForm();
     EXPECT_FALSE(win.form.FormEnabled);

@@ -101,6 +101,11 @@ TEST_F(StateLineTest, APickupAndAnUnfinishedLastMeasureAreFine)
     OpenMeasures({1, 4, 2});
     EXPECT_EQ(MeasureLine(1), "");
     EXPECT_EQ(MeasureLine(3), "");
+    OpenMeasures({4, 4, 4});
+    for (int measure : {2, 3}) {
+        MeasureLine(measure);
+        EXPECT_EQ(StateOf(win, false).Measure, 0) << "nothing to tell of " << measure;
+    }
     OpenMeasures({6, 4, 6});
     EXPECT_EQ(MeasureLine(1), "measure 1: 2 beats too long");
     EXPECT_EQ(MeasureLine(3), "measure 3: 2 beats too long");
