@@ -59,7 +59,6 @@ void Editor::EnterRest(int restCode)
         }
         return;
     }
-    HideCaret();
     view.RedrawMeasure();
     if (tune.CurNote + 1 != tune.LastNote) {
         if (tune.CurNote < form.MeasEnd)

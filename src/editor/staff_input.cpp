@@ -267,7 +267,6 @@ void Editor::EnterFret(char character)
         tune.LastNote = tune.CurNote;
     }
     view.StaffBox.CurrentY = form.CursorY - 6;
-    view.StaffBox.CurrentX = form.CursorX;
     if (form.CursorX == note.XPos)
         note.Slot(s) = character;  // the first character over an old text wipes it
     else

@@ -432,11 +432,11 @@ TEST_F(Insertion, OkShowsTheNewMeasureWithTheCursorOnItsFirstNote)
 TEST_F(Insertion, OkWithNothingEnteredGoesToTheOldMeasureWhateverItsNumber)
 {
     ShowFullMeasures(2);
-    Goto("2");
     for (int i = 6; i <= 10; ++i)
         tune[i].Measure = 5;
+    editor.ShowMeasure(5);
     editor.mnuInsMeas();
-    EXPECT_EQ(tune.CurMeas, 2);
+    EXPECT_EQ(tune.CurMeas, 2) << "the number after the measure before";
     editor.cmdNext();
     EXPECT_EQ(tune.CurMeas, 5);
     EXPECT_EQ(form.MeasHead, 6);

@@ -26,6 +26,7 @@ TEST_F(StaffInput, TwoDigitsOnOneStringMakeOneTextAndMoveTheCursorBy12)
 
 TEST_F(StaffInput, AFretMakesTheRecordANoteBeforeEnter)
 {
+    form.Timer1Enabled = false;
     Type("5");
     EXPECT_EQ(RecordText(tune[2]),
               "1 7 48 0 4 4 0 0 \"\" \" \" \" \" \"\" \"\" \"\" \"\" \"\" \"\" \"5\"");
@@ -735,6 +736,15 @@ TEST_F(StaffInput, AClickOnTheSignatureOfAnEmptyMeasureEndsTheBracketToo)
     EXPECT_EQ(tune[1].Slot(2), "2.");
     EXPECT_EQ(form.InputMode, InputMode::Fret);
     EXPECT_EQ(form.Focus, Control::StaffBox);
+}
+
+TEST_F(StaffInput, AClickInAnEmptyMeasureTakesTheCursorToItsBeginning)
+{
+    editor.mnuChord();
+    Type("A");
+    ASSERT_EQ(form.CursorX, 58);
+    Click(100, 44);
+    EXPECT_EQ(form.CursorX, 48);
 }
 
 TEST_F(StaffInput, AClickInAnEmptyMeasureTakesTheCaretOff)
