@@ -420,6 +420,21 @@ TEST_F(PracticeTest, ClicksKeepUpWithTripletsWhoseTicksAreCut)
               (std::vector<Ticks>{0, 99, 198, 297}));
 }
 
+TEST_F(PracticeTest, AClickThatSoundsOnIntoTheNextMeasureIsNotInItsWay)
+{
+    AddFullMeasures(tune, 1);
+    AddMeasure(tune);
+    AddNote(tune, kDottedEighth, 1, "1");
+    AddNote(tune, kTripletEighth, 1, "3");  // ends 10 ticks after the second beat
+    AddMeasure(tune);
+    AddNote(tune, kQuarter, 1, "1");
+    EXPECT_EQ(Clicks(Make(2, 3,
+                          {
+                              .Click = true
+    })),
+              (Notes{{0, 15, 76, 110}, {120, 135, 77, 80}, {130, 145, 76, 110}}));
+}
+
 TEST_F(PracticeTest, AnOddTimeSignatureIsHeldToWhatCanBeCounted)
 {
     AddMeasure(tune, -3, 0);
