@@ -2,6 +2,8 @@
 
 #include "store/growing_file.h"
 
+#include "store/descriptor.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -24,7 +26,7 @@ GrowingFile::GrowingFile(std::string thePath) : path(std::move(thePath))
 {
     descriptor =
         open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (descriptor < 0)
+    if (!IsOpen(descriptor))
         Fail(errno);
     flock(descriptor, LOCK_EX | LOCK_NB);  // where the file system knows no locks, it does without
 }
@@ -77,12 +79,13 @@ FileLock::FileLock(const std::string& path)
 {
     struct stat there;
     isOfAnotherUser = lstat(path.c_str(), &there) == 0 && there.st_uid != geteuid();
-    isTaken = descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    isTaken =
+        IsOpen(descriptor) && flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }
 
 FileLock::~FileLock()
 {
-    if (descriptor >= 0)
+    if (IsOpen(descriptor))
         close(descriptor);
 }
 

@@ -3,6 +3,8 @@
 
 #include "store/staged_file.h"
 
+#include "store/descriptor.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <random>
@@ -72,7 +74,7 @@ void TakeAfter(const fs::path& place, int descriptor)
     if (lstat(place.c_str(), &there) != 0)
         return;
     const bool sameGroup = fchown(descriptor, kSame, there.st_gid) == 0;
-    [[maybe_unused]] const bool sameOwner = fchown(descriptor, there.st_uid, kSame) == 0;
+    [[maybe_unused]] const int ownerFailed = fchown(descriptor, there.st_uid, kSame);
     fchmod(descriptor, there.st_mode & (sameGroup ? 0777 : 0707));
 }
 
@@ -91,8 +93,8 @@ TemporaryFile::TemporaryFile(const fs::path& folder, unsigned mode)
     do {
         path = (folder / (".quillon-" + std::to_string(random()))).string();
         descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    } while (descriptor < 0 && errno == EEXIST);
-    if (descriptor < 0)
+    } while (!IsOpen(descriptor) && errno == EEXIST);
+    if (!IsOpen(descriptor))
         Fail(errno);
 }
 
@@ -107,10 +109,11 @@ void TemporaryFile::Write(std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR)
-            Fail(errno);
-        if (written > 0)
-            bytes.remove_prefix(static_cast<std::size_t>(written));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            Fail(written < 0 ? errno : ENOSPC);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
 }
 
@@ -165,7 +168,7 @@ void SyncFile(const fs::path& path)
     if (!fs::is_regular_file(path, ignored))
         return;
     const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
+    if (!IsOpen(descriptor))
         return;  // it may be written, but not read
     const bool failed = fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP;
     const int reason = errno;
@@ -178,7 +181,7 @@ void SyncFolder(const fs::path& folder)
 {
     const int descriptor =
         open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
+    if (!IsOpen(descriptor))
         return;
     fsync(descriptor);
     close(descriptor);
@@ -198,7 +201,7 @@ bool IsLocked(const fs::path& path)
     if (!fs::is_regular_file(path, ignored))
         return false;
     const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
+    if (!IsOpen(descriptor))
         return false;
     const bool locked = flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     close(descriptor);

@@ -47,6 +47,7 @@ public:
     }
 
     std::size_t MostBytes = std::numeric_limits<std::size_t>::max();  // that one call takes
+    std::vector<std::size_t> Asked;                                   // bytes of each call to read
 
 protected:
     using Names = std::vector<std::string>;
@@ -121,6 +122,7 @@ ssize_t pread(int descriptor, void* bytes, std::size_t size, off_t from)
 {
     if (!quillon::diskInCharge)
         return syscall(SYS_pread64, descriptor, bytes, size, from);
+    quillon::diskInCharge->Asked.push_back(size);
     if (!quillon::diskInCharge->Passes("pread", descriptor))
         return -1;
     return syscall(SYS_pread64, descriptor, bytes, std::min(size, quillon::diskInCharge->MostBytes),
@@ -140,6 +142,7 @@ TEST_F(DiskTest, AGrowingFileTakesAllBytesHoweverFewPassAtATime)
     file.Append("abcd");
     EXPECT_EQ(file.Size(), 14U);
     EXPECT_EQ(file.Read(1, 13), "123456789abc");
+    EXPECT_EQ(Asked, (std::vector<std::size_t>{12, 9, 6, 3}));
     EXPECT_EQ(ReadFileBytes("f"), "0123456789abcd");
 }
 
@@ -176,6 +179,9 @@ TEST_F(DiskTest, ADiskThatTakesNothingIsFull)
     MostBytes = 0;
     errno = EINTR;  // of another call, before
     EXPECT_EQ(ReasonOf([&] { file.Append("x"); }), ENOSPC);
+    errno = EINTR;
+    EXPECT_EQ(ReasonOf([] { ReplaceFile("g", "x"); }), ENOSPC);
+    EXPECT_FALSE(std::filesystem::exists("g"));
 }
 
 TEST_F(DiskTest, WhatCannotBeReadBackHasTheSystemsReasonOrIsAnInputError)
