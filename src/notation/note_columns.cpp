@@ -89,12 +89,6 @@ void NoteColumns::DrawColumn(int n)
         TripletCount = 0;
 }
 
-void NoteColumns::UseBodyFont()
-{
-    Surface().Font.Name = line.page.BodyFontName;
-    Surface().Font.Size = line.page.BodyFontSize;
-}
-
 void NoteColumns::DrawCell(int n, int s)
 {
     Surface().CurrentX = columns[n].XPos;
@@ -193,7 +187,7 @@ void NoteColumns::PrintBend(int n, int s, char mark, std::size_t place)
     Surface().Font.Size = line.page.BodyFontSize - 2;
     Surface().CurrentY = mark == kReleaseMark ? FretY(s) : FretY(s) - kBendRise;
     line.PrintSymbol({&mark, 1});
-    UseBodyFont();
+    UseBodySize();
 }
 
 /// To the next note, over a bar if one is between them, or open to the line's end.
@@ -234,7 +228,7 @@ void NoteColumns::PrintRest(const NoteRecord& column)
     Surface().Font.Size = line.page.BodyFontSize + 2;
     if (code <= kQuarterRest)
         line.PrintSymbol(RestGlyph(code));
-    UseBodyFont();
+    UseBodySize();
 }
 
 void NoteColumns::FindStemEnd()

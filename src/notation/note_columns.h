@@ -48,7 +48,7 @@ private:
     void PrintLeftHand(const NoteRecord& column);
     double FretY(int s) const { return line.StringY(s) + 50 - values.StringGap; }
     DrawSurface& Surface() { return *line.surface; }
-    void UseBodyFont();
+    void UseBodySize() { Surface().Font.Size = line.page.BodyFontSize; }
 
     PageLine& line;
     const LayoutValues& values;

@@ -125,6 +125,14 @@ TEST_F(LookTest, APlainLineEndsHalfAPenFurther)
     EXPECT_EQ(line.Pen, 2 * kDot);
 }
 
+TEST_F(LookTest, AShortPlainLineEndsAsFarFurtherAsALongOne)
+{
+    surface.Line(1000, 500, 1000, 500.5);
+    const Operation line = Of(Role::Other, Look::Plain).at(0).Drawn;
+    EXPECT_EQ(line.Y1, 500 - kDot / 2);
+    EXPECT_EQ(line.Y2, 500.5 + kDot / 2);
+}
+
 TEST_F(LookTest, APlainLineWithoutLengthStaysWhereItIs)
 {
     surface.Line(1000, 500, 1000, 500);
