@@ -727,6 +727,16 @@ TEST_F(LookTest, ABeamIsAtTheStemsEndIfItIsDrawnLessThanSevenTenthsOfAGapFromIt)
     EXPECT_EQ(Of(Role::SecondBeam).at(0).Drawn.Y1, 1500 - 1.5 * 41.25 - 24.75);
 }
 
+TEST_F(LookTest, ABeamJustSevenTenthsOfAGapFromTheStemsEndStaysWhereItIs)
+{
+    SpreadStringsBy100();
+    surface.Line(2040, 1230, 2040, 1500, Role::Stem);
+    for (const double y : {1430, 1431})
+        surface.Line(1040, y, 3040, y, Role::Beam);
+    EXPECT_EQ(Of(Role::Beam).at(0).Drawn.Y1, 1430);
+    EXPECT_EQ(Of(Role::Beam).at(1).Drawn.Y1, 1487.5);
+}
+
 TEST_F(LookTest, ABeamEndsOnAStemThatIsLessThanAFifthOfAGapAway)
 {
     for (const double x : {2000, 2050, 3000})

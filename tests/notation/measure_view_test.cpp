@@ -394,6 +394,20 @@ TEST_F(MeasureViewTest, AShortTripletBracketWithoutANextNoteButOneHasItsFixedLen
     EXPECT_TRUE(Has("line 78 110 78 114 w=1"));
 }
 
+TEST_F(MeasureViewTest, AShortTripletBracketDoesNotEndAtANoteOfTheNextMeasureRightUnderIt)
+{
+    AddMeasure(tune);
+    AddNote(tune, kTripletEighth, 1, "1");
+    AddMeasure(tune);
+    NoteRecord& next = AddNote(tune, kTripletEighth, 1, "1");
+    next.XPos = 48;
+    Show();
+    EXPECT_TRUE(Has("line 66 114 78 114 w=1"));
+    next.XPos = 49;
+    Show();
+    EXPECT_TRUE(Has("line 66 114 55 114 w=1"));
+}
+
 TEST_F(MeasureViewTest, AQuarterTripletHasTheLongBracketAndItsRestTheShort)
 {
     AddMeasure(tune);

@@ -280,6 +280,28 @@ TEST_F(NoteColumnsTest, BeamsAndStubsByTheirCode)
                             "line 2510 1757.5 2640 1757.5 w=1\n");
 }
 
+TEST_F(NoteColumnsTest, LongNotesDoNotCountForTheBeatsOfBeams)
+{
+    tune[1].Beats = 9;
+    tune[1].BeatUnit = 8;
+    for (const int code : {kHalf, kDottedHalf, kWhole}) {
+        tune.LastNote = 1;
+        for (int i = 2; i <= 8; ++i)
+            tune[i].Clear();
+        Note(code);
+        for (int i = 0; i < 4; ++i)
+            Note(kEighth).BeamCode = i == 0 ? kNoBeam : kMainBeam;
+        Note(kQuarter);
+        const int first = code == kHalf ? 1720 : code == kDottedHalf ? 2170 : 2770;
+        const LogLines beams = Only(Columns(), "line", " 1837.5 w=2");
+        ASSERT_EQ(beams.size(), 3U);
+        const std::string start = "line " + std::to_string(first + 39) + " ";
+        EXPECT_TRUE(beams[0].starts_with(start)) << beams[0];
+        EXPECT_TRUE(beams[1].starts_with(start)) << beams[1];
+        EXPECT_FALSE(beams[2].starts_with(start)) << "18 ticks after the first";
+    }
+}
+
 TEST_F(NoteColumnsTest, FlagsStandAtTheStem)
 {
     AddNote(tune, kEighth, 1, "3").BeamCode = kEighthFlag;

@@ -234,6 +234,14 @@ TEST_F(PageLayoutTest, ALineOfOneColumnIsALineToo)
     EXPECT_EQ(tooWide, std::nullopt);
 }
 
+TEST_F(PageLayoutTest, ANoteThatIsItsMeasuresOnlyRecordMayBeTooWideToo)
+{
+    AddNote(tune, kQuarter, 1, std::string(120, '5')).Measure = 1;
+    AddQuarters(4);
+    EXPECT_TRUE(Screen().empty());
+    EXPECT_EQ(tooWide, 1);
+}
+
 TEST_F(PageLayoutTest, AMeasureWithoutAHeadThatBeginsInTheTablesLastColumnGoesToTheNextLine)
 {
     AddMeasure(tune);
@@ -424,15 +432,13 @@ TEST_F(PageLayoutTest, WhatAFileHoldsAsTheSumOfWidthsMeansNothing)
 
 TEST_F(PageLayoutTest, ASignatureThatChangesAtTheLastColumnGetsNoRoom)
 {
-    AddQuarters(4);
-    AddQuarters(4).Slot(6) = "NL";
-    const LogLines before = Only(Screen(), "text", "\"3\"");
-    tune[5].Beats = 3;
+    AddQuarters(23);               // 72 units
+    AddNote(tune, kHalf, 1, "5");  // and 5
+    tune[25].Beats = 3;
     const LogLines log = Screen();
-    EXPECT_EQ(Only(log, "text", "\" 3 \"").size(), 1U);
-    EXPECT_EQ(Only(log, "text", " 650 size=10 font=\"Arial\" bold=0 \"3\""),
-              Only(before, "text", " 650 size=10 font=\"Arial\" bold=0 \"3\""));
-    EXPECT_TRUE(Has(log, "line 400 765 11440 765 w=1"));
+    EXPECT_EQ(Only(log, "text 10816 ", "\" 3 \"").size(), 1U);  // of 143
+    tune[24].Beats = 3;
+    EXPECT_EQ(Only(Screen(), "text 10249 ", "\" 3 \"").size(), 1U);  // of 141, 1 unit more
 }
 
 TEST_F(PageLayoutTest, EitherNumberOfASignatureMayChangeAlone)

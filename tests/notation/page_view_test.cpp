@@ -186,6 +186,19 @@ TEST_F(PageViewTest, WithoutAMarqueeTheClipboardGetsAnEmptyPicture)
     EXPECT_EQ(clipboard.Pictures[0].Height, 0);
 }
 
+TEST_F(PageViewTest, BlankingClearsAndHidesTheFirstSixPagesAndShowsTheFirst)
+{
+    for (int i = 0; i < 9; ++i) {
+        pages.Page(i).Visible = i > 0;
+        pages.Page(i).Surface.Line(1, 2, 3, 4);
+    }
+    pages.BlankPages();
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(pages.Page(i).Visible, i == 0 || i > 5) << i;
+        EXPECT_EQ(Log(i).empty(), i <= 5) << i;
+    }
+}
+
 TEST_F(PageViewTest, ThereAreNinePages)
 {
     EXPECT_NO_THROW(pages.Page(8));
