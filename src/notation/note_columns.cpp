@@ -107,7 +107,6 @@ void NoteColumns::DrawCell(int n, int s)
 /// asked for is in force, it is drawn lower.
 void NoteColumns::DrawSlash(int s)
 {
-    Surface().Font.Name = kTabFont;
     const bool small = Surface().Font.Size == line.page.BodyFontSize - 2;
     Surface().CurrentY = FretY(s) - (small ? kSmallSlashRise : kSlashRise);
     line.PrintSymbol(kRhythmSlash);

@@ -133,8 +133,6 @@ void PageFormatter::BuildLine(int firstRecord)
 /// A hard break belongs to the head that starts the next line.
 void PageFormatter::CopyRecords(int firstRecord)
 {
-    for (int n = 1; n <= kLastColumn; ++n)
-        line.columns[n].Clear();
     line.k = 0;
     bool hardBreak = false;
     for (int i = firstRecord; i <= tune.LastNote && line.k < kLastColumn && !hardBreak;) {
@@ -145,6 +143,8 @@ void PageFormatter::CopyRecords(int firstRecord)
         SetWidth(column);
         hardBreak = i <= tune.LastNote && tune[i].Slot(6) == kLineBreak;
     }
+    for (int n = line.k + 1; n <= kLastColumn; ++n)
+        line.columns[n].Clear();
 }
 
 void PageFormatter::SetWidth(NoteRecord& column)

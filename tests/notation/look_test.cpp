@@ -853,6 +853,7 @@ TEST_F(LookTest, TheInkOfEachShape)
     surface.Box(1500, 2500, 1000, 2000);
     surface.Arc(1000, 2000, 400, 0, std::numbers::pi, 0.25);
     surface.Arc(1000, 2000, 400, std::numbers::pi / 2, 1.5 * std::numbers::pi, 0.25);
+    surface.Arc(1000, 2000, 160, std::numbers::pi * 7 / 16, std::numbers::pi * 23 / 16, 1);
     const auto strokes = All(Look::Plain);
     const auto covered = [&](std::size_t i) { return Covered({strokes.at(i)}); };
     EXPECT_EQ(covered(0), (std::array{1020.0, 2020.0, 1280.0, 2220.0}));
@@ -860,7 +861,8 @@ TEST_F(LookTest, TheInkOfEachShape)
     EXPECT_EQ(covered(2), (std::array{985.0, 1985.0, 1515.0, 2515.0}));
     EXPECT_EQ(covered(3), (std::array{585.0, 1885.0, 1415.0, 2015.0}));
     EXPECT_EQ(covered(4), (std::array{585.0, 1885.0, 1015.0, 2115.0}));
-    EXPECT_EQ(Covered(strokes), (std::array{585.0, 1885.0, 1515.0, 2515.0}));
+    EXPECT_EQ(covered(5)[1], 1825) << "its top is a sixteenth of the way";
+    EXPECT_EQ(Covered(strokes), (std::array{585.0, 1825.0, 1515.0, 2515.0}));
 }
 
 TEST_F(LookTest, WhatCannotBeSeenOrIsDrawnAwayAgainHasNoInk)

@@ -225,21 +225,23 @@ TEST_F(PageLayoutTest, ABeginBarOnANoteWidensItWhereverItIs)
 
 TEST_F(PageLayoutTest, ALineOfOneColumnIsALineToo)
 {
-    AddNote(tune, kTripletSixteenth, 1, "3^").Measure = 1;
+    AddNote(tune, kTripletSixteenth, 1, "3^").Measure = 7;
     AddQuarters(4).Slot(6) = "NL";
     const LogLines log = Screen();
     EXPECT_TRUE(Has(log, "line 11440 765 11440 1590 w=2"));
     EXPECT_TRUE(Has(log, "text 520 650 size=10 font=\"Arial\" bold=0 \"3\""));
     EXPECT_TRUE(Has(log, "line 400 2667.5 11440 2667.5 w=1"));
     EXPECT_EQ(tooWide, std::nullopt);
+    tune[2].Slot(6).clear();  // now it is a measure in the line of the next
+    EXPECT_TRUE(Has(Screen(), "line 970 765 970 1590 w=2"));
 }
 
 TEST_F(PageLayoutTest, ANoteThatIsItsMeasuresOnlyRecordMayBeTooWideToo)
 {
-    AddNote(tune, kQuarter, 1, std::string(120, '5')).Measure = 1;
+    AddNote(tune, kQuarter, 1, std::string(120, '5')).Measure = 7;
     AddQuarters(4);
     EXPECT_TRUE(Screen().empty());
-    EXPECT_EQ(tooWide, 1);
+    EXPECT_EQ(tooWide, 7);
 }
 
 TEST_F(PageLayoutTest, AMeasureWithoutAHeadThatBeginsInTheTablesLastColumnGoesToTheNextLine)
@@ -437,6 +439,9 @@ TEST_F(PageLayoutTest, ASignatureThatChangesAtTheLastColumnGetsNoRoom)
     tune[25].Beats = 3;
     const LogLines log = Screen();
     EXPECT_EQ(Only(log, "text 10816 ", "\" 3 \"").size(), 1U);  // of 143
+    AddMeasure(tune, 3, 4).Slot(6) = "NL";
+    AddNote(tune, kQuarter, 1, "3");
+    EXPECT_EQ(Only(Screen(), "text", "\" 3 \"").size(), 1U) << "the next line knows it";
     tune[24].Beats = 3;
     EXPECT_EQ(Only(Screen(), "text 10249 ", "\" 3 \"").size(), 1U);  // of 141, 1 unit more
 }

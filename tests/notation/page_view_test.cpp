@@ -93,7 +93,7 @@ TEST_F(PageViewTest, AMouseDownOnAPageMakesItTheShownPage)
 {
     pages.picPage1MouseDown(3, 10, 20);
     EXPECT_EQ(pages.ShownPage, 3);
-    EXPECT_TRUE(pages.MarqueeOn);
+    EXPECT_EQ(pages.MarqueeOn, -1);
 }
 
 TEST_F(PageViewTest, TheMarqueeFollowsTheMouseAndStaysOnThePage)

@@ -46,6 +46,29 @@ TEST_F(PrintPassTest, TheStringGapFollowsTheBodyFont)
     }
 }
 
+TEST_F(PrintPassTest, TheWidthOfACharacterFollowsTheBodyFont)
+{
+    AddQuarters(4, "12>");
+    for (const auto& [size, x] : {
+             std::pair{8,  160},
+             {10, 200},
+             {12, 240}
+    }) {
+        page.BodyFontSize = static_cast<float>(size);
+        const std::string place = "text " + std::to_string(1650 + x) + " ";
+        EXPECT_EQ(Only(Paper(), place, "\">\"").size(), 1U) << size;
+    }
+}
+
+TEST_F(PrintPassTest, AChordOverAHeadUsesTheRoomOfItsMeasure)
+{
+    AddQuarters(6);
+    tune[1].ChordText = "Intro";
+    EXPECT_TRUE(Only(Paper(), "text", "\"3\"").at(0).starts_with("text 1650 "));
+    tune[2].ChordText = "C";
+    EXPECT_TRUE(Only(Paper(), "text", "\"3\"").at(0).starts_with("text 2400 "));
+}
+
 TEST_F(PrintPassTest, ThreeCopiesMakeThreeJobsAndTheDialogsCopiesAreOneAfterwards)
 {
     AddQuarters(4);
