@@ -224,6 +224,22 @@ TEST_F(CopyPaste, InEditStateOnTheLastMeasurePastesAtTheEnd)
     EXPECT_FALSE(std::filesystem::exists("Temp.Dat"));
 }
 
+TEST_F(CopyPaste, OnlyInEditStateAndOnTheLastMeasureDoesItPasteAtTheEnd)
+{
+    ShowFullMeasures(2);
+    Copy("1", "1");
+    form.EntryState = EntryState::Edit;
+    editor.mnuPaste();
+    EXPECT_EQ(Frets(), "1 1 2");
+    EXPECT_EQ(form.EntryState, EntryState::Edit);
+    Goto("3");
+    form.EntryState = EntryState::Review;
+    editor.mnuPaste();
+    EXPECT_EQ(Frets(), "1 1 2 1");
+    EXPECT_EQ(form.EntryState, EntryState::Review)
+        << "after the measure, which happens to be the last";
+}
+
 TEST_F(CopyPaste, TimeSignaturesTravelInTheRecords)
 {
     EmptyTable();
