@@ -124,10 +124,8 @@ void PageFormatter::BuildLine(int firstRecord)
         return;
     SetPlainBars();
     NoteRecord& last = line.columns[line.k];
-    if (const int missing = kNarrowestEnd - last.Spacing; missing > 0) {
+    if (const int missing = kNarrowestEnd - last.Spacing; missing > 0)
         line.Attempt([&] { last.Reserved += missing; });
-        last.Spacing = kNarrowestEnd;
-    }
 }
 
 /// A hard break belongs to the head that starts the next line.

@@ -353,5 +353,17 @@ TEST_F(BeamPassOver, TheFourthEighthInARowGivesTheRecordBeforeItTheMainBeam)
                kMainBeam}));
 }
 
+TEST_F(BeamPassOver, TheCountOfEighthsStartsAnewAfterTheFourth)
+{
+    const int eighth = kEighth, rest = kEighthRest;
+    EXPECT_EQ(Common({kSixteenth, eighth, eighth, eighth, rest, eighth, rest, rest})[6], kNoBeam);
+    const Codes shapes = Beams(8, 4,
+                               {kSixteenth, eighth, eighth, eighth, rest, eighth, eighth, eighth,
+                                rest, eighth, rest, eighth});
+    EXPECT_EQ(shapes[4], kMainBeam);
+    EXPECT_EQ(shapes[8], kNoBeam) << "before the third";
+    EXPECT_EQ(shapes[10], kMainBeam) << "before the fourth";
+}
+
 }  // namespace
 }  // namespace quillon
