@@ -156,6 +156,17 @@ TEST_F(CheckTest, ADoubleQuoteInATextIsFoundWhereverItStands)
     }
 }
 
+TEST_F(CheckTest, TwoTextsWhereOneIsDueAreFoundOnEachLineOfARecord)
+{
+    AddFullMeasures(tune, 3);
+    for (int slot = 1; slot <= kStringSlots; ++slot) {
+        tune[7].Slot(slot) = "a\",\"b";
+        EXPECT_EQ(FileTexts(), Lines{"measure 2: a text contains a double quote"}) << slot;
+        tune[7].Slot(slot).clear();
+    }
+    EXPECT_EQ(FileTexts(), Lines());
+}
+
 TEST_F(CheckTest, ADoubleQuoteForAHandIsFound)
 {
     AddFullMeasures(tune, 1);

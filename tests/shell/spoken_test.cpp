@@ -90,6 +90,15 @@ TEST_F(Spoken, TheTablesLastRecordIsAColumnAndTheNextOneTellsThatTheTableIsFull)
     EXPECT_EQ(Cursor(), "Measure 1, the table is full");
 }
 
+TEST_F(Spoken, OnAHeadThereIsNoColumn)
+{
+    Type("5\r");
+    for (int note : {0, 1}) {
+        win.tune.CurNote = note;
+        EXPECT_EQ(Cursor(), "Measure 1");
+    }
+}
+
 TEST_F(Spoken, AnyStateGivesAText)
 {
     for (int note : {-5, 0, 1, 1500, 1501, 32767})
