@@ -32,7 +32,7 @@ void Editor::cmdCopyMeasure()
 {
     const double from = Val(form.FrmCopyBox.Text1);
     const double to = Val(form.FrmCopyBox.Text2);
-    if (from <= to && from > 0 && to < tune.LastMeas + 1) {
+    if (from <= to && from > 0 && from < tune.LastMeas + 1 && to < tune.LastMeas + 1) {
         int i = 1;
         while (tune[i].Measure < from)
             ++i;

@@ -66,6 +66,7 @@ void Editor::mnuDelNote()
         Current().Clear();
         --tune.LastNote;
         --tune.CurNote;
+        form.CursorX = Current().XPos;
     }
     --form.MeasEnd;
     view.RedrawMeasure();

@@ -59,6 +59,7 @@ void Editor::EnterRest(int restCode)
         }
         return;
     }
+    HideCaret();
     view.RedrawMeasure();
     if (tune.CurNote + 1 != tune.LastNote) {
         if (tune.CurNote < form.MeasEnd)

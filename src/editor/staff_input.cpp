@@ -164,6 +164,7 @@ void Editor::Left()
         return;
     if (form.EntryState == EntryState::Append)
         form.EntryState = EntryState::Edit;
+    HideCaret();
     --tune.CurNote;
     form.CursorX = Current().XPos;
     ShowValueOf(Current().NoteCode, kDottedQuarter);
@@ -176,6 +177,7 @@ void Editor::Right()
         return;
     if (form.EntryState == EntryState::Review && tune.CurNote + 1 > form.MeasEnd)
         return;
+    HideCaret();
     if (form.EntryState == EntryState::Edit && tune.CurNote == tune.LastNote) {
         if (form.MeasFill < form.MeasCapacity) {
             form.CursorX = EndOf(tune.CurNote);
@@ -266,7 +268,9 @@ void Editor::EnterFret(char character)
         form.MeasEnd = tune.CurNote;
         tune.LastNote = tune.CurNote;
     }
+    form.Timer1Enabled = false;
     view.StaffBox.CurrentY = form.CursorY - 6;
+    view.StaffBox.CurrentX = form.CursorX;
     if (form.CursorX == note.XPos)
         note.Slot(s) = character;  // the first character over an old text wipes it
     else
@@ -298,6 +302,7 @@ void Editor::CommitNote()
     form.MeasEnd = tune.CurNote;
     tune.LastMeas = tune.CurMeas;
     view.RedrawMeasure();
+    tune.CurNote = form.MeasEnd;
     tune.LastNote = form.MeasEnd;
     if (form.MeasFill >= form.MeasCapacity) {
         // Full: the next Enter or Space presses cmdNext. The cursor stays on the last note.
@@ -419,6 +424,7 @@ void Editor::mnuRHEdit()
 
 void Editor::Paint()
 {
+    HideCaret();
     view.ClearStaff();
     form.CursorX = kFirstNoteX;
     form.CursorY = StringY(tune.NumStrings);
@@ -460,6 +466,7 @@ void Editor::StaffBoxMouseDown(double x, double y)
         return;
     if (form.InputMode != InputMode::Insert)
         form.InputMode = InputMode::Fret;
+    HideCaret();
     if (form.MeasEnd < form.MeasHead) {
         form.CursorX = kFirstNoteX;
     } else {

@@ -242,6 +242,7 @@ public:
 
     std::vector<Stroke> Strokes()
     {
+        strokes.reserve(2 * operations.size());
         for (std::size_t i = 0; i < operations.size(); ++i)
             Paint(i);
         return std::move(strokes);
@@ -530,6 +531,7 @@ std::vector<Stroke> StrokesOf(const Drawing& drawing, const LookValues& values,
         return EngravedLook(drawing, values, metrics).Strokes();
     PlainLook plain(drawing, values);
     std::vector<Stroke> strokes;
+    strokes.reserve(drawing.Operations().size());
     for (const Operation& op : drawing.Operations())
         plain.Paint(op, strokes);
     return strokes;

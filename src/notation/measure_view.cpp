@@ -290,6 +290,7 @@ void MeasureView::DrawBend(char mark, int place, double y)
                          mark == kBendMark ? y - kLineGap : y, {&mark, 1});
     UseBodyFont();
     StaffBox.Font.Size = kTextSize;
+    StaffBox.Font.Bold = true;
 }
 
 void MeasureView::DrawCellText(const std::string& text, double y)
@@ -320,6 +321,7 @@ void MeasureView::DrawStemless()
     const int code = note.NoteCode;
     const ViewSizes& sizes = SizesOf(tune.NumStrings).View;
     UseFont(kTabFont);
+    StaffBox.Font.Size = kTextSize;
     StaffBox.CurrentY = sizes.RestY;
     StaffBox.CurrentX = note.XPos;
     if (code == kWholeRest)

@@ -89,6 +89,12 @@ void NoteColumns::DrawColumn(int n)
         TripletCount = 0;
 }
 
+void NoteColumns::UseBodyFont()
+{
+    Surface().Font.Name = line.page.BodyFontName;
+    Surface().Font.Size = line.page.BodyFontSize;
+}
+
 void NoteColumns::DrawCell(int n, int s)
 {
     Surface().CurrentX = columns[n].XPos;
@@ -107,6 +113,7 @@ void NoteColumns::DrawCell(int n, int s)
 /// asked for is in force, it is drawn lower.
 void NoteColumns::DrawSlash(int s)
 {
+    Surface().Font.Name = kTabFont;
     const bool small = Surface().Font.Size == line.page.BodyFontSize - 2;
     Surface().CurrentY = FretY(s) - (small ? kSmallSlashRise : kSlashRise);
     line.PrintSymbol(kRhythmSlash);
@@ -186,7 +193,7 @@ void NoteColumns::PrintBend(int n, int s, char mark, std::size_t place)
     Surface().Font.Size = line.page.BodyFontSize - 2;
     Surface().CurrentY = mark == kReleaseMark ? FretY(s) : FretY(s) - kBendRise;
     line.PrintSymbol({&mark, 1});
-    UseBodySize();
+    UseBodyFont();
 }
 
 /// To the next note, over a bar if one is between them, or open to the line's end.
@@ -227,15 +234,19 @@ void NoteColumns::PrintRest(const NoteRecord& column)
     Surface().Font.Size = line.page.BodyFontSize + 2;
     if (code <= kQuarterRest)
         line.PrintSymbol(RestGlyph(code));
-    UseBodySize();
+    UseBodyFont();
 }
 
 void NoteColumns::FindStemEnd()
 {
     StemEnd = line.StringY(line.tune.NumStrings + 1) +
               (line.RightHandInLine ? 2 * values.StringGap : values.StringGap / 2.0);
-    // Brackets and letters under the stem stay within this gap.
-    line.LineBottom = std::max(line.LineBottom, StemEnd + values.StringGap);
+    LineReaches(StemEnd + values.StringGap);
+}
+
+void NoteColumns::LineReaches(double y)
+{
+    line.LineBottom = std::max(line.LineBottom, y);
 }
 
 void NoteColumns::DrawStem(const NoteRecord& column)
@@ -349,6 +360,7 @@ void NoteColumns::DrawTriplet(int n)
     Surface().Line(middle + kBracketGap, bottom, end, bottom, Role::Bracket);
     Surface().Line(end, top, end, bottom, Role::Bracket);
     Surface().PrintLineAt(middle, StemEnd - kThreeRise, "3", Role::Number);
+    LineReaches(StemEnd - kThreeRise);
 }
 
 /// Under the stem, or under the bracket of a triplet.
@@ -357,6 +369,7 @@ void NoteColumns::PrintLeftHand(const NoteRecord& column)
     if (!IsHandMark(column.LeftHand))
         return;
     const double y = StemEnd + (TripletCount > 0 ? kLeftHandUnderBracket : kLeftHandDrop);
+    LineReaches(y);
     Surface().PrintLineAt(column.XPos + 1, y, {&column.LeftHand, 1}, Role::Fingering);
 }
 

@@ -46,9 +46,10 @@ private:
     void PrintRightHand(const NoteRecord& column);
     void DrawTriplet(int n);
     void PrintLeftHand(const NoteRecord& column);
+    void LineReaches(double y);
     double FretY(int s) const { return line.StringY(s) + 50 - values.StringGap; }
     DrawSurface& Surface() { return *line.surface; }
-    void UseBodySize() { Surface().Font.Size = line.page.BodyFontSize; }
+    void UseBodyFont();
 
     PageLine& line;
     const LayoutValues& values;

@@ -75,6 +75,7 @@ void PageFormatter::DrawHeading()
     UseBodyFont();
     PrintCredits();
     line.PenY = surface.CurrentY + line.values.HeadingGap;
+    surface.CurrentY = line.PenY;
 }
 
 /// A centred title is centred on the paper, not between the margins, and then moved left by a
@@ -124,13 +125,17 @@ void PageFormatter::BuildLine(int firstRecord)
         return;
     SetPlainBars();
     NoteRecord& last = line.columns[line.k];
-    if (const int missing = kNarrowestEnd - last.Spacing; missing > 0)
+    if (const int missing = kNarrowestEnd - last.Spacing; missing > 0) {
         line.Attempt([&] { last.Reserved += missing; });
+        last.Spacing = kNarrowestEnd;
+    }
 }
 
 /// A hard break belongs to the head that starts the next line.
 void PageFormatter::CopyRecords(int firstRecord)
 {
+    for (int n = 1; n <= kLastColumn; ++n)
+        line.columns[n].Clear();
     line.k = 0;
     bool hardBreak = false;
     for (int i = firstRecord; i <= tune.LastNote && line.k < kLastColumn && !hardBreak;) {
@@ -141,8 +146,6 @@ void PageFormatter::CopyRecords(int firstRecord)
         SetWidth(column);
         hardBreak = i <= tune.LastNote && tune[i].Slot(6) == kLineBreak;
     }
-    for (int n = line.k + 1; n <= kLastColumn; ++n)
-        line.columns[n].Clear();
 }
 
 void PageFormatter::SetWidth(NoteRecord& column)
@@ -302,11 +305,12 @@ void PageFormatter::DrawLine(int firstRecord)
         return;
     const std::vector<Operation>& drawn = line.surface->Picture().Operations();
     OnLine({
-        .Top = top,
-        .StaffTop = staffTop,
-        .Bottom = line.LineBottom,
-        .Measures = PlaceMeasures(firstRecord, staffEnd),
-        .Drawn = {drawn.begin() + drawnBefore, drawn.end()},
+        0,
+        top,
+        staffTop,
+        line.LineBottom,
+        PlaceMeasures(firstRecord, staffEnd),
+        {drawn.begin() + drawnBefore, drawn.end()}
     });
 }
 
@@ -347,6 +351,7 @@ std::optional<int> LayOutPages(const Tune& tune, const PageSettings& page, PageV
     const auto begin = [&](int index) -> DrawSurface& {
         DrawSurface& surface = pages.Page(index).Surface;
         surface.Font = {page.BodyFontName, page.BodyFontSize, false};
+        surface.DrawWidth = 1;
         surface.DrawStyle = PenStyle::Solid;
         surface.DrawMode = PenMode::Plain;
         return surface;

@@ -73,6 +73,7 @@ void PageView::picPage1MouseDown(int index, double x, double y)
     DrawSurface& surface = Page(index).Surface;
     surface.DrawMode = PenMode::Invert;
     surface.DrawStyle = PenStyle::Dotted;
+    surface.FillSolid = false;
     if (MarqueeOn)
         DrawMarquee(index);
     MarqueeOn = -1;

@@ -68,8 +68,12 @@ PrintedTune RunPrintPass(const Tune& tune, PageSettings& page, const TextMetrics
 {
     PrintedTune printed;
     DrawSurface paper(metrics, kTwips, width, height);
+    paper.FillSolid = true;
     PageFormatter formatter(tune, page, PrinterValues(page, width), paper, [&]() -> DrawSurface& {
         printed.Pages.push_back(paper.TakePicture());
+        paper.CurrentX = 0;
+        paper.CurrentY = 0;
+        paper.PrintLine(" ");
         return paper;
     });
     printed.TooWideMeasure = formatter.Run();

@@ -27,17 +27,16 @@ std::string LeadingNumber(std::string_view text, bool withSign)
     for (char c : text)
         if (!IsBlank(c))
             packed += c;
-    // Past its last character is a 0, at which each of these tests ends.
     std::string number;
     std::size_t i = 0;
-    if (withSign && (packed[i] == '-' || packed[i] == '+')) {
+    if (withSign && i < packed.size() && (packed[i] == '-' || packed[i] == '+')) {
         if (packed[i] == '-')
             number += '-';
         ++i;
     }
     bool digits = false;
     bool point = false;
-    for (;; ++i) {
+    for (; i < packed.size(); ++i) {
         if (IsDigit(packed[i]))
             digits = true;
         else if (packed[i] == '.' && !point)
@@ -48,13 +47,13 @@ std::string LeadingNumber(std::string_view text, bool withSign)
     }
     if (!digits)
         return {};
-    if (std::string_view("eEdD").find(packed[i]) != std::string_view::npos) {
+    if (i < packed.size() && std::string_view("eEdD").find(packed[i]) != std::string_view::npos) {
         std::size_t j = i + 1;
         std::string exponent = "e";
-        if (packed[j] == '-' || packed[j] == '+')
+        if (j < packed.size() && (packed[j] == '-' || packed[j] == '+'))
             exponent += packed[j++];
-        if (IsDigit(packed[j])) {
-            while (IsDigit(packed[j]))
+        if (j < packed.size() && IsDigit(packed[j])) {
+            while (j < packed.size() && IsDigit(packed[j]))
                 exponent += packed[j++];
             number += exponent;
         }
