@@ -200,6 +200,12 @@ TEST_F(LineFurnitureTest, AChordOverTheLastNoteIsPrintedToo)
     EXPECT_TRUE(Has(Screen(), "text 6520 600 size=10 font=\"Arial\" bold=0 \"G\""));
 }
 
+TEST_F(LineFurnitureTest, AChordOverTheLinesFirstHeadIsPrintedToo)
+{
+    Head(1).ChordText = "G";
+    EXPECT_TRUE(Has(Screen(), "text 520 600 size=10 font=\"Arial\" bold=0 \"G\""));
+}
+
 TEST_F(LineFurnitureTest, ASignatureAfterARepeatStartAtTheLinesStartIsAUnitFurtherRight)
 {
     Head(1).BarCode = kRepeatStart;
