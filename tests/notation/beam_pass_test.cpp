@@ -363,6 +363,9 @@ TEST_F(BeamPassOver, TheCountOfEighthsStartsAnewAfterTheFourth)
     EXPECT_EQ(shapes[4], kMainBeam);
     EXPECT_EQ(shapes[8], kNoBeam) << "before the third";
     EXPECT_EQ(shapes[10], kMainBeam) << "before the fourth";
+    const int triplet = kTripletSixteenthRest;
+    EXPECT_EQ(Common({kSixteenth, triplet, triplet, triplet, eighth, eighth, rest, eighth})[6],
+              kNoBeam);
 }
 
 }  // namespace

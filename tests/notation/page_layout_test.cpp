@@ -181,6 +181,7 @@ TEST_F(PageLayoutTest, ALoneHeadAtTheTunesEndIsNotDrawn)
     EXPECT_EQ(Only(log, "line 400 ", " w=1").size(), 6U);
     tune[tune.LastNote].Slot(6) = "NL";
     EXPECT_EQ(Screen(), log);
+    EXPECT_FALSE(tooWide);
 }
 
 TEST_F(PageLayoutTest, AMeasureThatIsTooWideStopsTheRunAndWhatWasDrawnStays)
