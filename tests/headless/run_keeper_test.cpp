@@ -529,6 +529,9 @@ TEST_F(RunKeeperTest, RescueCopiesOfEarlierVersionsAreFoundInTheOrderOfTheirTime
     for (std::size_t i = 0; i < found.size(); ++i)
         EXPECT_EQ(found[i].Tune, RescuedFolder(own) + "/" + names[i]);
     EXPECT_EQ(found[0].Name, "air, 03 Jan 12:00");
+    KeptRun run(own);
+    run.Keeper().Open(found[0]);
+    EXPECT_EQ(run.Win().tune.FileName, found[0].Tune) << "there is no journal to open";
 }
 
 TEST_F(RunKeeperTest, RescuedWorkIsNamedForAnyNameThatATuneMayHave)
