@@ -221,6 +221,21 @@ TEST(CheckTexts, TheFirstLineOfTheFileAndOfARecordCountToo)
               Lines{"the title, a credit or a font contains a double quote"});
 }
 
+TEST(CheckTexts, ALineOfNumbersWithOneTooManyIsFound)
+{
+    Tune tune;
+    AddFullMeasures(tune, 1);
+    for (int line = 9; line < 12; ++line) {  // the first three of record 1
+        std::string bytes = TuneBytes(tune);
+        std::size_t end = 0;
+        for (int i = 0; i <= line; ++i)
+            end = bytes.find("\r\n", end) + 2;
+        bytes.insert(end - 2, ",1");
+        EXPECT_EQ(Texts(CheckTexts(bytes)), Lines{"measure 1: a text contains a double quote"})
+            << line;
+    }
+}
+
 TEST(CheckTexts, LineEndsMayBeAnyOfThree)
 {
     EXPECT_EQ(CheckTexts("0,0,0\n0,0,0,0\r0,\"\",\" \",\" \",\"x\"\r\n\"\"\n").size(), 0U);

@@ -155,6 +155,16 @@ TEST_F(StateLineTest, ATickTooManyIsTooLong)
     EXPECT_EQ(MeasureLine(1), "measure 1: 1/12 beat too long");
 }
 
+TEST_F(StateLineTest, APageAfterTheTunesLastIsNotCounted)
+{
+    TuneState state;
+    state.Pages = 2;
+    state.Page = 2;
+    EXPECT_EQ(LineOf(state).Page, "page 2 of 2");
+    state.Page = 3;
+    EXPECT_EQ(LineOf(state).Page, "");
+}
+
 TEST_F(StateLineTest, WhatTheSoundSaysIsPassedOn)
 {
     TuneState state;
