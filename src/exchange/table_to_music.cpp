@@ -220,8 +220,8 @@ bool BeginsWithABracket(const Music& music, const Playing& playing)
            });
 }
 
-/// Whether endings begin anew behind a last ending that repeats, with no sign that another section
-/// begins: to some programs it is the same section, which they repeat once more.
+/// Whether endings start over after a last ending that repeats, with nothing to say that a new
+/// section begins: some programs take it for the same section and repeat it once more.
 bool HasSecondEndings(const Music& music)
 {
     int highest = 0;

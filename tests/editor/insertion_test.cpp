@@ -19,7 +19,7 @@ protected:
         Show();
     }
 
-    /// What each record bears, measure by measure: "1:1 2:12".
+    /// The frets of each measure, "-" for a record without one: "1:1 2:12".
     std::string Notes() const
     {
         std::string notes;

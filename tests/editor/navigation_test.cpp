@@ -401,7 +401,7 @@ TEST_F(Navigation, NextInATuneWithoutMeasuresStartsAfresh)
     EXPECT_EQ(tune.CurMeas, 1);
 }
 
-// A damaged tune: nothing bears the number of its second measure. The first one is gone through
+// A damaged tune: no record has the number of its second measure. The first one is shown
 // once more, and is full, so that a fresh measure opens after its head and note.
 TEST_F(Navigation, NextToAMeasureThatIsNotThereStartsAfreshAfterTheOneThatWasThere)
 {

@@ -3,7 +3,19 @@
 namespace quillon {
 namespace {
 
-class StaffInput : public EditorDesk {};
+class StaffInput : public EditorDesk {
+protected:
+    /// Measure 2 of three: record 6, and no notes.
+    void ShowAHeadAloneInTheMiddle()
+    {
+        EmptyTable();
+        AddFullMeasures(tune, 1);
+        AddMeasure(tune);
+        AddFullMeasures(tune, 1);
+        Show();
+        Goto("2");
+    }
+};
 
 TEST_F(StaffInput, TwoDigitsOnOneStringMakeOneTextAndMoveTheCursorBy12)
 {
@@ -831,12 +843,7 @@ TEST_F(StaffInput, AClickRightOfAFullMeasureTakesItsLastNoteAndEndsAppendState)
 
 TEST_F(StaffInput, AClickInAMeasureOfAHeadAloneThatIsNotOpenGoesToTheHead)
 {
-    EmptyTable();
-    AddFullMeasures(tune, 1);
-    AddMeasure(tune);
-    AddFullMeasures(tune, 1);
-    Show();
-    Goto("2");
+    ShowAHeadAloneInTheMiddle();
     Click(100, 44);
     EXPECT_EQ(tune.CurNote, 6);
     EXPECT_EQ(form.CursorX, tune[6].XPos);
@@ -966,12 +973,7 @@ TEST_F(StaffInput, TheFiguresReachFromTheirLowerBoundUpToTheirUpperOne)
 
 TEST_F(StaffInput, AMeasureOfAHeadAloneThatIsNotOpenKeepsItsSignature)
 {
-    EmptyTable();
-    AddFullMeasures(tune, 1);
-    AddMeasure(tune);
-    AddFullMeasures(tune, 1);
-    Show();
-    Goto("2");
+    ShowAHeadAloneInTheMiddle();
     EXPECT_EQ(form.MeasEnd, form.MeasHead);
     Click(5, 60);
     EXPECT_EQ(form.CurBeatUnit, 4);

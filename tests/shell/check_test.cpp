@@ -80,7 +80,7 @@ protected:
 
 using Order = std::vector<int>;
 
-/// A remark on paper. Its ink begins 20 twips behind `x` and ends 80 twips a character less 20.
+/// A remark on paper. The ink of n characters goes from x + 16 to x + 80 n - 16, in twips.
 Operation RemarkAt(double x, const std::string& text, double y = 1000)
 {
     Operation remark;
@@ -666,7 +666,8 @@ TEST_F(CheckTest, StringsThatDriftApartAreFoundWhereTheyAreHeardToDoSo)
     EXPECT_EQ(Together(130), Lines());
 }
 
-// At a tempo of 110 they are six ticks, and a sixteenth of 27 ticks loses one when it is halved.
+// At a tempo of 110, 30 milliseconds are six ticks, and a sixteenth of 27 ticks loses one tick when
+// it is halved.
 TEST_F(CheckTest, NobodyHearsADriftOf30Milliseconds)
 {
     AddMeasure(tune);

@@ -29,7 +29,8 @@ DiskTest* diskInCharge = nullptr;
 
 class DiskTest : public testing::Test {
 public:
-    /// Notes the call. False, with errno set, if it is to fail; and so is what goes on for ever.
+    /// Records the call. Returns false, with errno set, if the call is to fail, or if there have
+    /// been so many that the program must be in an endless loop.
     bool Passes(const std::string& call, int descriptor)
     {
         constexpr std::size_t kMostCalls = 100;
@@ -42,7 +43,7 @@ public:
         const int error = errors.empty() ? 0 : errors.front();
         if (!errors.empty())
             errors.pop_front();
-        errno = error != 0 ? error : EINTR;  // which says nothing where the call does not fail
+        errno = error != 0 ? error : EINTR;  // a call that succeeds may leave anything there
         return error == 0;
     }
 
@@ -55,7 +56,7 @@ protected:
     DiskTest() { diskInCharge = this; }
     ~DiskTest() override { diskInCharge = nullptr; }
 
-    /// Why `work` fails, as the system's number; 0 if it does not.
+    /// The error number with which `work` fails, 0 if it does not.
     template <typename Work> static int ReasonOf(Work work)
     {
         try {

@@ -106,7 +106,7 @@ public:
     std::vector<Form> Forms;  // shown so far
     int Ends = 0;
     bool WaitCursor = false;
-    bool HasWaited = false;  // has had that cursor
+    bool HasWaited = false;  // has shown that cursor before
 
     std::string ProgramFolder() const override { return Folder; }
     bool HasFont(const std::string& name) const override { return !MissingFonts.contains(name); }

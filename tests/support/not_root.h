@@ -1,4 +1,4 @@
-// An ordinary user for tests that are run by root, from whom nothing is protected.
+// Turns root into an ordinary user, for tests of permissions: they do not hold for root.
 
 #pragma once
 
@@ -8,7 +8,8 @@
 
 namespace quillon {
 
-/// As long as it lives root is nobody, with `folder` as his own; anybody else stays who he is.
+/// While it exists, root acts as the user "nobody", who is made the owner of `folder`. For any
+/// other user nothing changes.
 class NotRoot {
 public:
     explicit NotRoot(const std::string& folder)
